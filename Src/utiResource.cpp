@@ -1,0 +1,367 @@
+// utiResource.cpp: resource files and modules: loading, the current module, languages, closing.
+// Stands on the TLV parser, the List and the platform's files. Strings are utiResourceStrings.cpp.
+#include "utiResource.h"
+
+#include "assertions.h"
+#include "heap.h"
+#include "platform.h"
+#include "text.h"
+
+#include <cstdio>
+
+constinit List *ModuleList = nullptr;
+constinit ResourceModule *CurrentModule = nullptr;
+constinit char CurrentModuleName[13] = {};
+constinit char CurrentLanguage[3] = {};
+constinit uint8_t SectionType = 0;
+constinit uint8_t CheckExternalResources = 0;
+
+namespace uti {
+
+namespace {
+
+constexpr Assertions asserts{"Src/utiResource"};
+
+constexpr std::size_t languageSize = sizeof CurrentLanguage;
+
+enum Tag : uint16_t {
+    tagVersion = 0x0001,
+    tagLanguageCode = 0x0021,
+    tagLanguageInfo = 0x0022,
+    tagTableOffset = 0x0023,
+    tagHeader = 0x8002,
+    tagLanguageBlock = 0x8020,
+    tagFirstSection = 0x8100,
+    tagLastSection = 0x8105
+};
+
+// Sections 3, 4 and 5 fall back to their first language.
+constexpr bool fallsBack(int32_t section) {
+    return section >= 3 && section <= 5;
+}
+
+bool isNameAccepted(const char *module) {
+    return module && strnlen(module, RESOURCE_NAME_LENGTH + 1) <= RESOURCE_NAME_LENGTH;
+}
+
+// Prepares the module state on first use. False when memory is short.
+bool prepareModules() {
+    if (ModuleList)
+        return true;
+    const EnvironmentValue external("EXTRES");
+    if (external.text().starts_with('1'))
+        CheckExternalResources = 1;
+
+    ModuleList = List_Create();
+    if (!ModuleList)
+        return false;
+    CurrentModuleName[0] = 0;
+    readDefaultLanguage(CurrentLanguage);
+    return true;
+}
+
+ResourceModule *findModule(std::string_view name) {
+    List *modules = ModuleList;
+    for (void *item = modules->First(modules); item; item = modules->Next(modules)) {
+        auto *module = static_cast<ResourceModule *>(item);
+        if (fieldText(module->name) == name)
+            return module;
+    }
+    return nullptr;
+}
+
+void freeLanguages(ResourceModule &module) {
+    for (List *&languages : module.languages) {
+        if (!languages)
+            continue;
+        for (void *item = languages->First(languages); item; item = languages->Next(languages))
+            std::free(item);
+        List_Destroy(languages);
+        languages = nullptr;
+    }
+}
+
+// Takes the module out of the list and frees it with its file and languages.
+void unloadModule(ResourceModule *module) {
+    File_Close(module->handle);
+    freeLanguages(*module);
+    List *modules = ModuleList;
+    for (void *item = modules->First(modules); item; item = modules->Next(modules)) {
+        if (item == module) {
+            modules->Remove(modules);
+            break;
+        }
+    }
+    std::free(module);
+}
+
+// Walks the children of a node: `take` consumes a child and returns 0 or an error, which ends the
+// walk.
+template <class Take> int32_t walkChildren(ParserNode *node, Take take) {
+    ParserNode child;
+    while (Parser_GetNextSubNode(node, &child) == UTI_OK) {
+        const int32_t result = take(child);
+        if (result != UTI_OK)
+            return result;
+    }
+    return UTI_OK;
+}
+
+int32_t skip(const ParserNode &node) {
+    int32_t error;
+    Parser_GetParameterInsignificant(&node, &error);
+    return error;
+}
+
+// Appends a language to its section of the current module.
+int32_t addLanguage(const ResourceLanguage &language) {
+    if (!CurrentModule || SectionType >= RESOURCE_SECTIONS)
+        return asserts.fail(UTI_RESOURCE_NOT_LOADED);
+    HeapPointer<ResourceLanguage> entry = allocateZeroed<ResourceLanguage>();
+    List *&languages = CurrentModule->languages[SectionType];
+    if (entry && !languages)
+        languages = List_Create();
+    if (!entry || !languages || !languages->AddTail(languages, entry.get()))
+        return asserts.fail(UTI_RESOURCE_NO_MEMORY);
+    *entry.release() = language;
+    return UTI_OK;
+}
+
+} // namespace
+
+void readDefaultLanguage(char (&language)[3]) {
+    setField(language, "ru");
+    const EnvironmentValue value("default_lang");
+    if (value.text().size() == 2)
+        TextToLowercase(value.text().data(), language, 2);
+    else
+        asserts.report();
+}
+
+ExternalName::ExternalName(const char *module) : enabled_(module && CheckExternalResources == 1) {
+    if (enabled_)
+        snprintf(text_, sizeof text_, "%.13s_ext", module);
+}
+
+} // namespace uti
+
+using namespace uti;
+
+int32_t Resource_Initialize(const char *module) {
+    if (!isNameAccepted(module))
+        return asserts.fail(UTI_RESOURCE_BAD_NAME);
+    if (!prepareModules())
+        return asserts.fail(UTI_RESOURCE_NO_MEMORY);
+    if (CurrentModule && fieldText(CurrentModuleName) == module)
+        return UTI_OK;
+
+    if (ResourceModule *loaded = findModule(module)) {
+        CurrentModule = loaded;
+        setField(CurrentModuleName, module);
+    } else {
+        const int32_t result = Resource_LoadInfo(module);
+        if (result != UTI_OK)
+            return result;
+    }
+    Resource_FillLanguageOffsetsForCurrentModule();
+    return UTI_OK;
+}
+
+int32_t Resource_LoadInfo(const char *module) {
+    if (!isNameAccepted(module))
+        return asserts.fail(UTI_RESOURCE_NOT_LOADED);
+    if (!prepareModules())
+        return asserts.fail(UTI_RESOURCE_NO_MEMORY);
+
+    char path[RESOURCE_NAME_LENGTH + 5];
+    snprintf(path, sizeof path, "%s.res", module);
+    const int32_t handle = File_Open(path, FILE_MODE_READ);
+    if (handle < 0)
+        return asserts.fail(UTI_RESOURCE_NOT_LOADED);
+
+    ParserNode root;
+    Parser_Initialize(2, 4);
+    if (Parser_GetRootNode(handle, &root) != UTI_OK) {
+        asserts.report();
+        File_Close(handle);
+        return UTI_RESOURCE_NOT_LOADED;
+    }
+
+    ResourceModule *loaded = allocateZeroed<ResourceModule>().release();
+    if (!loaded || !ModuleList->AddTail(ModuleList, loaded)) {
+        asserts.report();
+        File_Close(handle);
+        std::free(loaded);
+        return UTI_RESOURCE_NO_MEMORY;
+    }
+    setField(loaded->name, module);
+    loaded->handle = handle;
+
+    ResourceModule *previous = CurrentModule;
+    CurrentModule = loaded;
+    if (Parser_ParseNode(&root, ParseResources) != UTI_OK) {
+        asserts.report();
+        unloadModule(loaded);
+        CurrentModule = previous;
+        return UTI_RESOURCE_NOT_LOADED;
+    }
+    setField(CurrentModuleName, module);
+    return UTI_OK;
+}
+
+void Resource_FillLanguageOffsetsForCurrentModule(void) {
+    if (!CurrentModule)
+        return;
+    for (int32_t section = 0; section < RESOURCE_SECTIONS; ++section) {
+        uint32_t &offset = CurrentModule->tableOffsets[section];
+        offset = 0;
+        List *languages = CurrentModule->languages[section];
+        if (!languages)
+            continue;
+
+        for (languages->First(languages); !languages->IsDone(languages);
+             languages->Next(languages)) {
+            const auto *language =
+                static_cast<const ResourceLanguage *>(languages->Current(languages));
+            if (std::memcmp(language->code, CurrentLanguage, languageSize) == 0) {
+                offset = language->tableOffset;
+                break;
+            }
+        }
+        if (offset == 0 && fallsBack(section))
+            offset =
+                static_cast<const ResourceLanguage *>(languages->First(languages))->tableOffset;
+    }
+}
+
+int32_t Resource_IsValid(const char *module, uint16_t version) {
+    const int32_t result = Resource_Initialize(module);
+    if (result != UTI_OK)
+        return asserts.fail(result);
+    if (CurrentModule->version != version)
+        return asserts.fail(UTI_RESOURCE_OTHER_VERSION);
+    return UTI_OK;
+}
+
+int32_t Resource_GetLanguages(const char *module, uint32_t section, ResourceLanguageInfo *infos,
+                              int32_t capacity) {
+    const int32_t result = Resource_Initialize(module);
+    if (result != UTI_OK)
+        return asserts.fail(result);
+    List *languages = section < RESOURCE_SECTIONS ? CurrentModule->languages[section] : nullptr;
+    if (!languages)
+        return asserts.fail(0);
+    const int32_t count = languages->GetCount(languages);
+    if (count > capacity || !infos)
+        return asserts.fail(UTI_RESOURCE_SMALL_ARRAY);
+
+    for (languages->First(languages); !languages->IsDone(languages); languages->Next(languages)) {
+        const auto *language = static_cast<const ResourceLanguage *>(languages->Current(languages));
+        ResourceLanguageInfo &info = *infos++;
+        std::memcpy(info.code, language->code, languageSize);
+        info.reserved = 0;
+        info.info = language->info;
+    }
+    return count;
+}
+
+void Resource_SetLanguage(const char *language) {
+    if (!language) {
+        asserts.report();
+        return;
+    }
+    // A text shorter than the three bytes of a language code ends early, and it may be
+    // `CurrentLanguage` itself.
+    char code[languageSize] = {};
+    std::memcpy(code, language, strnlen(language, languageSize));
+    std::memcpy(CurrentLanguage, code, languageSize);
+    Resource_FillLanguageOffsetsForCurrentModule();
+}
+
+const char *Resource_GetCurrentLanguage(void) {
+    return CurrentLanguage;
+}
+
+void Resource_Close(const char *module) {
+    if (!module || !ModuleList)
+        return;
+    // A copy, since the caller may pass the name in the very record that is freed here.
+    char closedName[RESOURCE_NAME_LENGTH + 2];
+    setField(closedName, module);
+    const ExternalName external(closedName);
+    const auto isMeant = [&](const ResourceModule &loaded) {
+        const std::string_view name = fieldText(loaded.name);
+        return loaded.handle >= 0 &&
+               (name == closedName || (external.enabled() && name == external.text()));
+    };
+
+    List *modules = ModuleList;
+    void *item = modules->First(modules);
+    while (item) {
+        auto *loaded = static_cast<ResourceModule *>(item);
+        if (!isMeant(*loaded)) {
+            item = modules->Next(modules);
+            continue;
+        }
+
+        Resource_ReleaseAll(loaded->name);
+        freeStoredStrings(loaded->name);
+        if (loaded == CurrentModule) {
+            CurrentModuleName[0] = 0;
+            CurrentModule = nullptr;
+        }
+        unloadModule(loaded);
+        item = modules->First(modules);
+    }
+}
+
+int32_t ParseResources(ParserNode *node) {
+    return walkChildren(node, [](ParserNode &child) {
+        return child.tag == tagHeader ? Parser_ParseNode(&child, ParseHeader) : skip(child);
+    });
+}
+
+int32_t ParseHeader(ParserNode *node) {
+    return walkChildren(node, [](ParserNode &child) {
+        if (child.tag == tagVersion && CurrentModule) {
+            int32_t error;
+            CurrentModule->version = Parser_GetParameterWord(&child, &error);
+            return error;
+        }
+        if (child.tag >= tagFirstSection && child.tag <= tagLastSection) {
+            SectionType = static_cast<uint8_t>(child.tag - tagFirstSection);
+            return Parser_ParseNode(&child, ParseSection);
+        }
+        return skip(child);
+    });
+}
+
+int32_t ParseSection(ParserNode *node) {
+    return walkChildren(node, [](ParserNode &child) {
+        return child.tag == tagLanguageBlock ? Parser_ParseNode(&child, ParseLanguageBlock)
+                                             : skip(child);
+    });
+}
+
+int32_t ParseLanguageBlock(ParserNode *node) {
+    ResourceLanguage language{};
+    const int32_t result = walkChildren(node, [&](ParserNode &child) {
+        int32_t error = UTI_OK;
+        switch (child.tag) {
+        case tagLanguageCode: {
+            std::memset(language.code, 0, languageSize);
+            const int32_t length = Parser_GetParameterBuffer(&child, language.code, languageSize);
+            return length < 0 ? length : UTI_OK;
+        }
+        case tagLanguageInfo:
+            language.info = Parser_GetParameterWord(&child, &error);
+            return error;
+        case tagTableOffset:
+            language.tableOffset = Parser_GetParameterDword(&child, &error);
+            return error;
+        default:
+            return skip(child);
+        }
+    });
+    return result == UTI_OK ? addLanguage(language) : result;
+}

@@ -1,0 +1,311 @@
+// utiResourceStrings.cpp: strings by module and id, with their three stores: the transient small
+// slots and large-string List of each module, and the lasting store per language and module.
+#include "assertions.h"
+#include "heap.h"
+#include "platform.h"
+#include "text.h"
+#include "utiResource.h"
+
+constinit List *ResourceStorageList = nullptr;
+constinit char ResourceEmptyStr[1] = {};
+
+namespace uti {
+
+namespace {
+
+constexpr Assertions asserts{"Src/utiResource"};
+
+constexpr std::size_t languageLength = 2;
+constexpr uint32_t storedLimit = 2048;
+
+// The key of a language and module in `ResourceStorageList`; empty without a language or when the
+// name is too long.
+class StoredKey {
+  public:
+    StoredKey(std::string_view language, const char *module) {
+        const std::size_t length = strnlen(module, RESOURCE_NAME_LENGTH + 1);
+        if (language.size() < languageLength || length > RESOURCE_NAME_LENGTH)
+            return;
+        std::memcpy(text_, language.data(), languageLength);
+        std::memcpy(text_ + languageLength, module, length);
+        length_ = languageLength + length;
+    }
+
+    std::string_view text() const { return {text_, length_}; }
+
+  private:
+    char text_[sizeof(ResourceStoredStrings::key)];
+    std::size_t length_ = 0;
+};
+
+std::string_view emptyString() {
+    return {ResourceEmptyStr, 0};
+}
+
+ResourceStoredStrings *findStored(std::string_view key) {
+    List *list = ResourceStorageList;
+    for (void *item = list->First(list); item; item = list->Next(list)) {
+        auto *stored = static_cast<ResourceStoredStrings *>(item);
+        if (fieldText(stored->key) == key)
+            return stored;
+    }
+    return nullptr;
+}
+
+// The entry for a key, created when there is none; null when memory is short.
+ResourceStoredStrings *findOrAddStored(std::string_view key) {
+    if (!ResourceStorageList)
+        ResourceStorageList = List_Create();
+    if (!ResourceStorageList)
+        return nullptr;
+    if (ResourceStoredStrings *stored = findStored(key))
+        return stored;
+
+    HeapPointer<ResourceStoredStrings> entry = allocateZeroed<ResourceStoredStrings>();
+    if (!entry)
+        return asserts.fail(nullptr);
+    setField(entry->key, key);
+    entry->strings = Storage_Create();
+    if (!entry->strings)
+        return nullptr;
+    if (!ResourceStorageList->AddTail(ResourceStorageList, entry.get())) {
+        Storage_Free(entry->strings);
+        return nullptr;
+    }
+    return entry.release();
+}
+
+// The stored copy of a string, its terminator not counted. A view without an address: not stored.
+std::string_view findStoredString(const char *module, std::string_view language, uint32_t id) {
+    if (!module || !ResourceStorageList)
+        return {};
+    char defaultLanguage[3];
+    if (language.size() != languageLength) {
+        readDefaultLanguage(defaultLanguage);
+        language = {defaultLanguage, languageLength};
+    }
+
+    const StoredKey key(language, module);
+    const ResourceStoredStrings *stored = key.text().empty() ? nullptr : findStored(key.text());
+    if (!stored)
+        return {};
+    if (!stored->strings)
+        return asserts.fail(std::string_view{});
+    char *text;
+    uint32_t length;
+    if (!Storage_GetString(stored->strings, id, &text, &length))
+        return {};
+    return {text, length - 1};
+}
+
+// Reads the bytes of a string into a free small slot of the current module.
+std::string_view readSmallString(const char *module, uint16_t id, uint16_t length) {
+    for (ResourceSmallString &slot : CurrentModule->smallStrings) {
+        if (slot.text[0] != 0)
+            continue;
+        if (File_Read(CurrentModule->handle, slot.text, length) != length) {
+            slot = {};
+            return asserts.fail(emptyString());
+        }
+        slot.id = id;
+        resource_StoreString(module, id, slot.text, length);
+        return {slot.text, length};
+    }
+    return asserts.fail(emptyString());
+}
+
+// Reads the bytes of a string into a new record of the current module's large-string List.
+std::string_view readLargeString(const char *module, uint16_t id, uint16_t length) {
+    List *&strings = CurrentModule->largeStrings;
+    if (!strings)
+        strings = List_Create();
+    HeapPointer<ResourceLargeString> record = allocateZeroed<ResourceLargeString>();
+    HeapPointer<char> text = allocateBytes(length + 1u);
+    if (!strings || !record || !text)
+        return asserts.fail(emptyString());
+
+    if (File_Read(CurrentModule->handle, text.get(), length) != length)
+        return asserts.fail(emptyString());
+    text.get()[length] = 0;
+    *record = {id, text.get(), length};
+    if (!strings->AddTail(strings, record.get()))
+        return asserts.fail(emptyString());
+    record.release();
+    resource_StoreString(module, id, text.get(), length);
+    return {text.release(), length};
+}
+
+// `resource_GetString` with the string's length.
+std::string_view getModuleString(const char *module, uint32_t stringId) {
+    const auto id = static_cast<uint16_t>(stringId);
+    const std::string_view stored = findStoredString(module, fieldText(CurrentLanguage), id);
+    if (stored.data())
+        return stored;
+    if (Resource_Initialize(module) != UTI_OK)
+        return asserts.fail(emptyString());
+
+    const uint32_t section = id >> 12;
+    const uint32_t table = section < RESOURCE_SECTIONS ? CurrentModule->tableOffsets[section] : 0;
+    if (table == 0)
+        return asserts.fail(emptyString());
+
+    uint8_t entry[4];
+    const uint32_t index = id & 0xFFFu;
+    if (!readFileAt(CurrentModule->handle, table + 4 * index, entry, sizeof entry))
+        return asserts.fail(emptyString());
+    const uint16_t offset = BufferToWord(entry);
+    const uint16_t length = BufferToWord(entry + 2);
+    if (File_SetPosition(CurrentModule->handle, table + offset) != 0)
+        return asserts.fail(emptyString());
+    return length <= RESOURCE_SMALL_LENGTH ? readSmallString(module, id, length)
+                                           : readLargeString(module, id, length);
+}
+
+void freeLargeString(List *strings, ResourceLargeString *string) {
+    std::free(string->text);
+    std::free(string);
+    strings->Remove(strings);
+}
+
+void destroyLargeStrings(ResourceModule &module) {
+    List_Destroy(module.largeStrings);
+    module.largeStrings = nullptr;
+}
+
+} // namespace
+
+std::string_view getResourceString(const char *module, uint32_t id) {
+    const ExternalName external(module);
+    if (external.enabled()) {
+        const std::string_view text = getModuleString(external.text(), id);
+        if (*text.data() != 0)
+            return text;
+    }
+    return getModuleString(module, id);
+}
+
+void freeStoredStrings(const char *module) {
+    List *list = ResourceStorageList;
+    if (!list)
+        return;
+    void *item = list->First(list);
+    while (item) {
+        auto *stored = static_cast<ResourceStoredStrings *>(item);
+        if (std::strcmp(stored->key + languageLength, module) != 0) {
+            item = list->Next(list);
+            continue;
+        }
+        Storage_Free(stored->strings);
+        list->Remove(list);
+        std::free(stored);
+        item = list->First(list);
+    }
+}
+
+} // namespace uti
+
+using namespace uti;
+
+const char *resource_FindStoredString(const char *module, const char *language, uint32_t id) {
+    const std::size_t length = language ? strnlen(language, languageLength + 1) : 0;
+    return findStoredString(module, {language, length}, id).data();
+}
+
+int32_t resource_StoreString(const char *module, uint32_t id, const void *bytes, uint32_t length) {
+    if (!module || !bytes)
+        return 0;
+    const StoredKey key(fieldText(CurrentLanguage), module);
+    if (key.text().empty())
+        return asserts.fail(0);
+    ResourceStoredStrings *stored = findOrAddStored(key.text());
+    if (!stored)
+        return 0;
+    if (!stored->strings)
+        return asserts.fail(0);
+    if (length >= storedLimit)
+        return 0;
+    char text[storedLimit] = {};
+    std::memcpy(text, bytes, length);
+    return Storage_PutString(stored->strings, id, text, length + 1);
+}
+
+const char *resource_GetString(const char *module, uint32_t id) {
+    return getModuleString(module, id).data();
+}
+
+const char *Resource_GetString(const char *module, uint32_t id) {
+    return getResourceString(module, id).data();
+}
+
+const char *Resource_GetStringEx(const char *module, const char *language, uint32_t id) {
+    if (const char *stored = resource_FindStoredString(module, language, id))
+        return stored;
+    if (Resource_Initialize(module) != UTI_OK)
+        return asserts.fail(nullptr);
+
+    char saved[3];
+    std::memcpy(saved, CurrentLanguage, sizeof saved);
+    Resource_SetLanguage(language && *language ? language : saved);
+    const char *text = Resource_GetString(module, id);
+    Resource_SetLanguage(saved);
+    return text;
+}
+
+void resource_Release(const char *module, uint32_t id) {
+    if (Resource_Initialize(module) != UTI_OK) {
+        asserts.report();
+        return;
+    }
+    for (ResourceSmallString &slot : CurrentModule->smallStrings) {
+        if (slot.id != id)
+            continue;
+        // A free slot may bear the same id, above all 0.
+        const bool used = slot.text[0] != 0;
+        slot = {};
+        if (used)
+            break;
+    }
+
+    List *strings = CurrentModule->largeStrings;
+    if (!strings)
+        return;
+    for (void *item = strings->First(strings); item; item = strings->Next(strings)) {
+        auto *string = static_cast<ResourceLargeString *>(item);
+        if (string->id == id) {
+            freeLargeString(strings, string);
+            break;
+        }
+    }
+    if (strings->IsEmpty(strings))
+        destroyLargeStrings(*CurrentModule);
+}
+
+void Resource_Release(const char *module, uint32_t id) {
+    const ExternalName external(module);
+    if (external.enabled())
+        resource_Release(external.text(), id);
+    resource_Release(module, id);
+}
+
+void resource_ReleaseAll(const char *module) {
+    if (Resource_Initialize(module) != UTI_OK) {
+        asserts.report();
+        return;
+    }
+    for (ResourceSmallString &slot : CurrentModule->smallStrings)
+        slot = {};
+
+    List *strings = CurrentModule->largeStrings;
+    if (!strings)
+        return;
+    while (void *item = strings->First(strings))
+        freeLargeString(strings, static_cast<ResourceLargeString *>(item));
+    destroyLargeStrings(*CurrentModule);
+}
+
+void Resource_ReleaseAll(const char *module) {
+    const ExternalName external(module);
+    if (external.enabled())
+        resource_ReleaseAll(external.text());
+    resource_ReleaseAll(module);
+}

@@ -1,0 +1,536 @@
+// utiStorage.cpp: the hash table from 32-bit keys to typed values, and its export block:
+//
+//   offset  size  field, for each value by bucket, the newest first in each
+//   0       4     key
+//   4       4     type code
+//   8       4     n, bytes of the value
+//   12      n     the value as stored (scalars in the machine's byte order)
+//
+// All numbers of the block are little-endian; it has no header, count or terminator.
+#include "assertions.h"
+#include "bytes.h"
+#include "heap.h"
+#include "terminal.h"
+
+#include <algorithm>
+#include <bit>
+#include <concepts>
+#include <cstring>
+
+namespace uti {
+namespace {
+
+constexpr Assertions asserts{"Src/utiStorage"};
+constexpr uint32_t entryHeaderSize = 12;
+
+// Bytes of a value by type code; strings have their own length.
+constexpr uint8_t scalarSizes[] = {
+    1, 1, 2, 2, 4, 4, 8, 8, 1, 8, 0, sizeof(TerminalDate), sizeof(TerminalTime)};
+static_assert(sizeof(TerminalDate) == 6 && sizeof(TerminalTime) == 3);
+
+bool isOpen(Storage storage) {
+    return storage && *storage;
+}
+
+// The place that points at the key's entry: a bucket or a `next` field; it holds null at the end of
+// the chain when the key is absent.
+StorageEntry **findLink(Storage storage, uint32_t key) {
+    StorageEntry **link = &(*storage)->buckets[CalcHash(key)];
+    while (*link && (*link)->key != key)
+        link = &(*link)->next;
+    return link;
+}
+
+void freeEntry(StorageEntry *entry) {
+    std::free(entry->data);
+    std::free(entry);
+}
+
+// Calls `visit` for every entry by bucket and chain, as long as it returns true.
+template <std::predicate<StorageEntry &> Visit> bool forEachEntry(Storage storage, Visit visit) {
+    for (StorageEntry *bucket : (*storage)->buckets) {
+        for (StorageEntry *entry = bucket; entry; entry = entry->next) {
+            if (!visit(*entry))
+                return false;
+        }
+    }
+    return true;
+}
+
+void freeAllEntries(StorageTable &table) {
+    for (StorageEntry *&bucket : table.buckets) {
+        while (StorageEntry *entry = bucket) {
+            bucket = entry->next;
+            freeEntry(entry);
+        }
+    }
+    table.count = 0;
+    table.totalSize = 0;
+}
+
+// Replaces a value's bytes; the block now belongs to the entry.
+void replaceData(StorageTable &table, StorageEntry &entry, HeapPointer<char> data,
+                 uint32_t length) {
+    std::free(entry.data);
+    entry.data = data.release();
+    table.totalSize += length - entry.length;
+    entry.length = length;
+}
+
+template <class Value>
+int32_t putScalar(Storage storage, uint32_t key, StorageType type, Value value) {
+    return Storage_Put(storage, key, type, &value, sizeof value);
+}
+
+template <class Value>
+int32_t getScalar(Storage storage, uint32_t key, StorageType type, Value *value) {
+    return Storage_Get(storage, key, type, value, sizeof *value);
+}
+
+} // namespace
+} // namespace uti
+
+using namespace uti;
+
+uint32_t CalcHash(uint32_t key) {
+    uint32_t hash = key + ~(key << 9);
+    hash ^= std::rotr(hash, 14);
+    hash *= 17;
+    hash ^= std::rotr(hash, 10);
+    return hash % STORAGE_BUCKETS;
+}
+
+StorageEntry *FindEntry(Storage storage, uint32_t key) {
+    return isOpen(storage) ? *findLink(storage, key) : nullptr;
+}
+
+Storage Storage_Create(void) {
+    HeapPointer<StorageTable *> cell = allocateZeroed<StorageTable *>();
+    if (!cell)
+        return asserts.fail(Storage{nullptr});
+    return Storage_Constructor(cell.get()) ? cell.release() : nullptr;
+}
+
+int32_t Storage_Free(Storage storage) {
+    if (!storage)
+        return 0;
+    Storage_Destructor(storage);
+    std::free(storage);
+    return 1;
+}
+
+int32_t Storage_Clear(Storage storage) {
+    if (!isOpen(storage))
+        return 0;
+    freeAllEntries(**storage);
+    return 1;
+}
+
+int32_t Storage_Constructor(Storage cell) {
+    if (!cell)
+        return 0;
+    *cell = allocateZeroed<StorageTable>().release();
+    return *cell ? 1 : asserts.fail(0);
+}
+
+void Storage_Destructor(Storage cell) {
+    if (!isOpen(cell))
+        return;
+    freeAllEntries(**cell);
+    std::free(*cell);
+    *cell = nullptr;
+}
+
+int32_t Storage_Put(Storage storage, uint32_t key, int32_t type, const void *bytes,
+                    uint32_t length) {
+    if (!isOpen(storage) || !bytes || length == 0)
+        return 0;
+
+    StorageTable &table = **storage;
+    StorageEntry **link = findLink(storage, key);
+    const uint64_t replaced = *link ? uint64_t{entryHeaderSize} + (*link)->length : 0;
+    if (table.totalSize - replaced + entryHeaderSize + length > UINT32_MAX)
+        return 0;
+
+    HeapPointer<char> data = copyBytes(bytes, length);
+    if (!data)
+        return asserts.fail(0);
+    if (StorageEntry *entry = *link) {
+        replaceData(table, *entry, std::move(data), length);
+        entry->type = type;
+        return 1;
+    }
+
+    StorageEntry *entry = allocateZeroed<StorageEntry>().release();
+    if (!entry)
+        return asserts.fail(0);
+    StorageEntry *&bucket = table.buckets[CalcHash(key)];
+    *entry = {key, type, data.release(), length, bucket};
+    bucket = entry;
+    ++table.count;
+    table.totalSize += entryHeaderSize + length;
+    return 1;
+}
+
+int32_t Storage_PutChar(Storage storage, uint32_t key, char value) {
+    return putScalar(storage, key, STORAGE_CHAR, value);
+}
+
+int32_t Storage_PutByte(Storage storage, uint32_t key, uint8_t value) {
+    return putScalar(storage, key, STORAGE_BYTE, value);
+}
+
+int32_t Storage_PutShort(Storage storage, uint32_t key, int16_t value) {
+    return putScalar(storage, key, STORAGE_SHORT, value);
+}
+
+int32_t Storage_PutWord(Storage storage, uint32_t key, uint16_t value) {
+    return putScalar(storage, key, STORAGE_WORD, value);
+}
+
+int32_t Storage_PutLong(Storage storage, uint32_t key, int32_t value) {
+    return putScalar(storage, key, STORAGE_LONG, value);
+}
+
+int32_t Storage_PutDWord(Storage storage, uint32_t key, uint32_t value) {
+    return putScalar(storage, key, STORAGE_DWORD, value);
+}
+
+int32_t Storage_PutInt64(Storage storage, uint32_t key, int64_t value) {
+    return putScalar(storage, key, STORAGE_INT64, value);
+}
+
+int32_t Storage_PutUInt64(Storage storage, uint32_t key, uint64_t value) {
+    return putScalar(storage, key, STORAGE_UINT64, value);
+}
+
+int32_t Storage_PutBool(Storage storage, uint32_t key, uint8_t value) {
+    return putScalar(storage, key, STORAGE_BOOL, value);
+}
+
+int32_t Storage_PutDouble(Storage storage, uint32_t key, double value) {
+    return putScalar(storage, key, STORAGE_DOUBLE, value);
+}
+
+int32_t Storage_PutString(Storage storage, uint32_t key, const char *text, uint32_t length) {
+    return Storage_Put(storage, key, STORAGE_STRING, text, length);
+}
+
+int32_t Storage_PutByteArray(Storage storage, uint32_t key, const void *bytes, uint32_t length) {
+    return Storage_Put(storage, key, STORAGE_STRING, bytes, length);
+}
+
+int32_t Storage_PutDate(Storage storage, uint32_t key, const TerminalDate *date) {
+    return Storage_Put(storage, key, STORAGE_DATE, date, sizeof *date);
+}
+
+int32_t Storage_PutTime(Storage storage, uint32_t key, const TerminalTime *time) {
+    return Storage_Put(storage, key, STORAGE_TIME, time, sizeof *time);
+}
+
+int32_t Storage_Get(Storage storage, uint32_t key, int32_t type, void *destination,
+                    uint32_t count) {
+    if (!destination)
+        return 0;
+    const StorageEntry *entry = FindEntry(storage, key);
+    if (!entry || entry->type != type)
+        return 0;
+
+    if (type == STORAGE_STRING) {
+        const StorageBytes bytes{entry->data, entry->length};
+        std::memcpy(destination, &bytes, sizeof bytes);
+        return 1;
+    }
+    if (count > entry->length)
+        return 0;
+    std::memcpy(destination, entry->data, count);
+    return 1;
+}
+
+int32_t Storage_GetChar(Storage storage, uint32_t key, char *value) {
+    return getScalar(storage, key, STORAGE_CHAR, value);
+}
+
+int32_t Storage_GetByte(Storage storage, uint32_t key, uint8_t *value) {
+    return getScalar(storage, key, STORAGE_BYTE, value);
+}
+
+int32_t Storage_GetShort(Storage storage, uint32_t key, int16_t *value) {
+    return getScalar(storage, key, STORAGE_SHORT, value);
+}
+
+int32_t Storage_GetWord(Storage storage, uint32_t key, uint16_t *value) {
+    return getScalar(storage, key, STORAGE_WORD, value);
+}
+
+int32_t Storage_GetLong(Storage storage, uint32_t key, int32_t *value) {
+    return getScalar(storage, key, STORAGE_LONG, value);
+}
+
+int32_t Storage_GetDWord(Storage storage, uint32_t key, uint32_t *value) {
+    return getScalar(storage, key, STORAGE_DWORD, value);
+}
+
+int32_t Storage_GetInt64(Storage storage, uint32_t key, int64_t *value) {
+    return getScalar(storage, key, STORAGE_INT64, value);
+}
+
+int32_t Storage_GetUInt64(Storage storage, uint32_t key, uint64_t *value) {
+    return getScalar(storage, key, STORAGE_UINT64, value);
+}
+
+int32_t Storage_GetBool(Storage storage, uint32_t key, uint8_t *value) {
+    return getScalar(storage, key, STORAGE_BOOL, value);
+}
+
+int32_t Storage_GetDouble(Storage storage, uint32_t key, double *value) {
+    return getScalar(storage, key, STORAGE_DOUBLE, value);
+}
+
+int32_t Storage_GetString(Storage storage, uint32_t key, char **text, uint32_t *length) {
+    StorageBytes bytes;
+    if (!Storage_Get(storage, key, STORAGE_STRING, &bytes, sizeof bytes))
+        return 0;
+    if (text)
+        *text = static_cast<char *>(bytes.data);
+    if (length)
+        *length = bytes.length;
+    return 1;
+}
+
+int32_t Storage_GetByteArray(Storage storage, uint32_t key, uint8_t **bytes, uint32_t *length) {
+    char *text;
+    if (!Storage_GetString(storage, key, &text, length))
+        return 0;
+    if (bytes)
+        *bytes = reinterpret_cast<uint8_t *>(text);
+    return 1;
+}
+
+int32_t Storage_GetDate(Storage storage, uint32_t key, TerminalDate *date) {
+    return getScalar(storage, key, STORAGE_DATE, date);
+}
+
+int32_t Storage_GetTime(Storage storage, uint32_t key, TerminalTime *time) {
+    return getScalar(storage, key, STORAGE_TIME, time);
+}
+
+int32_t Storage_GetStringCopy(Storage storage, uint32_t key, char *buffer, uint32_t size) {
+    char *text;
+    uint32_t length;
+    if (!Storage_GetString(storage, key, &text, &length))
+        return 0;
+    if (size == 0)
+        return 1;
+    if (!buffer)
+        return 0;
+    const uint32_t count = std::min(size - 1, length);
+    std::memcpy(buffer, text, count);
+    buffer[count] = 0;
+    return 1;
+}
+
+int32_t Storage_AppendString(Storage storage, uint32_t key, const char *text, uint32_t length) {
+    StorageEntry *entry = FindEntry(storage, key);
+    if (!text || length == 0 || !entry || entry->type != STORAGE_STRING)
+        return Storage_PutString(storage, key, text, length);
+
+    StorageTable &table = **storage;
+    if (length > UINT32_MAX - table.totalSize)
+        return 0;
+    // Not a realloc: `text` may be the stored string itself.
+    HeapPointer<char> data = allocateBytes(std::size_t{entry->length} + length);
+    if (!data)
+        return asserts.fail(0);
+    std::memcpy(data.get(), entry->data, entry->length);
+    std::memcpy(data.get() + entry->length, text, length);
+    replaceData(table, *entry, std::move(data), entry->length + length);
+    return 1;
+}
+
+int32_t Storage_GetType(Storage storage, uint32_t key) {
+    const StorageEntry *entry = FindEntry(storage, key);
+    return entry ? entry->type : -1;
+}
+
+int32_t Storage_Remove(Storage storage, uint32_t key) {
+    if (!isOpen(storage))
+        return 0;
+    StorageEntry **link = findLink(storage, key);
+    StorageEntry *entry = *link;
+    if (!entry)
+        return 0;
+    *link = entry->next;
+    --(*storage)->count;
+    (*storage)->totalSize -= entryHeaderSize + entry->length;
+    freeEntry(entry);
+    return 1;
+}
+
+int32_t Storage_GetKeys(Storage storage, uint32_t **keys, uint32_t *count) {
+    if (!isOpen(storage) || !keys || !count)
+        return 0;
+    *keys = nullptr;
+    *count = (*storage)->count;
+    if (*count == 0)
+        return 1;
+
+    *keys = static_cast<uint32_t *>(std::malloc(*count * sizeof(uint32_t)));
+    if (!*keys)
+        return asserts.fail(0);
+    uint32_t *key = *keys;
+    forEachEntry(storage, [&](const StorageEntry &entry) {
+        *key++ = entry.key;
+        return true;
+    });
+    return 1;
+}
+
+int32_t Storage_CreateKeysArray(Storage storage, uint32_t **keys, uint32_t *count) {
+    return Storage_GetKeys(storage, keys, count);
+}
+
+int32_t Storage_CompareCell(Storage a, uint32_t keyA, Storage b, uint32_t keyB) {
+    if (!isOpen(a) || !isOpen(b))
+        return 0;
+    const StorageEntry *entryA = FindEntry(a, keyA);
+    const StorageEntry *entryB = FindEntry(b, keyB);
+    if (!entryA)
+        return 0;
+    if (!entryB)
+        return -1;
+    if (entryA->type != entryB->type)
+        return entryA->type < entryB->type ? -1 : 1;
+    if (entryA->length != entryB->length)
+        return entryA->length < entryB->length ? -1 : 1;
+    return std::memcmp(entryA->data, entryB->data, entryA->length);
+}
+
+int32_t Storage_Compare(Storage a, Storage b) {
+    if (!a || !b)
+        return a == b ? 0 : 1;
+    if (!*a || !*b)
+        return *a == *b ? 0 : *a ? 1 : -1;
+
+    uint32_t *keys;
+    uint32_t count;
+    if (!Storage_GetKeys(a, &keys, &count))
+        return -1;
+    const HeapPointer<uint32_t> keysA(keys);
+    uint32_t *otherKeys;
+    uint32_t otherCount;
+    if (!Storage_GetKeys(b, &otherKeys, &otherCount))
+        return 1;
+    const HeapPointer<uint32_t> keysB(otherKeys);
+
+    if (count != otherCount)
+        return count > otherCount ? 1 : -1;
+    for (uint32_t i = 0; i < count; ++i) {
+        if (!FindEntry(b, keys[i]))
+            return 1;
+    }
+    for (uint32_t i = 0; i < count; ++i) {
+        if (const int32_t result = Storage_CompareCell(a, keys[i], b, keys[i]))
+            return result;
+    }
+    return 0;
+}
+
+int32_t Storage_Copy(Storage source, Storage destination) {
+    if (!isOpen(source) || !isOpen(destination))
+        return 0;
+    return forEachEntry(source, [&](const StorageEntry &entry) {
+        return Storage_Put(destination, entry.key, entry.type, entry.data, entry.length) == 1;
+    });
+}
+
+int32_t Storage_Merge(Storage a, Storage b, Storage result) {
+    if (!isOpen(a) || !isOpen(b) || !isOpen(result))
+        return 0;
+    const Storage merged = Storage_Create();
+    const bool done = merged && Storage_Copy(a, merged) && Storage_Copy(b, merged) &&
+                      Storage_Swap(merged, result);
+    Storage_Free(merged);
+    return done ? 1 : 0;
+}
+
+int32_t Storage_Swap(Storage a, Storage b) {
+    if (!isOpen(a) || !isOpen(b))
+        return 0;
+    std::swap(*a, *b);
+    return 1;
+}
+
+int32_t Storage_CopyField(Storage source, Storage destination, uint32_t sourceKey,
+                          uint32_t destinationKey) {
+    const StorageEntry *entry = FindEntry(source, sourceKey);
+    if (!entry)
+        return 0;
+    if (entry->type < STORAGE_CHAR || entry->type > STORAGE_TIME)
+        return asserts.fail(0);
+    const uint32_t size = entry->type == STORAGE_STRING ? entry->length : scalarSizes[entry->type];
+    if (size > entry->length)
+        return 0;
+    return Storage_Put(destination, destinationKey, entry->type, entry->data, size);
+}
+
+int32_t Storage_Export(Storage storage, void **block, uint32_t *size) {
+    if (!isOpen(storage) || !block)
+        return 0;
+    const uint32_t total = (*storage)->totalSize;
+    *block = nullptr;
+    if (size)
+        *size = 0;
+    if (total < 1)
+        return 1;
+
+    *block = std::malloc(total);
+    if (!*block)
+        return asserts.fail(0);
+    if (size)
+        *size = total;
+    auto *at = static_cast<uint8_t *>(*block);
+    forEachEntry(storage, [&](const StorageEntry &entry) {
+        at = putNumber(at, entry.key, 4, ByteOrder::little);
+        at = putNumber(at, static_cast<uint32_t>(entry.type), 4, ByteOrder::little);
+        at = putNumber(at, entry.length, 4, ByteOrder::little);
+        std::memcpy(at, entry.data, entry.length);
+        at += entry.length;
+        return true;
+    });
+    return 1;
+}
+
+int32_t Storage_Import(Storage storage, const void *block, uint32_t size) {
+    if (!isOpen(storage) || !block)
+        return 0;
+    Storage_Clear(storage);
+
+    const auto *at = static_cast<const uint8_t *>(block);
+    uint32_t left = size;
+    while (left > 0) {
+        if (left < entryHeaderSize)
+            return 0;
+        const auto field = [&](uint32_t offset) {
+            return static_cast<uint32_t>(getNumber(at + offset, 4, ByteOrder::little));
+        };
+        const uint32_t length = field(8);
+        if (length > left - entryHeaderSize)
+            return 0;
+        if (!Storage_Put(storage, field(0), static_cast<int32_t>(field(4)), at + entryHeaderSize,
+                         length))
+            return 0;
+        at += entryHeaderSize + length;
+        left -= entryHeaderSize + length;
+    }
+    return 1;
+}
+
+int32_t Storage_MemFree(void *block) {
+    std::free(block);
+    return 1;
+}
+
+Storage Storage_Trace(Storage storage) {
+    return storage;
+}

@@ -1,0 +1,249 @@
+// utiTLVParser.cpp: the forward-reading cursor over one tag-length-value stream, in a file or in
+// memory. Stands on the platform's files and little-endian converters; allocates nothing.
+#include "assertions.h"
+#include "terminal.h"
+#include "uti.h"
+
+#include <cstring>
+
+constinit uint8_t tagIdSize = 0;
+constinit uint8_t lengthSize = 0;
+constinit uint32_t bytesRead = 0;
+constinit uint32_t bytesReadInMemory = 0;
+constinit ParserReadFunction Parser_DataRead = nullptr;
+constinit ParserSeekFunction Parser_SetPosition = nullptr;
+
+namespace uti {
+namespace {
+
+constexpr Assertions asserts{"Src/utiTLVParser"};
+
+// Bytes of the block that the bounded memory source reads.
+constinit uint32_t blockSize = 0;
+
+constexpr bool isFieldSize(uint8_t size) {
+    return size == 1 || size == 2 || size == 4;
+}
+
+// The bit of a node's 16-bit tag that marks a compound node; none for 4-byte tag ids.
+uint32_t compoundBit() {
+    return isFieldSize(tagIdSize) ? 0x80u << 8 * (tagIdSize - 1) : 0;
+}
+
+bool isCompound(const ParserNode &node) {
+    return (node.tag & compoundBit()) != 0;
+}
+
+uint32_t decodeField(const uint8_t *bytes, uint8_t size) {
+    return size == 1 ? bytes[0] : size == 2 ? BufferToWord(bytes) : BufferToDword(bytes);
+}
+
+uint32_t readData(const ParserNode &node, void *destination, uint32_t count) {
+    return Parser_DataRead ? Parser_DataRead(node.source, destination, count) : 0;
+}
+
+uint32_t readFile(uintptr_t source, void *destination, uint32_t count) {
+    const int32_t done = File_Read(static_cast<int32_t>(source), destination, count);
+    return done > 0 ? static_cast<uint32_t>(done) : 0;
+}
+
+int32_t seekFile(uintptr_t source, uint32_t offset) {
+    return File_SetPosition(static_cast<int32_t>(source), offset);
+}
+
+uint32_t readBlock(uintptr_t source, void *destination, uint32_t count) {
+    const uint32_t left = bytesReadInMemory < blockSize ? blockSize - bytesReadInMemory : 0;
+    return Memory_Read(source, destination, count < left ? count : left);
+}
+
+int32_t seekBlock(uintptr_t source, uint32_t offset) {
+    return offset <= blockSize ? Memory_SetPosition(source, offset) : -1;
+}
+
+int32_t openRoot(uintptr_t source, ParserNode *node) {
+    bytesRead = 0;
+    const ParserNode stream{static_cast<uint16_t>(compoundBit()), source, 0, 1};
+    return Parser_GetNextCompoundNode(&stream, node);
+}
+
+int32_t openMemoryRoot(const void *address, ParserNode *node) {
+    bytesReadInMemory = 0;
+    return openRoot(reinterpret_cast<uintptr_t>(address), node);
+}
+
+// The checks and the read that the scalar getters share: the data bytes of a node whose value has
+// `size` bytes of type `type`. False leaves `error` at what the getter is to report.
+template <uint32_t size>
+bool readScalar(const ParserNode *node, uint8_t type, int32_t *error, uint8_t (&value)[size]) {
+    int32_t unused;
+    int32_t &result = error ? *error : unused;
+    result = UTI_PARSER_BAD_VALUE;
+    if (!node || isCompound(*node))
+        return asserts.fail(false);
+    if (node->length == 0) {
+        result = UTI_OK;
+        return false;
+    }
+    if (node->length != size) {
+        result = UTI_PARSER_BAD_TYPE;
+        return asserts.fail(false);
+    }
+    if (readData(*node, value, size) != size)
+        return asserts.fail(false);
+    if (value[0] != type) {
+        result = UTI_PARSER_BAD_TYPE;
+        return asserts.fail(false);
+    }
+    bytesRead += size;
+    result = UTI_OK;
+    return true;
+}
+
+} // namespace
+} // namespace uti
+
+using namespace uti;
+
+int32_t Parser_Initialize(uint8_t tagSize, uint8_t sizeOfLength) {
+    if (!isFieldSize(tagSize) || !isFieldSize(sizeOfLength))
+        return asserts.fail(UTI_PARSER_BAD_SIZES);
+    tagIdSize = tagSize;
+    lengthSize = sizeOfLength;
+    return UTI_OK;
+}
+
+int32_t TLV_ReadHeader(uintptr_t source, TlvHeader *header) {
+    if (!header || !Parser_DataRead || !isFieldSize(tagIdSize) || !isFieldSize(lengthSize))
+        return asserts.fail(UTI_PARSER_SHORT_HEADER);
+
+    uint8_t bytes[8] = {};
+    const uint32_t size = tagIdSize + lengthSize;
+    if (Parser_DataRead(source, bytes, size) < size)
+        return asserts.fail(UTI_PARSER_SHORT_HEADER);
+    bytesRead += size;
+    header->tag = decodeField(bytes, tagIdSize);
+    header->length = decodeField(bytes + tagIdSize, lengthSize);
+    return UTI_OK;
+}
+
+int32_t Parser_GetRootNode(int32_t handle, ParserNode *node) {
+    Parser_DataRead = readFile;
+    Parser_SetPosition = seekFile;
+    File_SetPosition(handle, 0);
+    return openRoot(static_cast<uint32_t>(handle), node);
+}
+
+int32_t Parser_GetRootNodeInMemory(const void *address, ParserNode *node) {
+    Parser_DataRead = Memory_Read;
+    Parser_SetPosition = Memory_SetPosition;
+    return openMemoryRoot(address, node);
+}
+
+int32_t Parser_GetRootNodeInBlock(const void *address, uint32_t size, ParserNode *node) {
+    Parser_DataRead = readBlock;
+    Parser_SetPosition = seekBlock;
+    blockSize = size;
+    return openMemoryRoot(address, node);
+}
+
+int32_t Parser_GetNextCompoundNode(const ParserNode *parent, ParserNode *child) {
+    if (!parent || !child)
+        return asserts.fail(UTI_PARSER_NO_NODE);
+    if (!isCompound(*parent) || parent->length == 0)
+        return UTI_PARSER_NO_NODE;
+
+    TlvHeader header;
+    const int32_t result = TLV_ReadHeader(parent->source, &header);
+    if (result != UTI_OK)
+        return asserts.fail(result);
+    *child = {static_cast<uint16_t>(header.tag), parent->source, bytesRead, header.length};
+    return UTI_OK;
+}
+
+int32_t Parser_GetNextSubNode(const ParserNode *parent, ParserNode *child) {
+    if (!parent || !child)
+        return asserts.fail(UTI_PARSER_NO_NODE);
+    const uint64_t end = uint64_t{parent->valueOffset} + parent->length;
+    if (end <= uint64_t{bytesRead} + tagIdSize + lengthSize)
+        return UTI_PARSER_NO_NODE;
+    return Parser_GetNextCompoundNode(parent, child);
+}
+
+int32_t Parser_GetParameterBuffer(const ParserNode *node, void *buffer, uint32_t size) {
+    if (!node || isCompound(*node))
+        return asserts.fail(UTI_PARSER_BAD_VALUE);
+    if (node->length == 0)
+        return 0;
+    const uint32_t count = node->length - 1;
+    if (count > size || count > INT32_MAX || (!buffer && count > 0))
+        return asserts.fail(UTI_PARSER_BAD_VALUE);
+
+    uint8_t type;
+    if (readData(*node, &type, 1) != 1)
+        return asserts.fail(UTI_PARSER_BAD_TYPE);
+    if (type != 1 && type != 2)
+        return asserts.fail(UTI_PARSER_BAD_TYPE);
+    if (readData(*node, buffer, count) != count)
+        return asserts.fail(UTI_PARSER_BAD_VALUE);
+    bytesRead += node->length;
+    return static_cast<int32_t>(count);
+}
+
+uint8_t Parser_GetParameterByte(const ParserNode *node, int32_t *error) {
+    uint8_t value[2];
+    return readScalar(node, 3, error, value) ? value[1] : uint8_t{0};
+}
+
+uint16_t Parser_GetParameterWord(const ParserNode *node, int32_t *error) {
+    uint8_t value[3];
+    return readScalar(node, 4, error, value) ? BufferToWord(value + 1) : uint16_t{0};
+}
+
+uint32_t Parser_GetParameterDword(const ParserNode *node, int32_t *error) {
+    uint8_t value[5];
+    return readScalar(node, 5, error, value) ? BufferToDword(value + 1) : 0;
+}
+
+double Parser_GetParameterDouble(const ParserNode *node, int32_t *error) {
+    uint8_t value[9];
+    return readScalar(node, 6, error, value) ? BufferToDouble(value + 1) : 0;
+}
+
+void Parser_GetParameterInsignificant(const ParserNode *node, int32_t *error) {
+    int32_t unused;
+    int32_t &result = error ? *error : unused;
+    result = UTI_PARSER_BAD_VALUE;
+    const uint64_t end = node ? uint64_t{node->valueOffset} + node->length : 0;
+    if (!node || end > UINT32_MAX || !Parser_SetPosition ||
+        Parser_SetPosition(node->source, static_cast<uint32_t>(end)) != 0) {
+        asserts.report();
+        return;
+    }
+    bytesRead += node->length;
+    result = UTI_OK;
+}
+
+int32_t Parser_ParseNode(ParserNode *node, ParserCallback callback) {
+    if (!node || !callback)
+        return asserts.fail(UTI_PARSER_NULL_NODE);
+    return callback(node);
+}
+
+int32_t Parser_ParseNodeEx(ParserNode *node, ParserCallbackEx callback, uintptr_t word) {
+    if (!node || !callback)
+        return asserts.fail(UTI_PARSER_NULL_NODE);
+    return callback(node, word);
+}
+
+uint32_t Memory_Read(uintptr_t source, void *destination, uint32_t count) {
+    if (source == 0)
+        return asserts.fail(uint32_t{0});
+    std::memcpy(destination, reinterpret_cast<const char *>(source) + bytesReadInMemory, count);
+    bytesReadInMemory += count;
+    return count;
+}
+
+int32_t Memory_SetPosition(uintptr_t, uint32_t offset) {
+    bytesReadInMemory = offset;
+    return 0;
+}

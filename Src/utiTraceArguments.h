@@ -1,0 +1,220 @@
+// utiTraceArguments.h: the argument list of a log record: how its words are read, what bytes it
+// takes in a record, and the table that holds it meanwhile. The trace log and the monitoring log
+// share it, each with its own table and byte order.
+//
+// An item of a binary record is its type code and its value:
+//
+//   type                 value bytes
+//   Char, Byte, Bool     1
+//   Short, Word          2
+//   Long, DWord          4
+//   Int64, UInt64,       8; in little-endian records the high half comes first,
+//   Double                  each half little-endian
+//   Date                 4: year (2, big-endian in both), month, day
+//   Time                 3: hour, minute, second
+//   String, ByteArray    4, the length L of the data, then L bytes
+#pragma once
+
+#include "bytes.h"
+#include "terminal.h"
+#include "uti.h"
+
+#include <cstdarg>
+#include <span>
+
+namespace uti {
+
+// How the value of a type is taken from the list.
+enum class ArgumentShape : uint8_t { word, halves, date, time, text, bytes };
+
+struct ArgumentType {
+    const char *name;
+    uint8_t valueSize; // in a record, the data of texts and byte arrays not counted
+    ArgumentShape shape;
+};
+
+inline constexpr ArgumentType argumentTypes[] = {
+    {"", 0, ArgumentShape::word},           {"Char", 1, ArgumentShape::word},
+    {"Byte", 1, ArgumentShape::word},       {"Bool", 1, ArgumentShape::word},
+    {"Short", 2, ArgumentShape::word},      {"Word", 2, ArgumentShape::word},
+    {"Long", 4, ArgumentShape::word},       {"DWord", 4, ArgumentShape::word},
+    {"Int64", 8, ArgumentShape::halves},    {"UInt64", 8, ArgumentShape::halves},
+    {"Double", 8, ArgumentShape::halves},   {"Date", 4, ArgumentShape::date},
+    {"Time", 3, ArgumentShape::time},       {"String", 4, ArgumentShape::text},
+    {"ByteArray", 4, ArgumentShape::bytes},
+};
+
+constexpr bool isArgumentType(uint32_t code) {
+    return code >= Char && code <= ByteArray;
+}
+
+struct Argument {
+    uint8_t type;
+    uint32_t length; // of the data of a text or byte array
+    union {
+        uint64_t bits; // scalars; 64-bit values and doubles with the high half first
+        const char *data;
+        TerminalDate date;
+        TerminalTime time;
+    };
+};
+
+// The moment a record is made.
+struct Stamp {
+    TerminalDate date;
+    TerminalTime time;
+
+    static Stamp now();
+};
+
+// The words of a variadic call.
+struct VariadicWords {
+    va_list list;
+
+    uint32_t scalar() { return va_arg(list, unsigned int); }
+    const void *address() { return va_arg(list, const void *); }
+};
+
+// The words of a list in memory.
+struct ListedWords {
+    const TraceWord *next;
+
+    uint32_t scalar() { return static_cast<uint32_t>(*next++); }
+    const void *address() { return reinterpret_cast<const void *>(*next++); }
+};
+
+// Grows 8 entries at a time and is kept from record to record. A record that is written from inside
+// another one (a report) takes the entries behind it, so the outer one keeps its arguments.
+struct ArgumentTable {
+    Argument *entries;
+    uint32_t capacity;
+    uint32_t used;
+};
+
+// The items of one record: its five header items, then its arguments.
+class RecordItems {
+  public:
+    static constexpr uint32_t headerCount = 5;
+    static constexpr uint32_t headerSize = 19; // without the module name
+
+    explicit RecordItems(ArgumentTable &table) : table_(table), first_(table.used) {}
+    ~RecordItems() { table_.used = first_; }
+    RecordItems(const RecordItems &) = delete;
+    RecordItems &operator=(const RecordItems &) = delete;
+
+    // Fills the items; false when the table cannot grow.
+    bool addHeader(const Stamp &stamp, uint32_t level, uint16_t messageId, const char *module);
+    template <class Words> bool addList(Words &words);
+
+    uint32_t count() const { return table_.used - first_; }
+    // A copy: writing an item may start another record, which may move the table.
+    Argument operator[](uint32_t index) const { return table_.entries[first_ + index]; }
+    // Bytes of the record behind its length prefix.
+    uint64_t size() const { return size_; }
+
+  private:
+    Argument *add(uint32_t type);
+    void addData(Argument &argument, const char *data, uint64_t length);
+
+    ArgumentTable &table_;
+    uint32_t first_;
+    uint64_t size_ = 0;
+};
+
+template <class Words> bool RecordItems::addList(Words &words) {
+    for (uint32_t type = words.scalar(); isArgumentType(type); type = words.scalar()) {
+        Argument *argument = add(type);
+        if (!argument)
+            return false;
+
+        switch (argumentTypes[type].shape) {
+        case ArgumentShape::word:
+            argument->bits = words.scalar();
+            break;
+        case ArgumentShape::halves: {
+            const uint64_t high = words.scalar();
+            argument->bits = high << 32 | words.scalar();
+            break;
+        }
+        case ArgumentShape::date:
+            if (const auto *date = static_cast<const TerminalDate *>(words.address()))
+                argument->date = *date;
+            break;
+        case ArgumentShape::time:
+            if (const auto *time = static_cast<const TerminalTime *>(words.address()))
+                argument->time = *time;
+            break;
+        case ArgumentShape::text: {
+            const auto *text = static_cast<const char *>(words.address());
+            addData(*argument, text, text ? std::strlen(text) : 0);
+            break;
+        }
+        case ArgumentShape::bytes: {
+            const auto *bytes = static_cast<const char *>(words.address());
+            addData(*argument, bytes, bytes ? words.scalar() : 0);
+            break;
+        }
+        }
+    }
+    return true;
+}
+
+// The type byte and the value bytes of an item; the data of a text or byte array follows in the
+// record. Returns their number, at most 9.
+template <ByteOrder order> uint32_t encodeItem(const Argument &argument, uint8_t (&out)[9]) {
+    uint8_t *at = out;
+    *at++ = argument.type;
+    switch (argumentTypes[argument.type].shape) {
+    case ArgumentShape::word:
+        switch (argumentTypes[argument.type].valueSize) {
+        case 1:
+            at = putNumber(at, argument.bits, 1, order);
+            break;
+        case 2:
+            at = putNumber(at, argument.bits, 2, order);
+            break;
+        default:
+            at = putNumber(at, argument.bits, 4, order);
+            break;
+        }
+        break;
+    case ArgumentShape::halves:
+        at = putNumber(at, argument.bits >> 32, 4, order);
+        at = putNumber(at, argument.bits, 4, order);
+        break;
+    case ArgumentShape::date:
+        at = putNumber(at, static_cast<uint16_t>(argument.date.year), 2, ByteOrder::big);
+        *at++ = argument.date.month;
+        *at++ = argument.date.day;
+        break;
+    case ArgumentShape::time:
+        *at++ = argument.time.hour;
+        *at++ = argument.time.minute;
+        *at++ = argument.time.second;
+        break;
+    case ArgumentShape::text:
+    case ArgumentShape::bytes:
+        at = putNumber(at, argument.length, 4, order);
+        break;
+    }
+    return static_cast<uint32_t>(at - out);
+}
+
+// Writes a binary record: its length, then each item as one piece and the data of texts and byte
+// arrays as a second one. `write` takes a piece and returns 0 or the code that ends the record.
+template <ByteOrder order, class Write>
+int32_t writeBinaryRecord(const RecordItems &items, Write write) {
+    uint8_t piece[9];
+    putNumber(piece, items.size(), 4, order);
+    int32_t result = write(piece, 4);
+
+    for (uint32_t i = 0; i < items.count() && result == UTI_OK; ++i) {
+        const Argument item = items[i];
+        result = write(piece, encodeItem<order>(item, piece));
+        if (result == UTI_OK && item.length > 0)
+            result = write(item.data, item.length);
+    }
+    return result;
+}
+
+} // namespace uti

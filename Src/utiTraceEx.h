@@ -1,0 +1,80 @@
+// utiTraceEx.h: the trace log's context and the internal operations that its files share: the core
+// (utiTraceEx.cpp), the log file set (utiTraceFiles.cpp) and text records (utiTraceText.cpp).
+//
+// A binary record, all numbers big-endian:
+//
+//   offset   size  field
+//   0        4     N, the number of bytes that follow
+//   4        5     Date item: 0B, year (2), month, day
+//   9        4     Time item: 0C, hour, minute, second
+//   13       2     Byte item: 02, level 1 to 3
+//   15       3     Word item: 05, message id (2)
+//   18       5     String item: 0D, M (4), the length of the module name
+//   23       M     module name
+//   23 + M   ...   the argument items in list order (utiTraceArguments.h)
+#pragma once
+
+#include "utiTraceArguments.h"
+
+namespace uti {
+
+inline constexpr int32_t logFileCount = 8;
+
+// Room for the name of a log file: base name, number, extension and terminator.
+using LogFileName = char[36];
+
+struct TraceExContext {
+    TraceExSettings settings;
+    int32_t handle;      // of the open log file or the serial port; negative when it is not open
+    uint32_t fileLength; // bytes in the current file, those in the buffer not counted
+    int32_t fileIndex;   // 0 to 7
+    LogFileName currentName; // empty when opening the file failed
+    char *buffer;            // output 3
+    uint32_t buffered;
+    uint32_t bufferSize;
+
+    // Bytes that each file of the set may take.
+    uint32_t fileLimit() const { return static_cast<uint32_t>(settings.maxSize / logFileCount); }
+};
+
+// The open log, or null.
+extern TraceExContext *traceContext;
+
+// --- core
+
+// True when the filter lets records of this module through.
+bool traceModuleEnabled(const char *module);
+
+// One piece of output. Returns 0 or UTI_TRACE_NOT_WRITTEN.
+int32_t traceWriteOut(const void *bytes, uint32_t count);
+
+// --- the log file set
+
+// The name of file `index`: the base name and ".log" for 0, the base name, the digit and ".log" for
+// 1 to 7.
+void formLogFileName(LogFileName &name, int32_t index);
+
+// Fills the stamp of a log file's first record. Returns 1 when the time could be read, else 0; each
+// part is stored only when its own bytes could be read.
+int32_t traceReadFileStamp(const char *name, TerminalDate *date, TerminalTime *time);
+
+enum class FileAge { newest, oldest };
+
+// The index of the newest or oldest file of the set, -1 when there is none. Looks at the files from
+// 0 up to the first that does not exist; of equal stamps the lowest index wins.
+int32_t findLogFile(FileAge age);
+
+// Opens `name` for appending. Returns the handle or its negative code; the context then has no
+// current name.
+int32_t openLogFile(const LogFileName &name);
+
+// Goes to the end of the open log file and takes its length. A file whose end cannot be reached
+// counts as full: the next record rotates on instead of overwriting it.
+void goToEndOfLogFile();
+
+// --- text records
+
+// Writes or prints a record as a line of text. Returns 0 or the code of the first failed piece.
+int32_t traceWriteText(const char *module, uint16_t messageId, const RecordItems &items);
+
+} // namespace uti

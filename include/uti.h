@@ -1,0 +1,701 @@
+/*
+ * uti.h: application services for small Linux terminals.
+ *
+ * One shared library, libuti.so, version 1.1.25.4; this header is its whole face and is valid C11
+ * and C++20. The terminal's own system API (platform/terminal.h) is supplied by the host process.
+ *
+ * Conventions
+ *
+ *  1. Every function has C linkage, runs on the caller's thread, returns, and never throws. The
+ *     library owns no thread, no timer and no main loop, and nothing runs when it is loaded.
+ *  2. All state is process-wide and unlocked: use the library from one thread at a time.
+ *  3. Results are 0 for success and the negative codes of `enum UtiResult` for failure, except
+ *     where a block says otherwise (List and Storage answer 1 for success and 0 for failure;
+ *     the string calls answer an address).
+ *  4. Texts are zero-terminated bytes in the terminal's code page. Sizes are in bytes. A pointer
+ *     may be null only where its description says so; a null where none is allowed, and any other
+ *     broken precondition, is reported with `TraceExAssert` and answered with the failure value.
+ *  5. Memory comes from `malloc`. Nothing that a function hands out is freed by the caller, unless
+ *     its description names the function that frees it.
+ *  6. Exported variables are the library's to write and the application's to read, unless their
+ *     description says that applications may set them.
+ *  7. Input may hold anything: resource files, descriptions, blocks and logs that are damaged or
+ *     hostile give an error and never a fault.
+ *  8. The terminal is a machine of 32-bit words, where a handle, an address and an argument word
+ *     are alike. On a 64-bit machine the fields and parameters that can hold an address are
+ *     `uintptr_t` wide; everything else keeps its width.
+ */
+#ifndef UTI_H
+#define UTI_H
+
+#include <stdint.h>
+
+#define UTI_API __attribute__((visibility("default")))
+
+#ifdef __cplusplus
+extern "C" {
+#endif
+
+struct TerminalDate; /* platform/terminal.h */
+struct TerminalTime;
+
+/** Result codes. */
+enum UtiResult {
+    UTI_OK = 0,
+
+    UTI_PARSER_NO_NODE = -3000,      /**< no further child; parent not compound or empty; null */
+    UTI_PARSER_BAD_VALUE = -3001,    /**< null or compound node, buffer too small, short read */
+    UTI_PARSER_BAD_TYPE = -3002,     /**< wrong length or type code for the value asked for */
+    UTI_PARSER_NULL_NODE = -3003,    /**< null node or callback */
+    UTI_PARSER_SHORT_HEADER = -3004, /**< the stream ends inside a node header */
+    UTI_PARSER_BAD_SIZES = -3005,    /**< a header size other than 1, 2 or 4 */
+
+    UTI_RESOURCE_SMALL_ARRAY = -3051,   /**< the caller's array has too few places */
+    UTI_RESOURCE_NOT_LOADED = -3052,    /**< the file is missing, or is no resource file */
+    UTI_RESOURCE_OTHER_VERSION = -3054, /**< the module has another version */
+    UTI_RESOURCE_BAD_NAME = -3055,      /**< module name null or longer than 12 characters */
+    UTI_RESOURCE_NO_MEMORY = -3056,     /**< out of memory while loading */
+
+    UTI_TRACE_REFUSED = -3100,    /**< open or mode refused */
+    UTI_TRACE_NOT_WRITTEN = -3102 /**< record not written, or written in part */
+};
+
+/* ============================================================================ trace log ====
+ *
+ * One log per process. Records carry a date and time, a level, a module name, a 16-bit message id
+ * and typed arguments. They go to a set of eight rotating files, the same through a buffer, a
+ * serial port, or the printer; as binary records (drawn in docs/formats.md) or as lines of text
+ * whose wording is the string `messageId` of the resource module `module`.
+ *
+ * While the log is closed, records and assertions cost a pointer test and are dropped.
+ */
+
+/** Type codes of a trace argument list: each argument is a type code followed by its value.
+ *  A code outside 1 to 14 ends the list; write 0.
+ *
+ *  Scalars are passed as 32-bit words (`int` or `unsigned int`), 64-bit values and doubles as two
+ *  of them, the high half first (see `UTI_TRACE_HALVES`). Addresses are passed as addresses: on a
+ *  64-bit machine write `(const void *)0` for a null one, a plain 0 is only a scalar there. */
+enum TraceArgument {
+    Char = 1,      /**< low byte; text form 'c' in single quotes */
+    Byte = 2,      /**< low byte, 0 to 255 */
+    Bool = 3,      /**< low byte; nonzero is true */
+    Short = 4,     /**< low 16 bits, signed */
+    Word = 5,      /**< low 16 bits; printed as if signed */
+    Long = 6,      /**< 32 bits, signed */
+    DWord = 7,     /**< 32 bits; printed as if signed */
+    Int64 = 8,     /**< two words, high half first */
+    UInt64 = 9,    /**< two words, high half first */
+    Double = 10,   /**< two words, high half of the IEEE 754 double first */
+    Date = 11,     /**< address of a `TerminalDate`; null reads as all zero */
+    Time = 12,     /**< address of a `TerminalTime`; null reads as all zero */
+    String = 13,   /**< address of a zero-terminated text; may be null */
+    ByteArray = 14 /**< address, then length in bytes; a null address takes no length */
+};
+
+/** The two list words of a 64-bit integer `value`, for example
+ *  `TraceExDebug("app", 7, Int64, UTI_TRACE_HALVES(total), 0)`. */
+#define UTI_TRACE_HALVES(value) (uint32_t)((uint64_t)(value) >> 32), (uint32_t)((uint64_t)(value))
+
+/** One word of an argument list in memory: wide enough for a scalar or an address. */
+typedef uintptr_t TraceWord;
+
+/** Outputs of the trace log. */
+enum TraceExOutput {
+    TRACE_OUTPUT_FILE = 0,     /**< a set of eight rotating files */
+    TRACE_OUTPUT_SERIAL = 1,   /**< a serial port */
+    TRACE_OUTPUT_PRINTER = 2,  /**< the printer, always as text */
+    TRACE_OUTPUT_BUFFERED = 3  /**< like 0, through a buffer that `TraceExFlush` empties */
+};
+
+/** Where the records of an output go: 36 bytes. */
+typedef union TraceExDevice {
+    char baseName[33];     /**< outputs 0 and 3: base of the file names, 1 to 30 characters */
+    uint8_t parameters[36]; /**< outputs 1 and 2: handed to `ComPort_Open`, `Printer_Open` */
+    uint32_t alignment;
+} TraceExDevice;
+
+/** Settings of `TraceExOpen`. */
+typedef struct TraceExSettings {
+    uint32_t output;      /**< `enum TraceExOutput` */
+    uint32_t mode;        /**< highest level written: 1 errors, 2 and support, 3 and debug */
+    char modules[128];    /**< module names, each followed by a comma; empty enables all. A name
+                               is enabled when it occurs with its comma anywhere in this text, so
+                               "GUI," enables the module UI as well */
+    uint8_t text;         /**< 0: binary records, anything else: lines of text */
+    TraceExDevice device; /**< by `output` */
+    int32_t maxSize;      /**< outputs 0 and 3: bytes of the whole set, at least 256; each of the
+                               eight files takes an eighth */
+} TraceExSettings;
+
+/** Opens the trace log. Continues the newest file of the set, or starts its first.
+ *
+ *  The environment variable EXT_DEBUG, when set, replaces `settings`: "C" and a number for that
+ *  serial port, "CU" for port 100, "P" for the printer, anything else for files named after the
+ *  application; all of them binary, in mode 3.
+ *  `settings` is copied; null selects error records in files named after the application,
+ *  65536 bytes in all.
+ *
+ *  Returns 0; UTI_TRACE_REFUSED when the log is open already, memory is short, the output is
+ *  unknown, `maxSize` is below 256, or `baseName` is empty or longer than 30 characters; the
+ *  negative code of `ComPort_Open` or `File_Open`; the nonzero result of `Printer_Open`. */
+UTI_API int32_t TraceExOpen(const TraceExSettings *settings);
+
+/** Writes what is buffered, closes the output and the log. Nothing happens when it is closed. */
+UTI_API void TraceExClose(void);
+
+/** Sets the highest level written. Returns 0; UTI_TRACE_REFUSED when the log is closed or `mode`
+ *  is not 1, 2 or 3 (the mode is then unchanged). */
+UTI_API int32_t TraceExSetMode(int32_t mode);
+
+/** Returns the mode, 0 when the log is closed. */
+UTI_API int32_t TraceExGetMode(void);
+
+/** Output 3: writes the buffer to the current file. A short write counts as written and is
+ *  reported with `TraceExAssert`; when it happens inside a record, right behind that record. */
+UTI_API void TraceExFlush(void);
+
+/** Writes a record of level 1. `module` names the module and the resources with the wording;
+ *  null reads as an empty name. Of `messageId` the low 16 bits count. Then the argument list.
+ *
+ *  Returns 0; UTI_TRACE_NOT_WRITTEN when the log is closed, the level is above the mode, the
+ *  module is filtered out, memory is short, the record is too large or a write fails; the
+ *  negative code of `File_Open` when the next log file cannot be opened.
+ *
+ *  Output 0 refuses a record of `maxSize` / 8 bytes or more and writes an error record of the
+ *  module "TRACE" with its size instead. */
+UTI_API int32_t TraceExError(const char *module, uint32_t messageId, ...);
+
+/** Writes a record of level 2, in modes 2 and 3. Otherwise like `TraceExError`. */
+UTI_API int32_t TraceExSupport(const char *module, uint32_t messageId, ...);
+
+/** Writes a record of level 3, in mode 3. Otherwise like `TraceExError`. */
+UTI_API int32_t TraceExDebug(const char *module, uint32_t messageId, ...);
+
+/** Reports a broken precondition: `TraceExError("ASSERT", 1, String, sourcePath, Long, line, 0)`
+ *  and its result. Its text is "ASSERT File: {0}  Line: {1}", always. */
+UTI_API int32_t TraceExAssert(const char *sourcePath, int32_t line);
+
+/* =========================================================================== TLV parser ====
+ *
+ * Reads one tag-length-value stream at a time, from an open file or from memory, forward only.
+ * The stream is drawn in docs/formats.md. A reader calls `Parser_Initialize`, then one root-node
+ * call, then `Parser_ParseNode` with a callback that takes the node's children with
+ * `Parser_GetNextSubNode` and, before it asks for the next, consumes each one: reads it with the
+ * getter of its type, hands it to a nested callback, or skips it with
+ * `Parser_GetParameterInsignificant`.
+ */
+
+/** A node as its header describes it; the caller owns the record. */
+typedef struct ParserNode {
+    uint16_t tag;         /**< tag id; the top bit of the stored tag marks a compound node */
+    uintptr_t source;     /**< file handle, or address of the stream's first byte */
+    uint32_t valueOffset; /**< offset of the value from the start of the stream */
+    uint32_t length;      /**< bytes of the value */
+} ParserNode;
+
+/** What `TLV_ReadHeader` fills. */
+typedef struct TlvHeader {
+    uint32_t tag;
+    uint32_t length;
+} TlvHeader;
+
+/** Reads `count` bytes of a source; returns the number read. */
+typedef uint32_t (*ParserReadFunction)(uintptr_t source, void *destination, uint32_t count);
+
+/** Moves a source to an absolute offset; returns 0 on success. */
+typedef int32_t (*ParserSeekFunction)(uintptr_t source, uint32_t offset);
+
+/** A walk callback: 0 goes on, anything else ends the walk and is its result. */
+typedef int32_t (*ParserCallback)(ParserNode *node);
+
+/** A walk callback with a word of the caller's. */
+typedef int32_t (*ParserCallbackEx)(ParserNode *node, uintptr_t word);
+
+UTI_API extern uint8_t tagIdSize;          /**< bytes of a tag id; 0 before `Parser_Initialize` */
+UTI_API extern uint8_t lengthSize;         /**< bytes of a length; 0 before `Parser_Initialize` */
+UTI_API extern uint32_t bytesRead;         /**< offset of the next byte that the parser reads */
+UTI_API extern uint32_t bytesReadInMemory; /**< the memory source's own position */
+UTI_API extern ParserReadFunction Parser_DataRead;    /**< read operation of the source */
+UTI_API extern ParserSeekFunction Parser_SetPosition; /**< seek operation of the source */
+
+/** Sets the bytes of a tag id and of a length, each 1, 2 or 4. With 4-byte tag ids a node keeps
+ *  the low 16 bits and no node is compound. Returns 0; UTI_PARSER_BAD_SIZES, nothing changed. */
+UTI_API int32_t Parser_Initialize(uint8_t tagSize, uint8_t sizeOfLength);
+
+/** Reads a header at the position. Returns 0; UTI_PARSER_SHORT_HEADER (`bytesRead` unchanged). */
+UTI_API int32_t TLV_ReadHeader(uintptr_t source, TlvHeader *header);
+
+/** Selects the open file `handle`, goes to its start and fills `node` with its root. The handle
+ *  stays the caller's. Returns 0; UTI_PARSER_NO_NODE, UTI_PARSER_SHORT_HEADER. */
+UTI_API int32_t Parser_GetRootNode(int32_t handle, ParserNode *node);
+
+/** Selects the stream at `address` and fills `node` with its root. The memory stays the caller's
+ *  and must outlive the walk. Its size is not known: reads are bounded only by the lengths in the
+ *  stream, so prefer `Parser_GetRootNodeInBlock`. Results as `Parser_GetRootNode`. */
+UTI_API int32_t Parser_GetRootNodeInMemory(const void *address, ParserNode *node);
+
+/** Like `Parser_GetRootNodeInMemory` for a block of `size` bytes: a read past its end is a short
+ *  read and a seek past its end fails, so nothing outside the block is touched. */
+UTI_API int32_t Parser_GetRootNodeInBlock(const void *address, uint32_t size, ParserNode *node);
+
+/** Fills `child` from the header at the position; `parent` supplies the source and must be a
+ *  compound node that is not empty. Returns 0; UTI_PARSER_NO_NODE, UTI_PARSER_SHORT_HEADER. */
+UTI_API int32_t Parser_GetNextCompoundNode(const ParserNode *parent, ParserNode *child);
+
+/** Fills `child` with the next child of `parent`. Returns 0; UTI_PARSER_NO_NODE when no more than
+ *  a header's worth of bytes is left in the parent; UTI_PARSER_SHORT_HEADER. */
+UTI_API int32_t Parser_GetNextSubNode(const ParserNode *parent, ParserNode *child);
+
+/** Copies the data of a primitive node of type 1 or 2. No terminating zero is written. Returns the
+ *  number of bytes copied, 0 for an empty node; UTI_PARSER_BAD_VALUE when the data is longer than
+ *  `size` (nothing is read) or ends early; UTI_PARSER_BAD_TYPE. */
+UTI_API int32_t Parser_GetParameterBuffer(const ParserNode *node, void *buffer, uint32_t size);
+
+/** Reads a byte (type 3). `error`, always written, becomes 0, UTI_PARSER_BAD_VALUE (null or
+ *  compound node, short read) or UTI_PARSER_BAD_TYPE (wrong length or type code); the result is 0
+ *  whenever it is not 0. An empty node reads as 0 without error. */
+UTI_API uint8_t Parser_GetParameterByte(const ParserNode *node, int32_t *error);
+
+/** Reads a 16-bit number (type 4). Errors as `Parser_GetParameterByte`. */
+UTI_API uint16_t Parser_GetParameterWord(const ParserNode *node, int32_t *error);
+
+/** Reads a 32-bit number (type 5). Errors as `Parser_GetParameterByte`. */
+UTI_API uint32_t Parser_GetParameterDword(const ParserNode *node, int32_t *error);
+
+/** Reads an IEEE 754 double (type 6). Errors as `Parser_GetParameterByte`. */
+UTI_API double Parser_GetParameterDouble(const ParserNode *node, int32_t *error);
+
+/** Skips the value of a node, compound or primitive, that is still unread. `error` becomes 0, or
+ *  UTI_PARSER_BAD_VALUE for a null node or a failed seek. */
+UTI_API void Parser_GetParameterInsignificant(const ParserNode *node, int32_t *error);
+
+/** Calls `callback` with the node and returns its result; UTI_PARSER_NULL_NODE for a null node or
+ *  callback. */
+UTI_API int32_t Parser_ParseNode(ParserNode *node, ParserCallback callback);
+
+/** Like `Parser_ParseNode`, the callback getting `word` as well. */
+UTI_API int32_t Parser_ParseNodeEx(ParserNode *node, ParserCallbackEx callback, uintptr_t word);
+
+/** The memory source's read: copies `count` bytes from `source` + `bytesReadInMemory`. Returns
+ *  `count`; 0 for a null source. */
+UTI_API uint32_t Memory_Read(uintptr_t source, void *destination, uint32_t count);
+
+/** The memory source's seek: sets `bytesReadInMemory`. Returns 0. */
+UTI_API int32_t Memory_SetPosition(uintptr_t source, uint32_t offset);
+
+/* ================================================================================= List ====
+ *
+ * A doubly linked list of item pointers with one cursor. The object carries its operations as a
+ * table; call them through it, the List itself first: `list->AddTail(list, item)`. The List owns
+ * its nodes and never owns, copies or frees the items. No list argument may be null but that of
+ * `List_Destroy`.
+ *
+ * The cursor is a node and an index kept beside it. `First` and `Last` set both, `Next` and `Prev`
+ * move both; an insert makes the new node current and adds 1 to the index without looking where it
+ * went, a removal subtracts 1. `IsDone` judges by the index alone, so position the cursor anew
+ * after a change. Removing the current node leaves the cursor without a node.
+ */
+
+typedef struct List List;
+
+typedef struct ListNode {
+    struct ListNode *next;
+    struct ListNode *prev;
+    void *data; /**< the item, never null */
+} ListNode;
+
+struct List {
+    int32_t (*GetCount)(List *list);
+    int32_t (*IsEmpty)(List *list);
+    int32_t (*IsDone)(List *list);
+    void *(*First)(List *list);
+    void *(*Last)(List *list);
+    void *(*Current)(List *list);
+    void *(*Next)(List *list);
+    void *(*Prev)(List *list);
+    void *(*GetDataInPosition)(List *list, int32_t position);
+    void (*UpDate)(List *list, void *item);
+    ListNode *(*AddHead)(List *list, void *item);
+    ListNode *(*AddTail)(List *list, void *item);
+    ListNode *(*InsertAfter)(List *list, void *item);
+    ListNode *(*InsertBefore)(List *list, void *item);
+    void (*Remove)(List *list);
+    void (*RemoveAll)(List *list);
+    ListNode *(*NewListNode)(List *list, ListNode *prev, ListNode *next, void *item);
+    void (*FreeListNode)(List *list, ListNode *node);
+    ListNode *(*GetListNode)(List *list);
+    int32_t count;
+    ListNode *head;
+    ListNode *tail;
+    ListNode *current; /**< the cursor's node, may be null */
+    int32_t index;     /**< the cursor's index */
+};
+
+/** Returns a new empty List, or null when memory is short. Free with `List_Destroy`. */
+UTI_API List *List_Create(void);
+
+/** Fills a List object in place: empty, the cursor without a node at index 0. */
+UTI_API void List_Intitialize(List *list);
+
+/** Removes every node and frees the List object, not the items. A null list is ignored. */
+UTI_API void List_Destroy(List *list);
+
+UTI_API int32_t GetCount(List *list); /**< Returns the number of nodes. */
+UTI_API int32_t IsEmpty(List *list);  /**< Returns 1 when there is no node, else 0. */
+UTI_API int32_t IsDone(List *list);   /**< Returns 1 when the index is below 0 or not below the
+                                           count, else 0. */
+UTI_API void *First(List *list);   /**< Goes to the head, index 0. Returns its item or null. */
+UTI_API void *Last(List *list);    /**< Goes to the tail, index count - 1. Returns its item or null. */
+UTI_API void *Current(List *list); /**< Returns the current node's item or null. */
+UTI_API void *Next(List *list);    /**< Goes one on; does nothing when the index is not below the
+                                        count. Returns the new current item or null. */
+UTI_API void *Prev(List *list);    /**< Goes one back; does nothing when the index is below 0.
+                                        Returns the new current item or null. */
+
+/** Goes to `position` (0 or less is the head) by walking from the head. Returns its item, or null
+ *  when the list ends before it. */
+UTI_API void *GetDataInPosition(List *list, int32_t position);
+
+/** Replaces the current node's item; the old one is not freed. A null item, or no current node,
+ *  changes nothing. */
+UTI_API void UpDate(List *list, void *item);
+
+UTI_API ListNode *AddHead(List *list, void *item);      /**< Inserts before the head. */
+UTI_API ListNode *AddTail(List *list, void *item);      /**< Inserts after the tail. */
+UTI_API ListNode *InsertAfter(List *list, void *item);  /**< Inserts after the current node. */
+UTI_API ListNode *InsertBefore(List *list, void *item); /**< Inserts before the current node. */
+/* The four inserts make the new node current and return it. A null item, an insert relative to no
+   current node, or a lack of memory inserts nothing, returns null and leaves no current node. */
+
+UTI_API void Remove(List *list);    /**< Frees the current node, which leaves none current. */
+UTI_API void RemoveAll(List *list); /**< Frees every node. */
+
+/** Internal: allocates a node and links it between `prev` and `next`, either of them null at an
+ *  end. Returns the node, or null for a null item or when memory is short. */
+UTI_API ListNode *NewListNode(List *list, ListNode *prev, ListNode *next, void *item);
+
+/** Internal: unlinks and frees a node of this list, not its item; null changes nothing. */
+UTI_API void FreeListNode(List *list, ListNode *node);
+
+/** Internal: returns the current node or null. */
+UTI_API ListNode *GetListNode(List *list);
+
+/* ============================================================================== Storage ====
+ *
+ * A hash table from 32-bit keys to typed values. Every value is copied in and owned by the
+ * Storage. A key occurs once, whatever its type; putting it again replaces value and type.
+ * Results are 1 for success and 0 for failure; a null handle, or one without a table, is a
+ * failure. The export block is drawn in docs/formats.md.
+ */
+
+/** Type codes of stored values (they differ from those of trace arguments). */
+enum StorageType {
+    STORAGE_CHAR = 0,
+    STORAGE_BYTE = 1,
+    STORAGE_SHORT = 2,
+    STORAGE_WORD = 3,
+    STORAGE_LONG = 4,
+    STORAGE_DWORD = 5,
+    STORAGE_INT64 = 6,
+    STORAGE_UINT64 = 7,
+    STORAGE_BOOL = 8,
+    STORAGE_DOUBLE = 9,
+    STORAGE_STRING = 10, /**< strings and byte arrays alike */
+    STORAGE_DATE = 11,
+    STORAGE_TIME = 12
+};
+
+enum { STORAGE_BUCKETS = 97 };
+
+/** One stored value. */
+typedef struct StorageEntry {
+    uint32_t key;
+    int32_t type;              /**< `enum StorageType` */
+    void *data;                /**< the value's own copy, never null */
+    uint32_t length;           /**< bytes of data */
+    struct StorageEntry *next; /**< next entry of the bucket, the older one */
+} StorageEntry;
+
+typedef struct StorageTable {
+    uint32_t count;     /**< entries */
+    uint32_t totalSize; /**< sum of 12 + length over all entries: bytes of the export block */
+    StorageEntry *buckets[STORAGE_BUCKETS];
+} StorageTable;
+
+/** A Storage: the address of a cell that holds the address of the table. */
+typedef StorageTable **Storage;
+
+/** What `Storage_Get` writes for `STORAGE_STRING`: the stored bytes themselves, not a copy. */
+typedef struct StorageBytes {
+    void *data;
+    uint32_t length;
+} StorageBytes;
+
+/** Returns a new empty Storage, or null when memory is short. Free with `Storage_Free`. */
+UTI_API Storage Storage_Create(void);
+/** Frees the Storage with all its values. Returns 1; 0 for null. */
+UTI_API int32_t Storage_Free(Storage storage);
+/** Removes all values. Returns 1 or 0. */
+UTI_API int32_t Storage_Clear(Storage storage);
+/** Gives a cell of the caller's a new empty table. Returns 1; 0 for null or short memory. */
+UTI_API int32_t Storage_Constructor(Storage cell);
+/** Frees the table of a cell of the caller's and empties the cell. */
+UTI_API void Storage_Destructor(Storage cell);
+
+/** Stores a copy of `length` bytes as `type` under `key`. Returns 1; 0 for null `bytes`, length 0,
+ *  a total size past 32 bits or short memory (the old value is then kept). */
+UTI_API int32_t Storage_Put(Storage storage, uint32_t key, int32_t type, const void *bytes,
+                            uint32_t length);
+UTI_API int32_t Storage_PutChar(Storage storage, uint32_t key, char value);
+UTI_API int32_t Storage_PutByte(Storage storage, uint32_t key, uint8_t value);
+UTI_API int32_t Storage_PutShort(Storage storage, uint32_t key, int16_t value);
+UTI_API int32_t Storage_PutWord(Storage storage, uint32_t key, uint16_t value);
+UTI_API int32_t Storage_PutLong(Storage storage, uint32_t key, int32_t value);
+UTI_API int32_t Storage_PutDWord(Storage storage, uint32_t key, uint32_t value);
+UTI_API int32_t Storage_PutInt64(Storage storage, uint32_t key, int64_t value);
+UTI_API int32_t Storage_PutUInt64(Storage storage, uint32_t key, uint64_t value);
+UTI_API int32_t Storage_PutBool(Storage storage, uint32_t key, uint8_t value);
+UTI_API int32_t Storage_PutDouble(Storage storage, uint32_t key, double value);
+/** Stores exactly `length` bytes; pass the text's length + 1 to store its terminator too. */
+UTI_API int32_t Storage_PutString(Storage storage, uint32_t key, const char *text, uint32_t length);
+UTI_API int32_t Storage_PutByteArray(Storage storage, uint32_t key, const void *bytes,
+                                     uint32_t length);
+/** Stores the 6 bytes of a date record. */
+UTI_API int32_t Storage_PutDate(Storage storage, uint32_t key, const struct TerminalDate *date);
+/** Stores the 3 bytes of a time record. */
+UTI_API int32_t Storage_PutTime(Storage storage, uint32_t key, const struct TerminalTime *time);
+
+/** Copies the first `count` bytes of the value to `destination`; for `STORAGE_STRING` fills a
+ *  `StorageBytes` instead. Returns 1; 0 when the key is absent, its type is another one, or fewer
+ *  than `count` bytes are stored (an imported block can hold such). */
+UTI_API int32_t Storage_Get(Storage storage, uint32_t key, int32_t type, void *destination,
+                            uint32_t count);
+UTI_API int32_t Storage_GetChar(Storage storage, uint32_t key, char *value);
+UTI_API int32_t Storage_GetByte(Storage storage, uint32_t key, uint8_t *value);
+UTI_API int32_t Storage_GetShort(Storage storage, uint32_t key, int16_t *value);
+UTI_API int32_t Storage_GetWord(Storage storage, uint32_t key, uint16_t *value);
+UTI_API int32_t Storage_GetLong(Storage storage, uint32_t key, int32_t *value);
+UTI_API int32_t Storage_GetDWord(Storage storage, uint32_t key, uint32_t *value);
+UTI_API int32_t Storage_GetInt64(Storage storage, uint32_t key, int64_t *value);
+UTI_API int32_t Storage_GetUInt64(Storage storage, uint32_t key, uint64_t *value);
+UTI_API int32_t Storage_GetBool(Storage storage, uint32_t key, uint8_t *value);
+UTI_API int32_t Storage_GetDouble(Storage storage, uint32_t key, double *value);
+/** Gives the address and the length of the stored bytes. They stay valid until the key is put,
+ *  appended to or removed, or the Storage cleared or freed. Either out-pointer may be null. */
+UTI_API int32_t Storage_GetString(Storage storage, uint32_t key, char **text, uint32_t *length);
+UTI_API int32_t Storage_GetByteArray(Storage storage, uint32_t key, uint8_t **bytes,
+                                     uint32_t *length);
+UTI_API int32_t Storage_GetDate(Storage storage, uint32_t key, struct TerminalDate *date);
+UTI_API int32_t Storage_GetTime(Storage storage, uint32_t key, struct TerminalTime *time);
+
+/** Copies at most `size` - 1 bytes of a string and a terminating zero; a size of 0 writes nothing.
+ *  Returns 1; 0 when the key is absent or of another type. */
+UTI_API int32_t Storage_GetStringCopy(Storage storage, uint32_t key, char *buffer, uint32_t size);
+/** Adds `length` bytes behind a stored string (behind its terminator, when that was stored); with
+ *  no string under `key` it is `Storage_PutString`. Returns 1 or 0. */
+UTI_API int32_t Storage_AppendString(Storage storage, uint32_t key, const char *text,
+                                     uint32_t length);
+/** Returns the type code of the value under `key`, -1 when there is none. */
+UTI_API int32_t Storage_GetType(Storage storage, uint32_t key);
+/** Removes a value. Returns 1; 0 when the key is absent. */
+UTI_API int32_t Storage_Remove(Storage storage, uint32_t key);
+/** Gives a new array of all keys (null when there are none) and their number, by bucket, the
+ *  newest first in each. Free with `Storage_MemFree`. Returns 1 or 0. */
+UTI_API int32_t Storage_GetKeys(Storage storage, uint32_t **keys, uint32_t *count);
+/** The same as `Storage_GetKeys`. */
+UTI_API int32_t Storage_CreateKeysArray(Storage storage, uint32_t **keys, uint32_t *count);
+
+/** Compares two values by type, then length, then bytes. Returns a negative number, 0 or a positive
+ *  one; 0 when a Storage is missing or `keyA` is absent, -1 when only `keyB` is. */
+UTI_API int32_t Storage_CompareCell(Storage a, uint32_t keyA, Storage b, uint32_t keyB);
+/** Compares two Storages: missing ones, then the number of values, then the keys, then value by
+ *  value in A's key order. Returns 0 when they are equal, else -1, 1 or the result of
+ *  `Storage_CompareCell` for the first values that differ. */
+UTI_API int32_t Storage_Compare(Storage a, Storage b);
+/** Puts every value of `source` into `destination`; on failure those put already stay. */
+UTI_API int32_t Storage_Copy(Storage source, Storage destination);
+/** Makes `result` hold the values of A and of B, B's where both have a key; on failure `result` is
+ *  unchanged. `result` may be A or B. */
+UTI_API int32_t Storage_Merge(Storage a, Storage b, Storage result);
+/** Exchanges the contents of two Storages. */
+UTI_API int32_t Storage_Swap(Storage a, Storage b);
+/** Copies one value with its type. Returns 1; 0 when it is absent or has no known type. */
+UTI_API int32_t Storage_CopyField(Storage source, Storage destination, uint32_t sourceKey,
+                                  uint32_t destinationKey);
+/** Gives a new block with all values (null and size 0 when there are none). Free with
+ *  `Storage_MemFree`. `size` may be null. Returns 1 or 0. */
+UTI_API int32_t Storage_Export(Storage storage, void **block, uint32_t *size);
+/** Clears the Storage and fills it from an export block. Returns 1; 0 for null arguments or a block
+ *  that is cut or holds an empty value (the values before the fault stay). */
+UTI_API int32_t Storage_Import(Storage storage, const void *block, uint32_t size);
+/** Frees a block of `Storage_Export` or `Storage_GetKeys`; null is ignored. Returns 1. */
+UTI_API int32_t Storage_MemFree(void *block);
+/** Returns its argument. */
+UTI_API Storage Storage_Trace(Storage storage);
+/** Returns the bucket of a key, 0 to 96. */
+UTI_API uint32_t CalcHash(uint32_t key);
+/** Returns the entry of a key, or null. It is the Storage's own; do not change or free it. */
+UTI_API StorageEntry *FindEntry(Storage storage, uint32_t key);
+
+/* ============================================================================ resources ====
+ *
+ * A module is a file, its name with ".res" appended (drawn in docs/formats.md), with sections of
+ * numbered strings, each with one string table per language. A string id holds the section in bits
+ * 15 to 12 and the index in the section's table in bits 11 to 0; sections 0 to 5 exist in files.
+ * Modules are loaded by the first call that names them and stay loaded until `Resource_Close`.
+ *
+ * The environment variable default_lang (two letters) sets the first language, else it is "ru".
+ * With EXTRES starting with '1', strings of the module name + "_ext" take precedence.
+ *
+ * Loading a module uses the TLV parser, so it must not happen in the middle of another walk: fetch
+ * what is needed first, then start the walk with `Parser_Initialize`.
+ */
+
+enum {
+    RESOURCE_NAME_LENGTH = 12,
+    RESOURCE_SECTIONS = 15,
+    RESOURCE_SMALL_SLOTS = 20,
+    RESOURCE_SMALL_LENGTH = 32 /**< longest string of a small slot */
+};
+
+/** A language of a section. */
+typedef struct ResourceLanguage {
+    char code[3];         /**< two letters and a zero */
+    uint16_t info;        /**< kept for the application, not used by the library */
+    uint32_t tableOffset; /**< file offset of the string table */
+} ResourceLanguage;
+
+/** A transient copy of a string of up to 32 bytes; free when `text` is empty. */
+typedef struct ResourceSmallString {
+    uint16_t id;
+    char text[34];
+} ResourceSmallString;
+
+/** A transient copy of a longer string. */
+typedef struct ResourceLargeString {
+    uint16_t id;
+    char *text;      /**< `length` bytes and a zero */
+    uint16_t length;
+} ResourceLargeString;
+
+/** A loaded module. */
+typedef struct ResourceModule {
+    char name[13];
+    int32_t handle;   /**< its open file */
+    uint16_t version; /**< 0 when the file has none */
+    List *languages[RESOURCE_SECTIONS];      /**< of `ResourceLanguage`; null without languages */
+    uint32_t tableOffsets[RESOURCE_SECTIONS]; /**< in the current language; 0 is none */
+    ResourceSmallString smallStrings[RESOURCE_SMALL_SLOTS];
+    List *largeStrings; /**< of `ResourceLargeString`, or null */
+} ResourceModule;
+
+/** The strings of one language and module that were read already. */
+typedef struct ResourceStoredStrings {
+    char key[16];    /**< two letters and the module name */
+    Storage strings; /**< string id to bytes and a zero */
+} ResourceStoredStrings;
+
+/** What `Resource_GetLanguages` writes: 6 bytes. */
+typedef struct ResourceLanguageInfo {
+    char code[3];     /**< two letters and a zero */
+    uint8_t reserved; /**< 0 */
+    uint16_t info;
+} ResourceLanguageInfo;
+
+UTI_API extern List *ModuleList;              /**< of `ResourceModule`, in load order; or null */
+UTI_API extern ResourceModule *CurrentModule; /**< the current module, or null */
+UTI_API extern char CurrentModuleName[13];    /**< its name, or empty */
+UTI_API extern char CurrentLanguage[3];       /**< two letters and a zero */
+UTI_API extern uint8_t SectionType;           /**< section being parsed */
+UTI_API extern uint8_t CheckExternalResources; /**< 1 when "_ext" modules are enabled */
+UTI_API extern List *ResourceStorageList;     /**< of `ResourceStoredStrings`, or null */
+UTI_API extern char ResourceEmptyStr[1];      /**< the empty string, the answer on failure */
+
+/** Makes a module current and loads it when it is not. The very first call reads default_lang into
+ *  `CurrentLanguage`, so call it (or fetch a string) before `Resource_SetLanguage`.
+ *  Returns 0; UTI_RESOURCE_BAD_NAME, UTI_RESOURCE_NOT_LOADED, UTI_RESOURCE_NO_MEMORY (the current
+ *  module is then unchanged). */
+UTI_API int32_t Resource_Initialize(const char *module);
+
+/** Loads a module file as a new module and makes it current; `Resource_Initialize` calls it when
+ *  needed. Returns 0; UTI_RESOURCE_NOT_LOADED, UTI_RESOURCE_NO_MEMORY (nothing is then changed). */
+UTI_API int32_t Resource_LoadInfo(const char *module);
+
+/** Points every section of the current module at its table in `CurrentLanguage`; sections 3, 4 and
+ *  5 fall back to their first language, the others to none. */
+UTI_API void Resource_FillLanguageOffsetsForCurrentModule(void);
+
+/** Compares the module's version. Returns 0; an error of `Resource_Initialize`;
+ *  UTI_RESOURCE_OTHER_VERSION. */
+UTI_API int32_t Resource_IsValid(const char *module, uint16_t version);
+
+/** Writes one record per language of a section, in file order. Returns their number, 0 when the
+ *  section has none; an error of `Resource_Initialize`; UTI_RESOURCE_SMALL_ARRAY (nothing is then
+ *  written). */
+UTI_API int32_t Resource_GetLanguages(const char *module, uint32_t section,
+                                      ResourceLanguageInfo *languages, int32_t capacity);
+
+/** Sets the current language for all modules: two lower-case letters and a zero, copied as given.
+ *  Strings fetched in another language stay valid. */
+UTI_API void Resource_SetLanguage(const char *language);
+
+/** Returns the address of `CurrentLanguage`. */
+UTI_API const char *Resource_GetCurrentLanguage(void);
+
+/** Unloads a module (and its "_ext" module when those are enabled): closes its file and frees its
+ *  strings of every language. Nothing happens when it is not loaded. */
+UTI_API void Resource_Close(const char *module);
+
+/** Walk callbacks of a resource file, for `Parser_ParseNode`; they fill `CurrentModule`. Return 0 or
+ *  the first error met. */
+UTI_API int32_t ParseResources(ParserNode *node);
+UTI_API int32_t ParseHeader(ParserNode *node);
+UTI_API int32_t ParseSection(ParserNode *node);
+UTI_API int32_t ParseLanguageBlock(ParserNode *node);
+
+/** Returns string `id` of a module in the current language, zero-terminated; it may hold binary
+ *  data. Never null: `ResourceEmptyStr` when the module, the section's table or the string cannot
+ *  be read, when memory is short, or when all 20 small slots of the module hold strings that were
+ *  not released.
+ *
+ *  The first fetch gives a transient copy, which `Resource_Release` frees; later fetches give the
+ *  stored copy, which stays valid until `Resource_Close`. Strings of 2048 bytes or more are never
+ *  stored. So: release each string after use, and do not keep the address. */
+UTI_API const char *Resource_GetString(const char *module, uint32_t id);
+
+/** `Resource_GetString` without the "_ext" module. */
+UTI_API const char *resource_GetString(const char *module, uint32_t id);
+
+/** Returns string `id` in the given language and leaves the current language as it was; a null or
+ *  empty language means the current one. `ResourceEmptyStr` when it is not found; null when the
+ *  module cannot be loaded. */
+UTI_API const char *Resource_GetStringEx(const char *module, const char *language, uint32_t id);
+
+/** Frees the transient copy of a string, in the "_ext" module too when those are enabled. */
+UTI_API void Resource_Release(const char *module, uint32_t id);
+
+/** `Resource_Release` without the "_ext" module. */
+UTI_API void resource_Release(const char *module, uint32_t id);
+
+/** Frees all transient copies of a module, and of its "_ext" module when those are enabled. */
+UTI_API void Resource_ReleaseAll(const char *module);
+
+/** `Resource_ReleaseAll` without the "_ext" module. */
+UTI_API void resource_ReleaseAll(const char *module);
+
+/** Returns the stored copy of a string, or null. A language that is not two characters long (or
+ *  null) means that of the environment variable default_lang, else "ru". */
+UTI_API const char *resource_FindStoredString(const char *module, const char *language,
+                                              uint32_t id);
+
+/** Stores a string of the current language, `length` bytes and a zero. Returns 1; 0 for null
+ *  arguments, a module name of more than 12 characters, 2048 bytes or more, or short memory. */
+UTI_API int32_t resource_StoreString(const char *module, uint32_t id, const void *bytes,
+                                     uint32_t length);
+
+#ifdef __cplusplus
+}
+#endif
+
+#endif /* UTI_H */
