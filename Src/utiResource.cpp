@@ -24,17 +24,6 @@ constexpr Assertions asserts{"Src/utiResource"};
 
 constexpr std::size_t languageSize = sizeof CurrentLanguage;
 
-enum Tag : uint16_t {
-    tagVersion = 0x0001,
-    tagLanguageCode = 0x0021,
-    tagLanguageInfo = 0x0022,
-    tagTableOffset = 0x0023,
-    tagHeader = 0x8002,
-    tagLanguageBlock = 0x8020,
-    tagFirstSection = 0x8100,
-    tagLastSection = 0x8105
-};
-
 // Sections 3, 4 and 5 fall back to their first language.
 constexpr bool fallsBack(int32_t section) {
     return section >= 3 && section <= 5;
@@ -317,19 +306,20 @@ void Resource_Close(const char *module) {
 
 int32_t ParseResources(ParserNode *node) {
     return walkChildren(node, [](ParserNode &child) {
-        return child.tag == tagHeader ? Parser_ParseNode(&child, ParseHeader) : skip(child);
+        return child.tag == resource::header ? Parser_ParseNode(&child, ParseHeader) : skip(child);
     });
 }
 
 int32_t ParseHeader(ParserNode *node) {
     return walkChildren(node, [](ParserNode &child) {
-        if (child.tag == tagVersion && CurrentModule) {
+        if (child.tag == resource::version && CurrentModule) {
             int32_t error;
             CurrentModule->version = Parser_GetParameterWord(&child, &error);
             return error;
         }
-        if (child.tag >= tagFirstSection && child.tag <= tagLastSection) {
-            SectionType = static_cast<uint8_t>(child.tag - tagFirstSection);
+        if (child.tag >= resource::firstSection &&
+            child.tag < resource::firstSection + resource::sectionsInFile) {
+            SectionType = static_cast<uint8_t>(child.tag - resource::firstSection);
             return Parser_ParseNode(&child, ParseSection);
         }
         return skip(child);
@@ -338,8 +328,8 @@ int32_t ParseHeader(ParserNode *node) {
 
 int32_t ParseSection(ParserNode *node) {
     return walkChildren(node, [](ParserNode &child) {
-        return child.tag == tagLanguageBlock ? Parser_ParseNode(&child, ParseLanguageBlock)
-                                             : skip(child);
+        return child.tag == resource::languageBlock ? Parser_ParseNode(&child, ParseLanguageBlock)
+                                                    : skip(child);
     });
 }
 
@@ -348,15 +338,15 @@ int32_t ParseLanguageBlock(ParserNode *node) {
     const int32_t result = walkChildren(node, [&](ParserNode &child) {
         int32_t error = UTI_OK;
         switch (child.tag) {
-        case tagLanguageCode: {
+        case resource::languageCode: {
             std::memset(language.code, 0, languageSize);
             const int32_t length = Parser_GetParameterBuffer(&child, language.code, languageSize);
             return length < 0 ? length : UTI_OK;
         }
-        case tagLanguageInfo:
+        case resource::languageInfo:
             language.info = Parser_GetParameterWord(&child, &error);
             return error;
-        case tagTableOffset:
+        case resource::tableOffset:
             language.tableOffset = Parser_GetParameterDword(&child, &error);
             return error;
         default:

@@ -102,15 +102,15 @@ typedef uintptr_t TraceWord;
 
 /** Outputs of the trace log. */
 enum TraceExOutput {
-    TRACE_OUTPUT_FILE = 0,     /**< a set of eight rotating files */
-    TRACE_OUTPUT_SERIAL = 1,   /**< a serial port */
-    TRACE_OUTPUT_PRINTER = 2,  /**< the printer, always as text */
-    TRACE_OUTPUT_BUFFERED = 3  /**< like 0, through a buffer that `TraceExFlush` empties */
+    TRACE_OUTPUT_FILE = 0,    /**< a set of eight rotating files */
+    TRACE_OUTPUT_SERIAL = 1,  /**< a serial port */
+    TRACE_OUTPUT_PRINTER = 2, /**< the printer, always as text */
+    TRACE_OUTPUT_BUFFERED = 3 /**< like 0, through a buffer that `TraceExFlush` empties */
 };
 
 /** Where the records of an output go: 36 bytes. */
 typedef union TraceExDevice {
-    char baseName[33];     /**< outputs 0 and 3: base of the file names, 1 to 30 characters */
+    char baseName[33];      /**< outputs 0 and 3: base of the file names, 1 to 30 characters */
     uint8_t parameters[36]; /**< outputs 1 and 2: handed to `ComPort_Open`, `Printer_Open` */
     uint32_t alignment;
 } TraceExDevice;
@@ -345,8 +345,8 @@ UTI_API int32_t GetCount(List *list); /**< Returns the number of nodes. */
 UTI_API int32_t IsEmpty(List *list);  /**< Returns 1 when there is no node, else 0. */
 UTI_API int32_t IsDone(List *list);   /**< Returns 1 when the index is below 0 or not below the
                                            count, else 0. */
-UTI_API void *First(List *list);   /**< Goes to the head, index 0. Returns its item or null. */
-UTI_API void *Last(List *list);    /**< Goes to the tail, index count - 1. Returns its item or null. */
+UTI_API void *First(List *list);      /**< Goes to the head, index 0. Returns its item or null. */
+UTI_API void *Last(List *list); /**< Goes to the tail, index count - 1. Returns its item or null. */
 UTI_API void *Current(List *list); /**< Returns the current node's item or null. */
 UTI_API void *Next(List *list);    /**< Goes one on; does nothing when the index is not below the
                                         count. Returns the new current item or null. */
@@ -575,16 +575,16 @@ typedef struct ResourceSmallString {
 /** A transient copy of a longer string. */
 typedef struct ResourceLargeString {
     uint16_t id;
-    char *text;      /**< `length` bytes and a zero */
+    char *text; /**< `length` bytes and a zero */
     uint16_t length;
 } ResourceLargeString;
 
 /** A loaded module. */
 typedef struct ResourceModule {
     char name[13];
-    int32_t handle;   /**< its open file */
-    uint16_t version; /**< 0 when the file has none */
-    List *languages[RESOURCE_SECTIONS];      /**< of `ResourceLanguage`; null without languages */
+    int32_t handle;                           /**< its open file */
+    uint16_t version;                         /**< 0 when the file has none */
+    List *languages[RESOURCE_SECTIONS];       /**< of `ResourceLanguage`; null without languages */
     uint32_t tableOffsets[RESOURCE_SECTIONS]; /**< in the current language; 0 is none */
     ResourceSmallString smallStrings[RESOURCE_SMALL_SLOTS];
     List *largeStrings; /**< of `ResourceLargeString`, or null */
@@ -603,14 +603,14 @@ typedef struct ResourceLanguageInfo {
     uint16_t info;
 } ResourceLanguageInfo;
 
-UTI_API extern List *ModuleList;              /**< of `ResourceModule`, in load order; or null */
-UTI_API extern ResourceModule *CurrentModule; /**< the current module, or null */
-UTI_API extern char CurrentModuleName[13];    /**< its name, or empty */
-UTI_API extern char CurrentLanguage[3];       /**< two letters and a zero */
-UTI_API extern uint8_t SectionType;           /**< section being parsed */
+UTI_API extern List *ModuleList;               /**< of `ResourceModule`, in load order; or null */
+UTI_API extern ResourceModule *CurrentModule;  /**< the current module, or null */
+UTI_API extern char CurrentModuleName[13];     /**< its name, or empty */
+UTI_API extern char CurrentLanguage[3];        /**< two letters and a zero */
+UTI_API extern uint8_t SectionType;            /**< section being parsed */
 UTI_API extern uint8_t CheckExternalResources; /**< 1 when "_ext" modules are enabled */
-UTI_API extern List *ResourceStorageList;     /**< of `ResourceStoredStrings`, or null */
-UTI_API extern char ResourceEmptyStr[1];      /**< the empty string, the answer on failure */
+UTI_API extern List *ResourceStorageList;      /**< of `ResourceStoredStrings`, or null */
+UTI_API extern char ResourceEmptyStr[1];       /**< the empty string, the answer on failure */
 
 /** Makes a module current and loads it when it is not. The very first call reads default_lang into
  *  `CurrentLanguage`, so call it (or fetch a string) before `Resource_SetLanguage`.
@@ -647,8 +647,8 @@ UTI_API const char *Resource_GetCurrentLanguage(void);
  *  strings of every language. Nothing happens when it is not loaded. */
 UTI_API void Resource_Close(const char *module);
 
-/** Walk callbacks of a resource file, for `Parser_ParseNode`; they fill `CurrentModule`. Return 0 or
- *  the first error met. */
+/** Walk callbacks of a resource file, for `Parser_ParseNode`; they fill `CurrentModule`. Return 0
+ * or the first error met. */
 UTI_API int32_t ParseResources(ParserNode *node);
 UTI_API int32_t ParseHeader(ParserNode *node);
 UTI_API int32_t ParseSection(ParserNode *node);
