@@ -33,22 +33,6 @@ bool isNameAccepted(const char *module) {
     return module && strnlen(module, RESOURCE_NAME_LENGTH + 1) <= RESOURCE_NAME_LENGTH;
 }
 
-// Prepares the module state on first use. False when memory is short.
-bool prepareModules() {
-    if (ModuleList)
-        return true;
-    const EnvironmentValue external("EXTRES");
-    if (external.text().starts_with('1'))
-        CheckExternalResources = 1;
-
-    ModuleList = List_Create();
-    if (!ModuleList)
-        return false;
-    CurrentModuleName[0] = 0;
-    readDefaultLanguage(CurrentLanguage);
-    return true;
-}
-
 ResourceModule *findModule(std::string_view name) {
     List *modules = ModuleList;
     for (void *item = modules->First(modules); item; item = modules->Next(modules)) {
@@ -118,6 +102,21 @@ int32_t addLanguage(const ResourceLanguage &language) {
 
 } // namespace
 
+bool prepareModules() {
+    if (ModuleList)
+        return true;
+    const EnvironmentValue external("EXTRES");
+    if (external.text().starts_with('1'))
+        CheckExternalResources = 1;
+
+    ModuleList = List_Create();
+    if (!ModuleList)
+        return false;
+    CurrentModuleName[0] = 0;
+    readDefaultLanguage(CurrentLanguage);
+    return true;
+}
+
 void readDefaultLanguage(char (&language)[3]) {
     setField(language, "ru");
     const EnvironmentValue value("default_lang");
@@ -127,7 +126,8 @@ void readDefaultLanguage(char (&language)[3]) {
         asserts.report();
 }
 
-ExternalName::ExternalName(const char *module) : enabled_(module && CheckExternalResources == 1) {
+ExternalName::ExternalName(const char *module)
+    : enabled_(module && prepareModules() && CheckExternalResources == 1) {
     if (enabled_)
         snprintf(text_, sizeof text_, "%.13s_ext", module);
 }

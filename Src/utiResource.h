@@ -48,6 +48,9 @@ inline constexpr uint16_t sectionsInFile = 6;
 // address is `ResourceEmptyStr`. Binary strings (dialog descriptions) may hold zeros.
 std::string_view getResourceString(const char *module, uint32_t id);
 
+// Reads EXTRES and default_lang and makes the module list on first use. False when memory is short.
+bool prepareModules();
+
 // The two-letter language of the environment variable default_lang in lower case, else "ru".
 void readDefaultLanguage(char (&language)[3]);
 

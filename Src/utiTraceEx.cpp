@@ -76,47 +76,36 @@ bool settingsAccepted(const TraceExSettings &settings) {
 
 // Opens the newest file of the set, or its first. Returns a negative handle on failure.
 int32_t openFileSet(TraceExContext &log) {
-    const int32_t newest = findLogFile(FileAge::newest);
+    const int32_t newest = findLogFile(FileAge::newest).index;
     log.fileIndex = newest < 0 ? 0 : newest;
 
     LogFileName name;
     formLogFileName(name, log.fileIndex);
-    if (openLogFile(name) >= 0 && newest >= 0)
-        goToEndOfLogFile();
-    return log.handle;
+    return newest < 0 ? log.file.open(name) : continueLogFile(name);
 }
 
 // Opens the output that the settings name. Returns 0 or the code of the failure.
 int32_t openOutput(TraceExContext &log) {
     TraceExSettings &settings = log.settings;
     if (settings.output == TRACE_OUTPUT_SERIAL) {
-        log.handle = ComPort_Open(&settings.device);
-        return log.handle < 0 ? log.handle : 0;
+        log.port = ComPort_Open(&settings.device);
+        return log.port < 0 ? log.port : 0;
     }
     if (settings.output == TRACE_OUTPUT_PRINTER)
         return Printer_Open(&settings.device);
 
     if (settings.output == TRACE_OUTPUT_BUFFERED) {
-        log.bufferSize = settings.maxSize < defaultMaxSize ? log.fileLimit() : largestBuffer;
-        log.buffer = allocateBytes(log.bufferSize).release();
+        log.file.bufferSize = settings.maxSize < defaultMaxSize ? log.fileLimit() : largestBuffer;
+        log.file.buffer = allocateBytes(log.file.bufferSize).release();
     }
     const int32_t handle = openFileSet(log);
     return handle < 0 ? handle : 0;
 }
 
 void freeContext() {
-    std::free(traceContext->buffer);
+    std::free(traceContext->file.buffer);
     std::free(traceContext);
     traceContext = nullptr;
-}
-
-// Writes straight to the log file.
-int32_t writeFile(const void *bytes, uint32_t count) {
-    TraceExContext &log = *traceContext;
-    if (File_Write(log.handle, bytes, count) != static_cast<int32_t>(count))
-        return UTI_TRACE_NOT_WRITTEN;
-    log.fileLength += count;
-    return UTI_OK;
 }
 
 // Goes on to the next file of the set, which is started anew. Returns 0 or a negative handle; the
@@ -124,16 +113,15 @@ int32_t writeFile(const void *bytes, uint32_t count) {
 int32_t rotate() {
     TraceExContext &log = *traceContext;
     TraceExFlush();
-    if (log.handle >= 0)
-        File_Close(log.handle);
+    log.file.close();
 
     log.fileIndex = (log.fileIndex + 1) % logFileCount;
     LogFileName name;
     formLogFileName(name, log.fileIndex);
     File_Delete(name);
-    if (openLogFile(name) < 0)
-        return log.handle;
-    log.fileLength = 0;
+    if (log.file.open(name) < 0)
+        return log.file.handle;
+    log.file.fileLength = 0;
     return UTI_OK;
 }
 
@@ -165,11 +153,12 @@ int32_t writeItems(const char *module, uint16_t messageId, const RecordItems &it
 
     if (writesFiles(settings)) {
         const uint32_t limit = traceContext->fileLimit();
+        const LogFile &file = traceContext->file;
         if (settings.output == TRACE_OUTPUT_FILE && limit <= items.size()) {
             reportLargeRecord(module, messageId, items);
             return UTI_TRACE_NOT_WRITTEN;
         }
-        if (traceContext->fileLength + items.size() + traceContext->buffered > limit) {
+        if (file.fileLength + items.size() + file.buffered > limit) {
             const int32_t result = rotate();
             if (result < 0)
                 return result;
@@ -229,17 +218,13 @@ int32_t traceWriteOut(const void *bytes, uint32_t count) {
     TraceExContext &log = *traceContext;
     switch (log.settings.output) {
     case TRACE_OUTPUT_BUFFERED:
-        if (log.bufferSize - log.buffered <= count)
+        if (log.file.mustFlushFor(count))
             TraceExFlush();
-        if (count >= log.bufferSize)
-            return writeFile(bytes, count);
-        std::memcpy(log.buffer + log.buffered, bytes, count);
-        log.buffered += count;
-        return UTI_OK;
+        return log.file.append(bytes, count);
     case TRACE_OUTPUT_FILE:
-        return writeFile(bytes, count);
+        return log.file.write(bytes, count);
     case TRACE_OUTPUT_SERIAL:
-        return ComPort_Write(log.handle, bytes, count) < 1 ? UTI_TRACE_NOT_WRITTEN : UTI_OK;
+        return ComPort_Write(log.port, bytes, count) < 1 ? UTI_TRACE_NOT_WRITTEN : UTI_OK;
     default:
         return UTI_OK;
     }
@@ -273,7 +258,7 @@ int32_t TraceExOpen(const TraceExSettings *settings) {
         return result;
     }
 
-    if (traceContext->settings.output == TRACE_OUTPUT_BUFFERED && !traceContext->buffer) {
+    if (traceContext->settings.output == TRACE_OUTPUT_BUFFERED && !traceContext->file.buffer) {
         traceContext->settings.output = TRACE_OUTPUT_FILE;
         asserts.report();
     }
@@ -287,14 +272,13 @@ void TraceExClose(void) {
     TraceExFlush();
     switch (traceContext->settings.output) {
     case TRACE_OUTPUT_SERIAL:
-        ComPort_Close(traceContext->handle);
+        ComPort_Close(traceContext->port);
         break;
     case TRACE_OUTPUT_PRINTER:
         Printer_Close();
         break;
     default:
-        if (traceContext->handle >= 0)
-            File_Close(traceContext->handle);
+        traceContext->file.close();
         break;
     }
     freeContext();
@@ -312,16 +296,9 @@ int32_t TraceExGetMode(void) {
 }
 
 void TraceExFlush(void) {
-    if (!traceContext || traceContext->settings.output != TRACE_OUTPUT_BUFFERED ||
-        traceContext->buffered == 0)
+    if (!traceContext || traceContext->settings.output != TRACE_OUTPUT_BUFFERED)
         return;
-
-    TraceExContext &log = *traceContext;
-    const uint32_t count = log.buffered;
-    const int32_t written = File_Write(log.handle, log.buffer, count);
-    log.fileLength += count;
-    log.buffered = 0;
-    if (written >= static_cast<int32_t>(count) || reportingShortFlush)
+    if (traceContext->file.flush() || reportingShortFlush)
         return;
 
     if (recordDepth > 0)

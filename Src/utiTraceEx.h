@@ -14,24 +14,18 @@
 //   23 + M   ...   the argument items in list order (utiTraceArguments.h)
 #pragma once
 
+#include "utiLogFile.h"
 #include "utiTraceArguments.h"
 
 namespace uti {
 
 inline constexpr int32_t logFileCount = 8;
 
-// Room for the name of a log file: base name, number, extension and terminator.
-using LogFileName = char[36];
-
 struct TraceExContext {
     TraceExSettings settings;
-    int32_t handle;      // of the open log file or the serial port; negative when it is not open
-    uint32_t fileLength; // bytes in the current file, those in the buffer not counted
-    int32_t fileIndex;   // 0 to 7
-    LogFileName currentName; // empty when opening the file failed
-    char *buffer;            // output 3
-    uint32_t buffered;
-    uint32_t bufferSize;
+    int32_t fileIndex; // 0 to 7
+    LogFile file;      // outputs 0 and 3
+    int32_t port;      // output 1
 
     // Bytes that each file of the set may take.
     uint32_t fileLimit() const { return static_cast<uint32_t>(settings.maxSize / logFileCount); }
@@ -60,17 +54,18 @@ int32_t traceReadFileStamp(const char *name, TerminalDate *date, TerminalTime *t
 
 enum class FileAge { newest, oldest };
 
-// The index of the newest or oldest file of the set, -1 when there is none. Looks at the files from
-// 0 up to the first that does not exist; of equal stamps the lowest index wins.
-int32_t findLogFile(FileAge age);
+struct FoundLogFile {
+    int32_t index; // -1 when there is no file
+    int32_t count; // files of the set: those from 0 up to the first that does not exist
+};
 
-// Opens `name` for appending. Returns the handle or its negative code; the context then has no
-// current name.
-int32_t openLogFile(const LogFileName &name);
+// Finds the newest or the oldest file of the set; of equal stamps the lowest index wins.
+FoundLogFile findLogFile(FileAge age);
 
-// Goes to the end of the open log file and takes its length. A file whose end cannot be reached
-// counts as full: the next record rotates on instead of overwriting it.
-void goToEndOfLogFile();
+// Opens a file of the set that exists and goes to its end. A file whose end cannot be reached
+// counts as full, so that the next record rotates on instead of overwriting it. Returns the handle
+// or its negative code.
+int32_t continueLogFile(const LogFileName &name);
 
 // --- text records
 

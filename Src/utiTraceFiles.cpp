@@ -61,42 +61,31 @@ int32_t traceReadFileStamp(const char *name, TerminalDate *date, TerminalTime *t
     return timeRead ? 1 : 0;
 }
 
-int32_t findLogFile(FileAge age) {
-    int32_t found = -1;
+FoundLogFile findLogFile(FileAge age) {
+    FoundLogFile found{-1, 0};
     Stamp best{};
-    for (int32_t index = 0; index < logFileCount; ++index) {
+    for (; found.count < logFileCount; ++found.count) {
         LogFileName name;
-        formLogFileName(name, index);
+        formLogFileName(name, found.count);
         if (File_IsValid(name) != 1)
             break;
 
         const Stamp stamp = stampOfFile(name);
         const bool better =
             age == FileAge::newest ? isEarlier(best, stamp) : isEarlier(stamp, best);
-        if (found < 0 || better) {
-            found = index;
+        if (found.index < 0 || better) {
+            found.index = found.count;
             best = stamp;
         }
     }
     return found;
 }
 
-int32_t openLogFile(const LogFileName &name) {
-    TraceExContext &log = *traceContext;
-    log.handle = File_Open(name, FILE_MODE_APPEND);
-    if (log.handle < 0) {
-        log.currentName[0] = 0;
-        return log.handle;
-    }
-    std::memcpy(log.currentName, name, sizeof name);
-    return log.handle;
-}
-
-void goToEndOfLogFile() {
-    TraceExContext &log = *traceContext;
-    const int32_t length = File_GetLength(log.handle);
-    const auto end = static_cast<uint32_t>(length);
-    log.fileLength = length >= 0 && File_SetPosition(log.handle, end) == 0 ? end : UINT32_MAX;
+int32_t continueLogFile(const LogFileName &name) {
+    LogFile &file = traceContext->file;
+    if (file.open(name) >= 0 && !file.goToEnd())
+        file.fileLength = UINT32_MAX;
+    return file.handle;
 }
 
 } // namespace uti

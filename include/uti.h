@@ -1,8 +1,8 @@
 /*
  * uti.h: application services for small Linux terminals.
  *
- * One shared library, libuti.so, version 1.1.25.4; this header is its whole face and is valid C11
- * and C++20. The terminal's own system API (platform/terminal.h) is supplied by the host process.
+ * One shared library, libuti.so; this header is its whole face and is valid C11 and C++20. The
+ * terminal's own system API (platform/terminal.h) is supplied by the host process.
  *
  * Conventions
  *
@@ -30,6 +30,9 @@
 
 #include <stdint.h>
 
+/** Version of the library; the build takes its own from here. */
+#define UTI_VERSION "1.1.25.4"
+
 #define UTI_API __attribute__((visibility("default")))
 
 #ifdef __cplusplus
@@ -56,8 +59,14 @@ enum UtiResult {
     UTI_RESOURCE_BAD_NAME = -3055,      /**< module name null or longer than 12 characters */
     UTI_RESOURCE_NO_MEMORY = -3056,     /**< out of memory while loading */
 
-    UTI_TRACE_REFUSED = -3100,    /**< open or mode refused */
-    UTI_TRACE_NOT_WRITTEN = -3102 /**< record not written, or written in part */
+    UTI_TRACE_REFUSED = -3100,     /**< open or mode refused */
+    UTI_TRACE_NOT_WRITTEN = -3102, /**< record not written, or written in part */
+
+    UTI_MONITOR_REFUSED = -3105,    /**< open refused */
+    UTI_MONITOR_CLOSED = -3106,     /**< no monitoring log is open */
+    UTI_MONITOR_OVER_LIMIT = -3108, /**< written, but the file has passed its limit */
+
+    UTI_GSM_FAILED = -3452 /**< no USSD response or SMS data, or one that means failure */
 };
 
 /* ============================================================================ trace log ====
@@ -175,6 +184,58 @@ UTI_API int32_t TraceExDebug(const char *module, uint32_t messageId, ...);
 /** Reports a broken precondition: `TraceExError("ASSERT", 1, String, sourcePath, Long, line, 0)`
  *  and its result. Its text is "ASSERT File: {0}  Line: {1}", always. */
 UTI_API int32_t TraceExAssert(const char *sourcePath, int32_t line);
+
+/** Copies the contents of the log files to `out`, oldest file first, as they were written and without
+ *  a terminator. The log goes on afterwards.
+ *
+ *  Returns the number of bytes placed; 0 for a null `out`, a `size` of 0 or less, a closed log or
+ *  an output other than 0. In place of the log stands, cut to `size`, one of the texts
+ *  "LOG FILE NOT FOUND"; "LOG FILE '%s' NOT OPEN" (the files behind it follow); or, when the files
+ *  do not fit, "SIZE %ld TOO SMALL" and a line "%s(%ld) [%ld]" for each file met: its name, its
+ *  length and the space that would remain. */
+UTI_API int32_t TraceExGetLog(char *out, int32_t size);
+
+/* ======================================================================= monitoring log ====
+ *
+ * One log of events per process, beside the trace log and independent of it: binary records like
+ * those of the trace log but with little-endian numbers (drawn in docs/formats.md), in a file
+ * "%s.mlog" that grows. Once the file "%s_1.mlog" exists, every open starts a new one with the next
+ * free number.
+ */
+
+enum {
+    MONITOR_MODE_DIRECT = 0,  /**< every piece of a record is written at once */
+    MONITOR_MODE_BUFFERED = 1 /**< through a buffer of 8192 bytes */
+};
+
+/** Settings of `MonitorExOpen`. */
+typedef struct MonitorExSettings {
+    uint32_t mode;     /**< MONITOR_MODE_BUFFERED, or anything else for direct writing */
+    char baseName[33]; /**< base of the file names, 1 to 28 characters */
+    int32_t maxSize;   /**< bytes of the file above which records report it; at least 65536 */
+} MonitorExSettings;
+
+/** Opens the monitoring log; `settings` is copied. When no buffer can be had it writes directly.
+ *  Returns 0; UTI_MONITOR_REFUSED when a log is open, memory is short, `baseName` is empty or too
+ *  long for its number, or the end of an existing file cannot be reached; the negative code of
+ *  `File_Open`. */
+UTI_API int32_t MonitorExOpen(const MonitorExSettings *settings);
+
+/** Writes a record of level 2 of the module "Monitor" with an argument list as the trace log takes
+ *  it. Returns 0; UTI_MONITOR_CLOSED; UTI_MONITOR_OVER_LIMIT when the record was written but the
+ *  file has passed `maxSize`; UTI_TRACE_NOT_WRITTEN when memory is short or a write failed. */
+UTI_API int32_t MonitorExWrite(uint32_t messageId, ...);
+
+/** Writes a record with a level and a module name of the caller's (null reads as an empty name).
+ *  `list` holds the argument words and may be null for none. Results as `MonitorExWrite`. */
+UTI_API int32_t traceMonitorWrite(uint32_t messageId, uint32_t level, const char *module,
+                                  const TraceWord *list);
+
+/** Writes what is buffered. A short write counts as written and is reported. */
+UTI_API void MonitorExFlush(void);
+
+/** Flushes and closes the log. Nothing happens when it is closed. */
+UTI_API void MonitorExClose(void);
 
 /* =========================================================================== TLV parser ====
  *
@@ -693,6 +754,97 @@ UTI_API const char *resource_FindStoredString(const char *module, const char *la
  *  arguments, a module name of more than 12 characters, 2048 bytes or more, or short memory. */
 UTI_API int32_t resource_StoreString(const char *module, uint32_t id, const void *bytes,
                                      uint32_t length);
+
+/* ============================================================================== BER-TLV ====
+ *
+ * Objects in the encoding of ISO/IEC 8825-1: a tag of one to three bytes, a length field of one to
+ * five, a value. A tag is the number that its bytes make in their order: 9F 02 is 0x9F02. It is
+ * constructed, which means that its value is made of objects, when bit 0x20 of its first byte is
+ * set, else primitive. A length field is one byte below 0x80, or 0x80 + n and n bytes, the most
+ * significant first; n is 0 to 4, and 0 stands for the length 0.
+ *
+ * These functions touch their arguments alone, report nothing and may run on any thread.
+ */
+
+/** Results of the BER-TLV functions that are not 0. */
+enum BerTlvResult {
+    UTI_BERTLV_BAD_OBJECT = -1, /**< null argument, no whole tag and length, no room */
+    UTI_BERTLV_NOT_FOUND = -2,  /**< no object has the tag */
+    UTI_BERTLV_BAD_DATA = -3,   /**< malformed data, null argument, value larger than the buffer */
+    UTI_BERTLV_CUT_VALUE = -4   /**< the value is not all inside the bytes left */
+};
+
+/** Reads the object at `*cursor` and moves behind it. `*remaining` is the number of bytes from the
+ *  cursor on. `*value` becomes the address of the value in the caller's data; do not free. A length
+ *  of 0 leaves it as it was. No argument and no `*cursor` may be null.
+ *
+ *  Returns 0; UTI_BERTLV_BAD_OBJECT for a null, no byte left, a tag that is cut, of four bytes or
+ *  the last byte, and a length field that is cut or has n above 4 (nothing is then written);
+ *  UTI_BERTLV_CUT_VALUE when the value runs past the bytes left: tag, length and value are written
+ *  (a null value when no byte is left), the cursor stays. */
+UTI_API int32_t BerTlv_GetTag(const uint8_t **cursor, uint32_t *remaining, uint32_t *tag,
+                              uint32_t *length, const uint8_t **value);
+
+/** Copies the value of the first object with tag `wantedTag` among `dataLength` bytes at `data` to
+ *  `value`. An object comes before those inside it; the search goes down five levels below the top
+ *  one and skips constructed objects under those whole. `*valueLength` is the size of the buffer
+ *  at `value`, then the length of the value. The two memories may overlap. Nothing may be null.
+ *
+ *  Returns 0; UTI_BERTLV_NOT_FOUND; UTI_BERTLV_BAD_DATA for a null, no data, a buffer of 0 bytes,
+ *  a value longer than the buffer, and when the search comes to an object that is malformed, runs
+ *  past the data of its level or is constructed and empty. On failure nothing is written. */
+UTI_API int32_t BerTlv_ExtractSingleTag(const uint8_t *data, uint32_t dataLength,
+                                        uint32_t wantedTag, uint32_t *valueLength, uint8_t *value);
+
+/** Returns 1 when a tag of `tagLength` bytes is primitive, 0 when it is constructed. With a length
+ *  of 0, or above the 4 bytes that the number holds, it counts as primitive. */
+UTI_API int32_t BerTlv_TagIsPrimitive(uint32_t tag, uint32_t tagLength);
+
+/** Writes an object of `length` bytes at `value` to the start of `buffer`, the tag without leading
+ *  zero bytes (tag 0 is the one byte 00), the length in its shortest form. `*size` is the size of
+ *  the buffer, then the number of bytes written. `value` may lie in the buffer, anywhere.
+ *
+ *  Returns 0; UTI_BERTLV_BAD_OBJECT, nothing written, for a null, a `length` of 0, a buffer below
+ *  4 bytes and an object that does not fit. */
+UTI_API int32_t BerTlv_AppendTag(uint32_t tag, uint32_t length, const uint8_t *value,
+                                 uint8_t *buffer, uint32_t *size);
+
+/* ========================================================================= USSD and SMS ====
+ *
+ * Texts of a GSM modem as bytes of Windows-1251. A UCS-2 text comes as four upper-case hexadecimal
+ * digits a character; a character that has no byte (other than U+0000 to U+00FF, which keep their
+ * value, U+0410 to U+044F, U+0401 and U+0451) becomes a question mark.
+ *
+ * These functions touch their arguments alone, report nothing and may run on any thread. A buffer
+ * `out` of `outSize` bytes gets at most `outSize` - 1 of them, none for a size of 1 or less, and no
+ * terminating zero; it may overlap the input.
+ */
+
+/** Takes the text out of a USSD response (3GPP TS 27.007), `+CUSD: m,"str",dcs` and a carriage
+ *  return, by its data coding scheme (3GPP TS 23.038): UCS-2 in the groups 01xx is decoded, str is
+ *  taken as it stands for every other dcs. Of the response's `length` bytes count the first
+ *  "+CUSD:", the quote characters farthest apart behind m, the last comma behind those, and the
+ *  carriage return after it. Writes a zero at `response[length]`: the memory must have that byte.
+ *  m and dcs are the digits behind any spaces, 0 when there are none; dcs counts modulo 256.
+ *
+ *  Returns the length of the text, of which `out` may hold less, 0 when str is no UCS-2 text;
+ *  UTI_GSM_FAILED, `out` unchanged, for a null, a missing part, m or dcs of more than 31
+ *  characters, str of more than 512 bytes, m 4 (not supported) or 5 (time-out) and dcs 0. */
+UTI_API int32_t UTILS_ParseUSSDResponse(char *response, uint32_t length, char *out,
+                                        int32_t outSize);
+
+/** Takes the text out of `length` bytes of SMS data, at most 649: as they stand when one of them is
+ *  no hexadecimal digit, else as UCS-2, of which lower-case digits or a length that is no multiple
+ *  of 4 give an empty text. Returns the number of bytes copied to `out`; UTI_GSM_FAILED, `out`
+ *  unchanged, for a null or longer data. */
+UTI_API int32_t UTILS_ParseSMSData(const char *data, uint32_t length, char *out, int32_t outSize);
+
+/** Returns 1 when every character of a text is a decimal digit, and for an empty one; else 0, and
+ *  for null. */
+UTI_API int32_t IsNumeric(const char *text);
+
+/** Returns the `UTI_VERSION` that the library was built as. Do not free. */
+UTI_API const char *UTILS_GetVersion(void);
 
 #ifdef __cplusplus
 }

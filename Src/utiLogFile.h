@@ -1,0 +1,45 @@
+// utiLogFile.h: a log file that records are appended to, with a write buffer if there is one. The
+// trace log and the monitoring log stand on it. It stands on the platform's files alone and reports
+// nothing itself.
+#pragma once
+
+#include "terminal.h"
+#include "uti.h"
+
+namespace uti {
+
+// Room for the name of a log file: base name, number, extension and terminator.
+using LogFileName = char[36];
+
+struct LogFile {
+    int32_t handle;          // negative when the file is not open
+    uint32_t fileLength;     // bytes in the file, those in the buffer not counted
+    LogFileName currentName; // empty when opening the file failed
+    char *buffer;            // null: every piece is written at once
+    uint32_t buffered;
+    uint32_t bufferSize;
+
+    // Opens `name` for appending. Returns the handle or its negative code; the file then has no
+    // current name.
+    int32_t open(const LogFileName &name);
+
+    // Goes to the end of the open file and takes its length. False when that failed.
+    bool goToEnd();
+
+    void close();
+
+    // Writes a piece straight to the file. Returns 0 or UTI_TRACE_NOT_WRITTEN.
+    int32_t write(const void *bytes, uint32_t count);
+
+    // True when a piece of `count` bytes would fill the buffer: flush it, then append the piece.
+    bool mustFlushFor(uint32_t count) const { return bufferSize - buffered <= count; }
+
+    // Puts a piece into the buffer, or writes it when it is as long as the buffer. Returns 0 or
+    // UTI_TRACE_NOT_WRITTEN.
+    int32_t append(const void *bytes, uint32_t count);
+
+    // Writes what is buffered. The bytes count as written in any case; false when some were not.
+    bool flush();
+};
+
+} // namespace uti

@@ -1,0 +1,321 @@
+// The List with its cursor rules, and the Storage with its buckets and its export block.
+#include "support.h"
+
+#include <algorithm>
+
+using namespace support;
+using fake::Call;
+using fake::Persistence;
+
+namespace {
+
+class ListTest : public support::Terminal {
+protected:
+    ~ListTest() override { List_Destroy(list); }
+
+    // The items from head to tail, then the cursor: the current item and the index.
+    std::string state() const {
+        std::string text;
+        for (const ListNode *node = list->head; node; node = node->next) {
+            EXPECT_EQ(node->prev ? node->prev->next : list->head, node);
+            text += static_cast<const char *>(node->data);
+        }
+        EXPECT_EQ(list->GetCount(list), static_cast<int32_t>(text.size()));
+        text += list->current ? " "s + static_cast<const char *>(list->current->data) : " -";
+        return text + std::to_string(list->index);
+    }
+
+    // Runs one operation by its letter.
+    void operate(char operation, char *item) {
+        switch (operation) {
+        case 'F': list->First(list); break;
+        case 'L': list->Last(list); break;
+        case 'N': list->Next(list); break;
+        case 'P': list->Prev(list); break;
+        case 'h': list->AddHead(list, item); break;
+        case 't': list->AddTail(list, item); break;
+        case 'a': list->InsertAfter(list, item); break;
+        case 'b': list->InsertBefore(list, item); break;
+        case 'u': list->UpDate(list, item); break;
+        case 'R': list->Remove(list); break;
+        case 'A': list->RemoveAll(list); break;
+        case '0': case '1': case '2': case '9':
+            list->GetDataInPosition(list, operation - '0');
+            break;
+        default: ADD_FAILURE() << operation;
+        }
+    }
+
+    List *list = List_Create();
+    char items[10][2] = {"A", "B", "C", "D", "E", "F", "G", "H", "I", "J"};
+};
+
+TEST_F(ListTest, CursorFollowsItsRules) {
+    const struct {
+        const char *operations; // lower-case ones take the next item
+        const char *expected;
+        int32_t done;
+    } rows[] = {
+        {"F", " -0", 1},        {"L", " --1", 1},        {"t", "A A1", 1},
+        {"tF", "A A0", 0},      {"th", "BA B2", 1},      {"ttFN", "AB B1", 0},
+        {"ttFNN", "AB -2", 1},  {"ttFNNN", "AB -2", 1},  {"ttFP", "AB --1", 1},
+        {"ttFPP", "AB --1", 1}, {"ttLP", "AB A0", 0},    {"ttFa", "ACB C1", 0},
+        {"ttFb", "CAB C1", 0},  {"a", " -0", 1},         {"b", " -0", 1},
+        {"tR", " -0", 1},       {"ttFR", "B --1", 1},    {"ttFRa", "B --1", 1},
+        {"ttFRN", "B -0", 0},   {"tttF1u", "ADC D1", 0}, {"ttA", " -0", 1},
+        {"ttt2", "ABC C2", 0},  {"ttt0", "ABC A0", 0},   {"tt9", "AB -2", 1},
+        {"0", " -0", 1},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.operations);
+        list->RemoveAll(list);
+        List_Intitialize(list);
+        int next = 0;
+        for (const char *at = row.operations; *at; ++at)
+            operate(*at, std::islower(*at) ? items[next++] : nullptr);
+        EXPECT_EQ(state(), row.expected);
+        EXPECT_EQ(list->IsDone(list), row.done);
+    }
+}
+
+TEST_F(ListTest, FailedInsertLeavesNoCurrentNode) {
+    operate('t', items[0]);
+    for (const char operation : {'h', 't', 'a', 'b'}) {
+        operate('F', nullptr);
+        operate(operation, nullptr);
+        EXPECT_EQ(state(), "A -0");
+        operate('F', nullptr);
+        fake::failCall(Call::malloc, 1, Persistence::once);
+        operate(operation, items[1]);
+        EXPECT_EQ(state(), "A -0");
+    }
+    operate('F', nullptr);
+    operate('u', nullptr);
+    EXPECT_EQ(state(), "A A0") << "a null item replaces nothing";
+    fake::failCall(Call::malloc, 1, Persistence::once);
+    EXPECT_EQ(List_Create(), nullptr);
+    List_Destroy(nullptr);
+}
+
+TEST_F(ListTest, OperationsCallOneAnotherThroughTheTable) {
+    operate('t', items[0]);
+    list->Current = [](List *) -> void * { return const_cast<char *>("mine"); };
+    EXPECT_STREQ(static_cast<char *>(list->First(list)), "mine");
+    EXPECT_STREQ(static_cast<char *>(GetDataInPosition(list, 0)), "mine");
+}
+
+class StorageTest : public support::Terminal {
+protected:
+    ~StorageTest() override {
+        Storage_Free(storage);
+        Storage_Free(other);
+    }
+
+    std::string exported(Storage from) {
+        void *block = nullptr;
+        uint32_t size = 0;
+        EXPECT_EQ(Storage_Export(from, &block, &size), 1);
+        const std::string bytes(static_cast<char *>(block), size);
+        Storage_MemFree(block);
+        return bytes;
+    }
+
+    // One value of each type under the keys 0 to 12.
+    static void fill(Storage into) {
+        const TerminalDate date{2026, 11, 22, {7, 8}};
+        const TerminalTime time{1, 2, 3};
+        Storage_PutChar(into, 0, 'c');
+        Storage_PutByte(into, 1, 0xFE);
+        Storage_PutShort(into, 2, -2);
+        Storage_PutWord(into, 3, 0xFFFE);
+        Storage_PutLong(into, 4, -4);
+        Storage_PutDWord(into, 5, 0xFFFFFFFEu);
+        Storage_PutInt64(into, 6, -6);
+        Storage_PutUInt64(into, 7, 0xFFFFFFFFFFFFFFFEu);
+        Storage_PutBool(into, 8, 1);
+        Storage_PutDouble(into, 9, 1.5);
+        Storage_PutString(into, 10, "text", 5);
+        Storage_PutDate(into, 11, &date);
+        Storage_PutTime(into, 12, &time);
+    }
+
+    Storage storage = Storage_Create();
+    Storage other = Storage_Create();
+};
+
+TEST_F(StorageTest, KeysFallIntoTheirBuckets) {
+    for (const auto &[key, bucket] :
+         {std::pair(0u, 0u), {1u, 91u}, {2u, 74u}, {3u, 15u}, {255u, 48u}})
+        EXPECT_EQ(CalcHash(key), bucket);
+}
+
+TEST_F(StorageTest, EveryTypeRoundTripsAndMatchesExactly) {
+    fill(storage);
+    char c; uint8_t byte, flag; int16_t s; uint16_t w; int32_t l; uint32_t d, length;
+    int64_t i; uint64_t u; double real; char *text; TerminalDate date; TerminalTime time;
+    EXPECT_TRUE(Storage_GetChar(storage, 0, &c) && c == 'c');
+    EXPECT_TRUE(Storage_GetByte(storage, 1, &byte) && byte == 0xFE);
+    EXPECT_TRUE(Storage_GetShort(storage, 2, &s) && s == -2);
+    EXPECT_TRUE(Storage_GetWord(storage, 3, &w) && w == 0xFFFE);
+    EXPECT_TRUE(Storage_GetLong(storage, 4, &l) && l == -4);
+    EXPECT_TRUE(Storage_GetDWord(storage, 5, &d) && d == 0xFFFFFFFEu);
+    EXPECT_TRUE(Storage_GetInt64(storage, 6, &i) && i == -6);
+    EXPECT_TRUE(Storage_GetUInt64(storage, 7, &u) && u == 0xFFFFFFFFFFFFFFFEu);
+    EXPECT_TRUE(Storage_GetBool(storage, 8, &flag) && flag == 1);
+    EXPECT_TRUE(Storage_GetDouble(storage, 9, &real) && real == 1.5);
+    EXPECT_TRUE(Storage_GetString(storage, 10, &text, &length) && length == 5 && text == "text"s);
+    EXPECT_TRUE(Storage_GetDate(storage, 11, &date) && date.day == 22 && date.reserved[1] == 8);
+    EXPECT_TRUE(Storage_GetTime(storage, 12, &time) && time.second == 3);
+    for (uint32_t key = 0; key < 13; ++key) {
+        EXPECT_EQ(Storage_GetType(storage, key), static_cast<int32_t>(key));
+        EXPECT_EQ(Storage_CopyField(storage, other, key, key + 100), 1);
+        EXPECT_EQ(Storage_CompareCell(storage, key, other, key + 100), 0);
+        for (int32_t type = 0; type < 13; ++type) {
+            StorageBytes value;
+            EXPECT_EQ(Storage_Get(storage, key, type, &value, 1), type == static_cast<int32_t>(key));
+        }
+    }
+    EXPECT_EQ(Storage_PutLong(storage, 0, 7), 1) << "another type under the same key";
+    EXPECT_EQ(Storage_GetType(storage, 0), STORAGE_LONG);
+    EXPECT_EQ((*storage)->count, 13u);
+}
+
+TEST_F(StorageTest, ExportBlockByteForByte) {
+    Storage_PutWord(storage, 2, 0x1234);
+    Storage_PutString(storage, 0, "ab", 2);
+    Storage_PutByte(storage, 97, 7);
+    const uint32_t same = [] { // another key of bucket 0
+        uint32_t key = 1;
+        while (CalcHash(key) != 0)
+            ++key;
+        return key;
+    }();
+    Storage_PutByte(storage, same, 9);
+    const std::string bucket0 = number(same, 4) + hex("01000000 01000000 09") +
+                                hex("00000000 0A000000 02000000") + "ab";
+    const std::string block = exported(storage);
+    EXPECT_EQ(toHex(block.substr(0, bucket0.size())), toHex(bucket0)) << "the newest first";
+    EXPECT_NE(block.find(hex("02000000 03000000 02000000 3412")), std::string::npos);
+    EXPECT_EQ(block.size(), (*storage)->totalSize);
+    EXPECT_EQ(Storage_AppendString(storage, 0, "cd", 3), 1);
+    EXPECT_EQ(exported(storage).size(), block.size() + 3);
+    EXPECT_EQ(Storage_Remove(storage, same), 1);
+    EXPECT_EQ(Storage_Remove(storage, same), 0);
+    EXPECT_EQ(exported(storage).size(), block.size() + 3 - 13);
+    EXPECT_EQ(exported(other), "");
+}
+
+TEST_F(StorageTest, ImportTakesBackAndRefusesCutBlocks) {
+    fill(storage);
+    const std::string good = exported(storage);
+    forEachTruncation(good, [&](const ExactBlock &block) {
+        const int32_t result = Storage_Import(other, block.data(), block.size());
+        const std::size_t kept = exported(other).size();
+        EXPECT_EQ(result == 1, kept == block.size());
+        EXPECT_LT(block.size() - kept, 12u + 8u) << "every whole value before the cut stays";
+        for (uint32_t key = 0; key < 13; ++key)
+            EXPECT_EQ(Storage_CompareCell(other, key, storage, key), 0);
+    });
+    EXPECT_EQ(Storage_Compare(storage, other), 0);
+    const struct {
+        const char *name, *block;
+        int32_t expected;
+    } rows[] = {
+        {"length past the end", "01000000 0A000000 FFFFFFFF 41", 0},
+        {"length whose sum wraps", "01000000 0A000000 F4FFFFFF 41", 0},
+        {"empty value", "01000000 0A000000 00000000", 0},
+        {"unknown type", "01000000 63000000 01000000 41", 1},
+        {"a Long of one byte", "01000000 04000000 01000000 41", 1},
+        {"nothing", "", 1},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.name);
+        const ExactBlock block(hex(row.block));
+        EXPECT_EQ(Storage_Import(other, block.data(), block.size()), row.expected);
+        int32_t value = 77;
+        EXPECT_EQ(Storage_GetLong(other, 1, &value), 0);
+        EXPECT_EQ(Storage_CopyField(other, storage, 1, 1), 0);
+    }
+}
+
+TEST_F(StorageTest, StringsCopyAppendAndAlias) {
+    char *text;
+    uint32_t length;
+    char buffer[8] = "zzzzzzz";
+    EXPECT_EQ(Storage_AppendString(storage, 1, "ab", 2), 1) << "nothing there: a put";
+    ASSERT_EQ(Storage_GetString(storage, 1, &text, &length), 1);
+    EXPECT_EQ(Storage_AppendString(storage, 1, text, length), 1) << "appended to itself";
+    ASSERT_EQ(Storage_GetString(storage, 1, &text, nullptr), 1);
+    EXPECT_EQ(Storage_PutString(storage, 1, text + 1, 3), 1) << "put under itself";
+    for (const auto &[size, expected] :
+         {std::pair(0u, "zzzzzzz"), {1u, ""}, {3u, "ba"}, {4u, "bab"}, {8u, "bab"}}) {
+        EXPECT_EQ(Storage_GetStringCopy(storage, 1, buffer, size), 1);
+        EXPECT_STREQ(buffer, expected);
+    }
+    EXPECT_EQ(Storage_Put(storage, 2, STORAGE_BYTE, "x", 0), 0);
+    EXPECT_EQ(Storage_GetType(storage, 2), -1);
+    EXPECT_EQ(Storage_AppendString(storage, 1, nullptr, 4), 0);
+    Storage_PutByte(storage, 3, 1);
+    EXPECT_EQ(Storage_AppendString(storage, 3, "s", 1), 1) << "another type is replaced";
+    EXPECT_EQ(Storage_GetType(storage, 3), STORAGE_STRING);
+}
+
+TEST_F(StorageTest, ComparesCopiesMergesSwaps) {
+    EXPECT_EQ(Storage_Compare(storage, other), 0);
+    Storage_PutByte(storage, 1, 5);
+    EXPECT_EQ(Storage_Compare(storage, other), 1);
+    EXPECT_EQ(Storage_Compare(other, storage), -1);
+    Storage_PutByte(other, 2, 5);
+    EXPECT_EQ(Storage_Compare(storage, other), 1) << "a key that the other lacks";
+    EXPECT_EQ(Storage_CompareCell(storage, 1, other, 1), -1);
+    EXPECT_EQ(Storage_CompareCell(other, 1, storage, 1), 0);
+    EXPECT_EQ(Storage_Compare(nullptr, nullptr), 0);
+    EXPECT_EQ(Storage_Compare(nullptr, other), 1);
+
+    Storage_PutByte(other, 1, 6);
+    EXPECT_EQ(Storage_Merge(storage, other, storage), 1);
+    uint8_t value;
+    EXPECT_TRUE(Storage_GetByte(storage, 1, &value) && value == 6) << "the second one wins";
+    EXPECT_EQ(Storage_Compare(storage, other), 0);
+    Storage_PutShort(other, 1, 6);
+    EXPECT_EQ(Storage_Compare(storage, other), -1) << "the smaller type code";
+    EXPECT_EQ(Storage_Swap(storage, other), 1);
+    EXPECT_EQ(Storage_GetType(storage, 1), STORAGE_SHORT);
+    EXPECT_EQ(Storage_Copy(storage, storage), 1);
+
+    Storage_Clear(storage);
+    uint32_t count = 9, *keys = &count;
+    EXPECT_EQ(Storage_GetKeys(storage, &keys, &count), 1);
+    EXPECT_TRUE(keys == nullptr && count == 0);
+    EXPECT_EQ(Storage_Free(nullptr), 0);
+    EXPECT_EQ(Storage_Put(nullptr, 1, 1, "x", 1), 0);
+    StorageTable *cell = nullptr;
+    EXPECT_EQ(Storage_PutByte(&cell, 1, 1), 0) << "a handle without a table";
+    EXPECT_EQ(Storage_Trace(storage), storage);
+}
+
+TEST_F(StorageTest, SurvivesEveryFault) {
+    const int before = fake::liveBlocks();
+    const auto run = [&] {
+        const Storage full = Storage_Create(), copy = Storage_Create();
+        fill(full);
+        Storage_AppendString(full, 10, "more", 4);
+        void *block = nullptr;
+        uint32_t size = 0;
+        if (Storage_Export(full, &block, &size) && block) {
+            const bool whole = Storage_Import(copy, block, size) == 1;
+            EXPECT_EQ(whole, copy && (*copy)->totalSize == size);
+        }
+        Storage_Merge(full, copy, copy);
+        Storage_Compare(full, copy);
+        Storage_MemFree(block);
+        Storage_Free(full);
+        Storage_Free(copy);
+    };
+    const int faults = fake::forEachFault(fake::heapCalls, run, [&](int, int nth) {
+        EXPECT_EQ(fake::liveBlocks(), before) << "allocation " << nth;
+    });
+    EXPECT_GT(faults, 100);
+}
+
+} // namespace

@@ -1,0 +1,226 @@
+// The TLV parser: headers, walking, typed values, sources, and what a failure leaves behind.
+#include "support.h"
+
+using namespace support;
+using fake::Call;
+using fake::Persistence;
+
+namespace {
+
+using Parser = support::Terminal;
+
+// A node of a stream with 1-byte tags and 2-byte lengths.
+std::string child(uint32_t tag, std::string_view value) {
+    return node(tag, value, 1, 2);
+}
+
+// Opens `bytes` as a memory stream of 1-byte tags and 2-byte lengths.
+ParserNode openRoot(const ExactBlock &block) {
+    EXPECT_EQ(Parser_Initialize(1, 2), 0);
+    ParserNode root{};
+    EXPECT_EQ(Parser_GetRootNodeInBlock(block.data(), block.size(), &root), 0);
+    return root;
+}
+
+TEST_F(Parser, HeaderSizes) {
+    static constexpr uint8_t sizes[] = {1, 2, 4};
+    for (const uint8_t tag : sizes) {
+        for (const uint8_t length : sizes) {
+            ASSERT_EQ(Parser_Initialize(tag, length), 0);
+            const ExactBlock block(number(0xF1, tag) + number(0x2A, length));
+            TlvHeader header{};
+            Parser_DataRead = Memory_Read;
+            bytesReadInMemory = bytesRead = 0;
+            EXPECT_EQ(TLV_ReadHeader(reinterpret_cast<uintptr_t>(block.data()), &header), 0);
+            EXPECT_EQ(header.tag, 0xF1u);
+            EXPECT_EQ(header.length, 0x2Au);
+            EXPECT_EQ(bytesRead, 0u + tag + length);
+        }
+    }
+    ASSERT_EQ(Parser_Initialize(2, 4), 0);
+    for (const auto &[tag, length] : {std::pair(3, 2), {0, 1}, {1, 0}, {8, 1}, {1, 3}})
+        EXPECT_EQ(Parser_Initialize(static_cast<uint8_t>(tag), static_cast<uint8_t>(length)), -3005);
+    EXPECT_EQ(tagIdSize, 2);
+    EXPECT_EQ(lengthSize, 4);
+}
+
+TEST_F(Parser, TypedValues) {
+    // Each row: a child of tag 5, what to read it as, the value and the error.
+    const struct {
+        const char *value;
+        char getter;
+        double expected;
+        int32_t error;
+        uint32_t consumed; // bytes behind the child's header, as `bytesRead` counts them
+    } rows[] = {
+        {"03 FE", 'b', 254, 0, 2},
+        {"04 34 12", 'w', 0x1234, 0, 3},
+        {"05 78 56 34 92", 'd', 0x92345678u, 0, 5},
+        {"06 00 00 00 00 00 00 F8 3F", 'f', 1.5, 0, 9},
+        {"", 'b', 0, 0, 0},
+        {"", 'f', 0, 0, 0},
+        {"03 FE 00", 'b', 0, -3002, 0},
+        {"04 FE", 'b', 0, -3002, 0},
+        {"03 34 12", 'w', 0, -3002, 0},
+        {"03 FE", 'w', 0, -3002, 0},
+        {"01 00 00 00 00", 'd', 0, -3002, 0},
+        {"05 00 00 00 00 00 00 F8 3F", 'f', 0, -3002, 0},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(std::string(1, row.getter) + " " + row.value);
+        const ExactBlock block(child(0x80, child(5, hex(row.value)) + "padding"));
+        const ParserNode root = openRoot(block);
+        ParserNode value{};
+        ASSERT_EQ(Parser_GetNextSubNode(&root, &value), 0);
+        ASSERT_EQ(value.tag, 5);
+        int32_t error = 99;
+        const double read = row.getter == 'b'   ? Parser_GetParameterByte(&value, &error)
+                            : row.getter == 'w' ? Parser_GetParameterWord(&value, &error)
+                            : row.getter == 'd' ? Parser_GetParameterDword(&value, &error)
+                                                : Parser_GetParameterDouble(&value, &error);
+        EXPECT_EQ(read, row.expected);
+        EXPECT_EQ(error, row.error);
+        EXPECT_EQ(bytesRead, value.valueOffset + row.consumed);
+    }
+}
+
+TEST_F(Parser, BufferValues) {
+    const struct {
+        const char *value;
+        uint32_t size;
+        int32_t expected;
+    } rows[] = {
+        {"01 41 42 43", 3, 3},    {"02 41 42 43", 9, 3}, {"01 41 42 43", 2, -3001},
+        {"01", 0, 0},             {"", 0, 0},            {"03 41", 5, -3002},
+        {"01 41", UINT32_MAX, 1},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(row.value);
+        const ExactBlock block(child(0x80, child(5, hex(row.value)) + "padding"));
+        const ParserNode root = openRoot(block);
+        ParserNode value{};
+        ASSERT_EQ(Parser_GetNextSubNode(&root, &value), 0);
+        char buffer[8] = "zzzzzzz";
+        EXPECT_EQ(Parser_GetParameterBuffer(&value, buffer, row.size), row.expected);
+        const auto copied = static_cast<std::size_t>(std::max(row.expected, 0));
+        EXPECT_EQ(std::string(buffer), std::string("ABC", copied) + std::string(7 - copied, 'z'));
+        if (row.expected == -3001) {
+            EXPECT_EQ(bytesReadInMemory, value.valueOffset) << "nothing was read";
+        }
+    }
+}
+
+TEST_F(Parser, NullAndCompoundNodesAreRefused) {
+    const ExactBlock block(child(0x80, child(0x81, child(5, hex("03 01"))) + "pad"));
+    ParserNode root = openRoot(block), inner{};
+    int32_t error = 0;
+    ASSERT_EQ(Parser_GetNextSubNode(&root, &inner), 0);
+    char buffer[4];
+    EXPECT_EQ(Parser_GetParameterBuffer(&inner, buffer, 4), -3001);
+    EXPECT_EQ(Parser_GetParameterBuffer(nullptr, buffer, 4), -3001);
+    EXPECT_EQ(Parser_GetParameterByte(&inner, &error), 0);
+    EXPECT_EQ(error, -3001);
+    EXPECT_EQ(Parser_GetParameterDword(nullptr, &error), 0u);
+    EXPECT_EQ(error, -3001);
+    Parser_GetParameterInsignificant(nullptr, &error);
+    EXPECT_EQ(error, -3001);
+    EXPECT_EQ(Parser_GetNextSubNode(nullptr, &inner), -3000);
+    EXPECT_EQ(Parser_GetNextCompoundNode(&root, nullptr), -3000);
+    EXPECT_EQ(Parser_ParseNode(nullptr, ParseHeader), -3003);
+    EXPECT_EQ(Parser_ParseNodeEx(&root, nullptr, 1), -3003);
+    EXPECT_EQ(bytesRead, inner.valueOffset) << "nothing was read";
+    const ParserNode primitive{5, root.source, 0, 3}, empty{0x80, root.source, 0, 0};
+    EXPECT_EQ(Parser_GetNextCompoundNode(&primitive, &inner), -3000);
+    EXPECT_EQ(Parser_GetNextCompoundNode(&empty, &inner), -3000);
+    EXPECT_EQ(Memory_Read(0, buffer, 4), 0u);
+}
+
+TEST_F(Parser, WalkVisitsSkipsAndEnds) {
+    const std::string stream = child(0x80, child(1, hex("03 07")) + child(0x99, "skipped") +
+                                               child(2, hex("02 68 69")) + child(3, ""));
+    const auto walk = [](ParserNode *parent, uintptr_t word) {
+        auto &seen = *reinterpret_cast<std::string *>(word);
+        ParserNode next;
+        while (Parser_GetNextSubNode(parent, &next) == 0) {
+            int32_t error = 0;
+            char text[8] = {};
+            if (next.tag == 1)
+                seen += std::to_string(Parser_GetParameterByte(&next, &error));
+            else if (next.tag == 2)
+                seen += Parser_GetParameterBuffer(&next, text, 7) > 0 ? text : "?";
+            else
+                Parser_GetParameterInsignificant(&next, &error);
+            if (error)
+                return error;
+            seen += ' ';
+        }
+        return 0;
+    };
+    const auto text = [&](ParserNode root) {
+        std::string seen;
+        EXPECT_EQ(Parser_ParseNodeEx(&root, walk, reinterpret_cast<uintptr_t>(&seen)), 0);
+        return seen;
+    };
+    const ExactBlock block(stream);
+    EXPECT_EQ(text(openRoot(block)), "7  hi ") << "an empty last child is not returned";
+
+    ParserNode root{};
+    ASSERT_EQ(Parser_GetRootNodeInMemory(block.data(), &root), 0);
+    EXPECT_EQ(text(root), "7  hi ");
+
+    terminal.files["f"] = stream + "behind the root";
+    const int32_t handle = File_Open("f", FILE_MODE_READ);
+    ASSERT_EQ(Parser_GetRootNode(handle, &root), 0);
+    EXPECT_EQ(text(root), "7  hi ");
+
+    fake::failCall(Call::seek, 2, Persistence::once); // the skip, after the seek to the start
+    ASSERT_EQ(Parser_GetRootNode(handle, &root), 0);
+    std::string seen;
+    EXPECT_EQ(Parser_ParseNodeEx(&root, walk, reinterpret_cast<uintptr_t>(&seen)), -3001);
+    File_Close(handle);
+}
+
+TEST_F(Parser, StreamsThatEndEarly) {
+    // A compound root that claims 200 bytes and a child that claims 100.
+    const std::string stream = hex("80 C8 00 05 64 00 01") + "abc";
+    forEachTruncation(stream, [](const ExactBlock &block) {
+        Parser_Initialize(1, 2);
+        ParserNode root{}, value{};
+        const int32_t opened = Parser_GetRootNodeInBlock(block.data(), block.size(), &root);
+        ASSERT_EQ(opened, block.size() < 3 ? -3004 : 0);
+        if (opened)
+            return;
+        ASSERT_EQ(Parser_GetNextSubNode(&root, &value), block.size() < 6 ? -3004 : 0);
+        if (block.size() < 6)
+            return;
+        char buffer[128];
+        const uint32_t before = bytesRead;
+        EXPECT_EQ(Parser_GetParameterBuffer(&value, buffer, sizeof buffer),
+                  block.size() < 7 ? -3002 : -3001);
+        EXPECT_EQ(bytesRead, before);
+        int32_t error = 0;
+        Parser_GetParameterInsignificant(&value, &error);
+        EXPECT_EQ(error, -3001) << "a skip past the end of the block";
+    });
+
+    // Lengths whose sum wraps around 32 bits lead neither backwards nor out of the block.
+    const ExactBlock block(hex("0180 FFFFFFFF 0100 F8FFFFFF") + "tail");
+    Parser_Initialize(2, 4);
+    ParserNode root{}, value{};
+    ASSERT_EQ(Parser_GetRootNodeInBlock(block.data(), block.size(), &root), 0);
+    ASSERT_EQ(Parser_GetNextSubNode(&root, &value), 0);
+    int32_t error = 0;
+    Parser_DataRead = Memory_Read;
+    Parser_SetPosition = Memory_SetPosition;
+    Parser_GetParameterInsignificant(&value, &error);
+    EXPECT_EQ(error, -3001);
+
+    Parser_Initialize(4, 4); // no node of such a stream is compound
+    EXPECT_EQ(Parser_GetRootNodeInBlock(block.data(), block.size(), &root), -3000);
+    tagIdSize = 200; // an application wrote where it must not
+    EXPECT_EQ(TLV_ReadHeader(value.source, nullptr), -3004);
+    TlvHeader header;
+    EXPECT_EQ(TLV_ReadHeader(value.source, &header), -3004);
+}
+
+} // namespace

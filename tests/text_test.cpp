@@ -1,0 +1,156 @@
+// Trace records as lines of text: wording from the resources, every argument type, the printer.
+#include "support.h"
+
+using namespace support;
+using fake::Call;
+using fake::Persistence;
+
+namespace {
+
+constexpr const char *header = "\r\n26-11-16 11:49:35 [m] ";
+
+class Text : public support::Terminal {
+protected:
+    // Makes `format` the wording of message 1 of the module m.
+    void word(const std::string &format) {
+        Resource_Close("m");
+        terminal.files["m.res"] = resourceFile(1, {{0, {{"en", 0, {"", format}}}}});
+        terminal.environment["default_lang"] = "en";
+    }
+
+    static int32_t open(uint32_t output, int32_t maxSize = 65536) {
+        TraceExSettings wanted{};
+        wanted.output = output;
+        wanted.mode = 3;
+        wanted.text = 1;
+        wanted.maxSize = maxSize;
+        if (output == TRACE_OUTPUT_FILE || output == TRACE_OUTPUT_BUFFERED)
+            std::strcpy(wanted.device.baseName, "t");
+        return TraceExOpen(&wanted);
+    }
+
+    // The message that a record of the module m with these arguments gives on a file.
+    template <class... Arguments>
+    std::string message(const std::string &format, Arguments... arguments) {
+        word(format);
+        EXPECT_EQ(open(TRACE_OUTPUT_FILE), 0);
+        EXPECT_EQ(TraceExError("m", 1, arguments..., 0), 0);
+        TraceExClose();
+        std::string line = terminal.files["t.log"];
+        terminal.files.erase("t.log");
+        EXPECT_EQ(line.substr(0, std::strlen(header)), header);
+        return line.substr(std::strlen(header));
+    }
+};
+
+TEST_F(Text, EveryArgumentType) {
+    const TerminalDate date{2026, 1, 2, {}}, old{-1, 1, 2, {}};
+    const TerminalTime time{3, 4, 5};
+    const void *nowhere = nullptr;
+    EXPECT_EQ(message("Value {0}", Char, 'A'), "Value 'A'");
+    EXPECT_EQ(message("{0}", Byte, 0x1FF), "255");
+    EXPECT_EQ(message("{0} {1}", Bool, 2, Bool, 0x100), "true false");
+    EXPECT_EQ(message("{0}", Short, 0xFFFE), "-2");
+    EXPECT_EQ(message("{0}", Word, 65535), "-1");
+    EXPECT_EQ(message("{0}", Long, -70000), "-70000");
+    EXPECT_EQ(message("{0}", DWord, 4294967295u), "-1");
+    EXPECT_EQ(message("{0}", Int64, UTI_TRACE_HALVES(INT64_MIN)), "-9223372036854775808");
+    EXPECT_EQ(message("{0}", UInt64, ~0u, ~0u), "18446744073709551615");
+    EXPECT_EQ(message("{0}", Double, 0xBFF80000u, 0u), "-1.500000");
+    EXPECT_EQ(message("{0}", Double, 0x7FEFFFFFu, ~0u).size(), 316u) << "the longest double";
+    EXPECT_EQ(message("{0} {1}", Date, &date, Time, &time), "26-01-02 03:04:05");
+    EXPECT_EQ(message("{0}", Date, &old), "-1-01-02");
+    EXPECT_EQ(message("{0}|{1}", String, "text", String, nowhere), "text|");
+    EXPECT_EQ(message("{0}|{1}", ByteArray, "\x01\xAB", 2, ByteArray, nowhere), "01 AB |");
+}
+
+TEST_F(Text, PlaceholdersAreReadAsWritten) {
+    const struct {
+        const char *format, *expected;
+    } rows[] = {
+        {"{1} {0}", "2 1"},   {"a{5}b", "ab"},   {"a{b", "a"},     {"a{-1}b", "ab"},
+        {"{}", "1"},          {"{ 1x}", "2"},    {"{+1}", "2"},    {"a}b", "a}b"},
+        {"{{1}}", "1}"},      {"", ""},          {"{0}{1}", "12"}, {"{99999999999999999999}", ""},
+    };
+    for (const auto &row : rows)
+        EXPECT_EQ(message(row.format, Long, 1, Long, 2), row.expected) << row.format;
+}
+
+TEST_F(Text, AssertionIsBuiltIn) {
+    ASSERT_EQ(open(TRACE_OUTPUT_SERIAL), 0);
+    EXPECT_EQ(TraceExAssert("P", 52), 0);
+    EXPECT_EQ(terminal.serial, "\r\n26-11-16 11:49:35 [ASSERT] ASSERT File: P  Line: 52");
+    EXPECT_EQ(terminal.calls, "") << "the resources were not asked";
+}
+
+TEST_F(Text, MissingWordingGivesTheFailureAndTheHeader) {
+    for (const uint32_t output : {TRACE_OUTPUT_SERIAL, TRACE_OUTPUT_PRINTER}) {
+        fake::reset();
+        ASSERT_EQ(open(output), 0);
+        ASSERT_EQ(Resource_Initialize("x"), -3052); // the state's own first reports go ahead
+        terminal.serial.clear();
+        terminal.printed.clear();
+        EXPECT_EQ(TraceExError("m", 1, Long, 5, 0), 0);
+        const std::string line = terminal.serial + terminal.printedText();
+        const std::size_t last = line.rfind("\r\n");
+        EXPECT_EQ(line.substr(last), header) << "the header alone comes last";
+        EXPECT_NE(line.find("[ASSERT] ASSERT File: Src/utiResource  Line: "), std::string::npos);
+        EXPECT_LT(line.find("ASSERT"), last);
+        TraceExClose();
+        forgetResources();
+    }
+}
+
+TEST_F(Text, PrinterGetsPieces) {
+    word("{0} and {1}{2}.");
+    ASSERT_EQ(open(TRACE_OUTPUT_PRINTER), 0);
+    const std::string bytes(34, '\xAB');
+    ASSERT_EQ(TraceExError("m", 1, String, "x", ByteArray, bytes.data(), 34, Long, 5, 0), 0);
+    const auto repeated = [](int count) {
+        std::string text;
+        for (int i = 0; i < count; ++i)
+            text += "0xAB ";
+        return text;
+    };
+    const std::vector<std::string> expected = {header, "", "x", " and ", repeated(17), repeated(16),
+                                               repeated(1), "", "5", "."};
+    EXPECT_EQ(terminal.printed, expected);
+
+    for (int nth = 1; nth <= 10; ++nth) {
+        terminal.printed.clear();
+        fake::failCall(Call::print, nth, Persistence::once);
+        EXPECT_EQ(TraceExError("m", 1, String, "x", ByteArray, bytes.data(), 34, Long, 5, 0), -3102);
+        EXPECT_EQ(terminal.printed.size(), static_cast<std::size_t>(nth - 1));
+    }
+    const std::string wide(2500, 'w');
+    word(wide);
+    terminal.printed.clear();
+    ASSERT_EQ(TraceExError("m", 1, 0), 0);
+    EXPECT_EQ(terminal.printedText(), header + wide) << "longer than one piece";
+}
+
+TEST_F(Text, LinesRotateByTheirBinarySize) {
+    word("a line of text with {0}");
+    ASSERT_EQ(open(TRACE_OUTPUT_FILE, 800), 0); // 100 bytes a file
+    for (int i = 0; i < 3; ++i)
+        ASSERT_EQ(TraceExError("m", 1, Long, 5, 0), 0);
+    const std::string line = header + "a line of text with 5"s;
+    EXPECT_EQ(terminal.files["t.log"], line + line) << "47 and 25 bytes fit into 100";
+    EXPECT_EQ(terminal.files["t1.log"], line);
+}
+
+TEST_F(Text, ReportInsideARecordLeavesItsArguments) {
+    // The wording is found only after a failed load has been reported inside the record.
+    word("{0} {1} {2} {3} {4} {5} {6}");
+    terminal.environment["EXTRES"] = "1";
+    ASSERT_EQ(Resource_Initialize("m"), 0);
+    ASSERT_EQ(open(TRACE_OUTPUT_FILE), 0);
+    ASSERT_EQ(TraceExError("m", 1, Long, 1, Long, 2, Long, 3, Long, 4, Long, 5, Long, 6, String,
+                           "seven", 0),
+              0);
+    const std::string &log = terminal.files["t.log"];
+    EXPECT_NE(log.find("[ASSERT]"), std::string::npos);
+    EXPECT_NE(log.find(header + "1 2 3 4 5 6 seven"s), std::string::npos) << log;
+}
+
+} // namespace
