@@ -24,7 +24,7 @@ constexpr uint8_t longForm = 0x80;
 
 enum class Status {
     done,
-    noData = 2,
+    noData = 2,  // 1, a null argument, is answered at the door
     tooLong,     // a tag longer than allowed, or a length field of more than 4 bytes
     fourByteTag, // not supported
     truncated,   // the data ends inside a tag, a length field or a value

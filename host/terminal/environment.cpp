@@ -1,0 +1,31 @@
+// environment.cpp: the process environment and the name of the program. Stands on the C library.
+#include "copyText.h"
+#include "terminal.h"
+
+#include <cstdint>
+#include <cstdlib>
+#include <sys/auxv.h>
+
+using namespace uti::host;
+
+namespace {
+
+int32_t give(std::string_view text, char *buffer, int32_t size) {
+    return size > 0 ? static_cast<int32_t>(copyText(text, buffer, static_cast<uint32_t>(size))) : 0;
+}
+
+} // namespace
+
+// A missing variable reads like an empty one: the buffer is then an empty text, the result 0. The
+// flags have no meaning here.
+int32_t System_GetEnv(const char *name, char *buffer, int32_t size, int32_t) {
+    const char *value = name ? std::getenv(name) : nullptr;
+    return give(value ? value : "", buffer, size);
+}
+
+// The base name of the file that was started, whatever its argument 0 says.
+int32_t GetApplicationName(char *buffer, int32_t size) {
+    const auto *started = reinterpret_cast<const char *>(getauxval(AT_EXECFN));
+    const std::string_view path = started ? started : "";
+    return give(path.substr(path.rfind('/') + 1), buffer, size);
+}
