@@ -13,7 +13,8 @@ struct Assertions {
     void report(int line = __builtin_LINE()) const { TraceExAssert(sourcePath, line); }
 
     // Reports and gives back the failure value: `return asserts.fail(UTI_PARSER_BAD_VALUE);`
-    template <class Result> Result fail(Result result, int line = __builtin_LINE()) const {
+    template <class Result>
+    Result fail(Result result, int line = __builtin_LINE()) const {
         TraceExAssert(sourcePath, line);
         return result;
     }

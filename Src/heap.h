@@ -11,10 +11,12 @@ struct HeapDeleter {
     void operator()(void *block) const { std::free(block); }
 };
 
-template <class T> using HeapPointer = std::unique_ptr<T, HeapDeleter>;
+template <class T>
+using HeapPointer = std::unique_ptr<T, HeapDeleter>;
 
 // A zeroed record of a plain type, or null when memory is short.
-template <class T> HeapPointer<T> allocateZeroed() {
+template <class T>
+HeapPointer<T> allocateZeroed() {
     void *block = std::malloc(sizeof(T));
     return HeapPointer<T>(block ? static_cast<T *>(std::memset(block, 0, sizeof(T))) : nullptr);
 }

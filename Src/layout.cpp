@@ -7,7 +7,7 @@
 
 #if UINTPTR_MAX == UINT32_MAX
 
-#define SIZE(record, size)           static_assert(sizeof(record) == (size))
+#define SIZE(record, size) static_assert(sizeof(record) == (size))
 #define FIELD(record, field, offset) static_assert(offsetof(record, field) == (offset))
 
 SIZE(TerminalDate, 6);
@@ -77,5 +77,8 @@ FIELD(ResourceModule, smallStrings, 144);
 FIELD(ResourceModule, largeStrings, 864);
 SIZE(ResourceStoredStrings, 20);
 FIELD(ResourceStoredStrings, strings, 16);
+
+SIZE(SectionKeyInfo, 512);
+FIELD(SectionKeyInfo, section, 256);
 
 #endif

@@ -11,7 +11,7 @@ namespace uti {
 
 // An environment value of up to 128 characters.
 class EnvironmentValue {
-  public:
+public:
     explicit EnvironmentValue(const char *name) {
         const int32_t copied = System_GetEnv(name, text_, limit, 0);
         length_ = copied > 0 ? static_cast<std::size_t>(copied) : 0;
@@ -22,7 +22,7 @@ class EnvironmentValue {
     // Empty when the variable is missing.
     std::string_view text() const { return {text_, length_}; }
 
-  private:
+private:
     static constexpr int32_t limit = 128;
     char text_[limit + 1] = {};
     std::size_t length_;

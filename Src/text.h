@@ -9,12 +9,14 @@
 namespace uti {
 
 // The text in a fixed field that may be full and then has no terminator.
-template <std::size_t size> std::string_view fieldText(const char (&field)[size]) {
+template <std::size_t size>
+std::string_view fieldText(const char (&field)[size]) {
     return {field, strnlen(field, size)};
 }
 
 // Copies as much of `text` as fits with its terminator, zeroing the rest of the field.
-template <std::size_t size> void setField(char (&field)[size], std::string_view text) {
+template <std::size_t size>
+void setField(char (&field)[size], std::string_view text) {
     const std::size_t count = text.size() < size ? text.size() : size - 1;
     std::memcpy(field, text.data(), count);
     std::memset(field + count, 0, size - count);

@@ -114,7 +114,7 @@ int32_t copyResult(Text result, char *out, int32_t outSize) {
 
 // A line that is cut up from its start. Every cut answers false when the mark is missing.
 class Line {
-  public:
+public:
     explicit Line(Text bytes) : rest_(bytes) {}
 
     bool skipPast(std::string_view mark) {
@@ -125,7 +125,7 @@ class Line {
     // The bytes before the last cut's mark.
     Text skipped() const { return skipped_; }
 
-  private:
+private:
     bool cut(const void *mark, std::size_t size) {
         if (!mark)
             return false;

@@ -6,6 +6,7 @@
 #include "heap.h"
 #include "platform.h"
 #include "text.h"
+#include "utiTLVParser.h"
 
 #include <cstdio>
 
@@ -66,24 +67,6 @@ void unloadModule(ResourceModule *module) {
         }
     }
     std::free(module);
-}
-
-// Walks the children of a node: `take` consumes a child and returns 0 or an error, which ends the
-// walk.
-template <class Take> int32_t walkChildren(ParserNode *node, Take take) {
-    ParserNode child;
-    while (Parser_GetNextSubNode(node, &child) == UTI_OK) {
-        const int32_t result = take(child);
-        if (result != UTI_OK)
-            return result;
-    }
-    return UTI_OK;
-}
-
-int32_t skip(const ParserNode &node) {
-    int32_t error;
-    Parser_GetParameterInsignificant(&node, &error);
-    return error;
 }
 
 // Appends a language to its section of the current module.
@@ -306,7 +289,8 @@ void Resource_Close(const char *module) {
 
 int32_t ParseResources(ParserNode *node) {
     return walkChildren(node, [](ParserNode &child) {
-        return child.tag == resource::header ? Parser_ParseNode(&child, ParseHeader) : skip(child);
+        return child.tag == resource::header ? Parser_ParseNode(&child, ParseHeader)
+                                             : skipChild(child);
     });
 }
 
@@ -322,14 +306,14 @@ int32_t ParseHeader(ParserNode *node) {
             SectionType = static_cast<uint8_t>(child.tag - resource::firstSection);
             return Parser_ParseNode(&child, ParseSection);
         }
-        return skip(child);
+        return skipChild(child);
     });
 }
 
 int32_t ParseSection(ParserNode *node) {
     return walkChildren(node, [](ParserNode &child) {
         return child.tag == resource::languageBlock ? Parser_ParseNode(&child, ParseLanguageBlock)
-                                                    : skip(child);
+                                                    : skipChild(child);
     });
 }
 
@@ -350,7 +334,7 @@ int32_t ParseLanguageBlock(ParserNode *node) {
             language.tableOffset = Parser_GetParameterDword(&child, &error);
             return error;
         default:
-            return skip(child);
+            return skipChild(child);
         }
     });
     return result == UTI_OK ? addLanguage(language) : result;

@@ -57,12 +57,12 @@ void readDefaultLanguage(char (&language)[3]);
 // The module's name with "_ext" appended, and whether such modules are to be asked at all. A name
 // that would be too long stays too long, so that nothing is found under it.
 class ExternalName {
-  public:
+public:
     explicit ExternalName(const char *module);
     const char *text() const { return text_; }
     bool enabled() const { return enabled_; }
 
-  private:
+private:
     char text_[RESOURCE_NAME_LENGTH + 6];
     bool enabled_;
 };

@@ -21,7 +21,7 @@ constexpr uint32_t storedLimit = 2048;
 // The key of a language and module in `ResourceStorageList`; empty without a language or when the
 // name is too long.
 class StoredKey {
-  public:
+public:
     StoredKey(std::string_view language, const char *module) {
         const std::size_t length = strnlen(module, RESOURCE_NAME_LENGTH + 1);
         if (language.size() < languageLength || length > RESOURCE_NAME_LENGTH)
@@ -33,7 +33,7 @@ class StoredKey {
 
     std::string_view text() const { return {text_, length_}; }
 
-  private:
+private:
     char text_[sizeof(ResourceStoredStrings::key)];
     std::size_t length_ = 0;
 };

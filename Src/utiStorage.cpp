@@ -47,7 +47,8 @@ void freeEntry(StorageEntry *entry) {
 }
 
 // Calls `visit` for every entry by bucket and chain, as long as it returns true.
-template <std::predicate<StorageEntry &> Visit> bool forEachEntry(Storage storage, Visit visit) {
+template <std::predicate<StorageEntry &> Visit>
+bool forEachEntry(Storage storage, Visit visit) {
     for (StorageEntry *bucket : (*storage)->buckets) {
         for (StorageEntry *entry = bucket; entry; entry = entry->next) {
             if (!visit(*entry))

@@ -1,8 +1,9 @@
 // utiTLVParser.cpp: the forward-reading cursor over one tag-length-value stream, in a file or in
 // memory. Stands on the platform's files and little-endian converters; allocates nothing.
+#include "utiTLVParser.h"
+
 #include "assertions.h"
 #include "terminal.h"
-#include "uti.h"
 
 #include <cstring>
 
@@ -100,6 +101,22 @@ bool readScalar(const ParserNode *node, uint8_t type, int32_t *error, uint8_t (&
 }
 
 } // namespace
+
+KeptParserState::KeptParserState()
+    : tagIdSize_(tagIdSize), lengthSize_(lengthSize), bytesRead_(bytesRead),
+      bytesReadInMemory_(bytesReadInMemory), blockSize_(blockSize), read_(Parser_DataRead),
+      seek_(Parser_SetPosition) {}
+
+KeptParserState::~KeptParserState() {
+    tagIdSize = tagIdSize_;
+    lengthSize = lengthSize_;
+    bytesRead = bytesRead_;
+    bytesReadInMemory = bytesReadInMemory_;
+    blockSize = blockSize_;
+    Parser_DataRead = read_;
+    Parser_SetPosition = seek_;
+}
+
 } // namespace uti
 
 using namespace uti;

@@ -93,7 +93,7 @@ struct ArgumentTable {
 
 // The items of one record: its five header items, then its arguments.
 class RecordItems {
-  public:
+public:
     static constexpr uint32_t headerCount = 5;
     static constexpr uint32_t headerSize = 19; // without the module name
 
@@ -104,7 +104,8 @@ class RecordItems {
 
     // Fills the items; false when the table cannot grow.
     bool addHeader(const Stamp &stamp, uint32_t level, uint16_t messageId, const char *module);
-    template <class Words> bool addList(Words &words);
+    template <class Words>
+    bool addList(Words &words);
 
     uint32_t count() const { return table_.used - first_; }
     // A copy: writing an item may start another record, which may move the table.
@@ -112,7 +113,7 @@ class RecordItems {
     // Bytes of the record behind its length prefix.
     uint64_t size() const { return size_; }
 
-  private:
+private:
     Argument *add(uint32_t type);
     void addData(Argument &argument, const char *data, uint64_t length);
 
@@ -121,7 +122,8 @@ class RecordItems {
     uint64_t size_ = 0;
 };
 
-template <class Words> bool RecordItems::addList(Words &words) {
+template <class Words>
+bool RecordItems::addList(Words &words) {
     for (uint32_t type = words.scalar(); isArgumentType(type); type = words.scalar()) {
         Argument *argument = add(type);
         if (!argument)
@@ -161,7 +163,8 @@ template <class Words> bool RecordItems::addList(Words &words) {
 
 // The type byte and the value bytes of an item; the data of a text or byte array follows in the
 // record. Returns their number, at most 9.
-template <ByteOrder order> uint32_t encodeItem(const Argument &argument, uint8_t (&out)[9]) {
+template <ByteOrder order>
+uint32_t encodeItem(const Argument &argument, uint8_t (&out)[9]) {
     uint8_t *at = out;
     *at++ = argument.type;
     switch (argumentTypes[argument.type].shape) {

@@ -11,7 +11,7 @@ namespace {
 
 // What the caller's buffer gets, and how much of it is filled.
 class LogBuffer {
-  public:
+public:
     LogBuffer(char *out, int32_t size) : out_(out), size_(size) {}
 
     int32_t count() const { return count_; }
@@ -32,7 +32,7 @@ class LogBuffer {
         return true;
     }
 
-  private:
+private:
     char *out_;
     int32_t size_;
     int32_t count_ = 0;
@@ -41,7 +41,7 @@ class LogBuffer {
 // The text that stands in for the log when the buffer is too small: its size, then each file met
 // with its length and the space that would remain.
 class SizeReport {
-  public:
+public:
     explicit SizeReport(int32_t size) { add("SIZE %ld TOO SMALL\r\n", static_cast<long>(size)); }
 
     void addFile(const char *name, int32_t length, int32_t left) {
@@ -51,12 +51,13 @@ class SizeReport {
 
     std::string_view text() const { return {text_, length_}; }
 
-  private:
+private:
     static constexpr std::size_t capacity = 2048;
     static constexpr std::size_t longestLine = 64;
     static constexpr std::size_t lastPlace = 2046;
 
-    template <class... Values> void add(const char *format, Values... values) {
+    template <class... Values>
+    void add(const char *format, Values... values) {
         length_ += static_cast<std::size_t>(
             snprintf(text_ + length_, capacity - length_, format, values...));
     }

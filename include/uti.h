@@ -66,7 +66,23 @@ enum UtiResult {
     UTI_MONITOR_CLOSED = -3106,     /**< no monitoring log is open */
     UTI_MONITOR_OVER_LIMIT = -3108, /**< written, but the file has passed its limit */
 
-    UTI_GSM_FAILED = -3452 /**< no USSD response or SMS data, or one that means failure */
+    UTI_DIALOG_NOT_FOUND = -3200,     /**< no such description, or a list without a menu */
+    UTI_DIALOG_TIME_OUT = -3201,      /**< the allowed time has passed */
+    UTI_DIALOG_CANCELLED = -3202,     /**< Escape, or the form was cancelled */
+    UTI_DIALOG_BROKEN_OFF = -3203,    /**< broken off by the request's function */
+    UTI_DIALOG_NO_ICONS = -3205,      /**< icons are not supported */
+    UTI_DIALOG_OTHER_TYPE = -3206,    /**< a description of another type */
+    UTI_DIALOG_TOO_MANY = -3208,      /**< an eleventh control of a kind, a third menu element */
+    UTI_DIALOG_NOTHING_SAVED = -3209, /**< nothing was drawn in the signature box */
+    UTI_DIALOG_NULL = -5500,          /**< null given to the form builder */
+    UTI_IMAGE_NOT_VALID = -2253,      /**< no such image file */
+
+    UTI_GSM_FAILED = -3452, /**< no USSD response or SMS data, or one that means failure */
+
+    UTI_INI_FAILED = -3500,      /**< bad argument, file not loadable, or out of memory */
+    UTI_INI_NO_SECTION = -3502,  /**< the file has no section of that name */
+    UTI_INI_NO_KEY = -3503,      /**< the section has no key of that name */
+    UTI_INI_SMALL_BUFFER = -3505 /**< the value does not fit the caller's buffer */
 };
 
 /* ============================================================================ trace log ====
@@ -185,8 +201,8 @@ UTI_API int32_t TraceExDebug(const char *module, uint32_t messageId, ...);
  *  and its result. Its text is "ASSERT File: {0}  Line: {1}", always. */
 UTI_API int32_t TraceExAssert(const char *sourcePath, int32_t line);
 
-/** Copies the contents of the log files to `out`, oldest file first, as they were written and without
- *  a terminator. The log goes on afterwards.
+/** Copies the contents of the log files to `out`, oldest file first, as they were written and
+ * without a terminator. The log goes on afterwards.
  *
  *  Returns the number of bytes placed; 0 for a null `out`, a `size` of 0 or less, a closed log or
  *  an output other than 0. In place of the log stands, cut to `size`, one of the texts
@@ -755,6 +771,102 @@ UTI_API const char *resource_FindStoredString(const char *module, const char *la
 UTI_API int32_t resource_StoreString(const char *module, uint32_t id, const void *bytes,
                                      uint32_t length);
 
+/* ============================================================================ INI files ====
+ *
+ * Text files of sections, each a line with its name in brackets, and lines of `key=value` below it;
+ * lines that begin with ';' or '#' are comments. A file is read on its first use and kept in a
+ * cache; reads are answered from there and every change rewrites the whole file, without its
+ * comments. What others change in the file is not seen until `Ini_RemoveFileInfoFromCache`, and the
+ * next change through the library overwrites it.
+ *
+ * A file name is used exactly as given: two spellings are two files. Names of sections and keys are
+ * trimmed and compared in upper case, but for `Ini_RemoveSection`. Trimming takes the characters 1
+ * to 32 off both ends, then one pair of double quotes around the rest. A section name has 1 to 254
+ * characters, a key name 1 to 255, a value up to 254; longer ones are refused, and skipped in a
+ * file. Keys ahead of the first section belong to the section "NONAME_SECTION". Of equal keys in a
+ * section the first one's place and the last one's value count.
+ *
+ * In a file "&#dd;" stands in a value for the character with the decimal code dd; code 00 ends the
+ * value, a sequence that is begun and then different stands as it is, and one that is cut by the
+ * end of the value is lost. Line breaks in values are written that way, and nothing else is. So the
+ * file does not give back as they were: names with '=', ']' or line breaks, keys that begin with
+ * ';', '#' or '[', outer blanks and quotes of names and values, "&#" in values, and values that take
+ * more than 254 characters as written, each line break counting five.
+ *
+ * There can be 32767 files, sections in a file and keys in a section; more are refused, and skipped
+ * in a file. When memory is short nothing is changed, neither in the cache nor on disk.
+ */
+
+/** The names of a section and a key as they are compared: 512 bytes. */
+typedef struct SectionKeyInfo {
+    char key[256];     /**< trimmed, upper-case, zero-terminated */
+    char section[256]; /**< the same */
+} SectionKeyInfo;
+
+/** Fills `info` with both names. Returns 1; 0, both halves of `info` empty, when a name is null,
+ *  longer than 255 characters or nothing but what trimming takes away. */
+UTI_API int32_t IntiSectionKeyInfo(const char *section, const char *key, SectionKeyInfo *info);
+
+/** Returns the number of sections in the file; UTI_INI_FAILED for a null or empty name, a file that
+ *  is missing, empty or unreadable, and short memory. */
+UTI_API int32_t Ini_GetSectionCount(const char *fileName);
+
+/** Copies the upper-case name of section `index`, from 0 in file order, with its terminator into
+ *  `out` of `outSize` bytes. Returns 0; UTI_INI_FAILED, `out` unchanged, for a null or empty
+ *  argument, a file that cannot be loaded, an index that no section has, a name that does not fit,
+ *  and short memory. */
+UTI_API int32_t Ini_GetSectionName(const char *fileName, int32_t index, char *out,
+                                   uint32_t outSize);
+
+/** Copies the value of a key with its terminator into `out` of `outSize` bytes. Returns 0;
+ *  UTI_INI_FAILED for a null or empty argument, a name that trims to nothing or is too long, an
+ *  `outSize` below 1, a file that cannot be loaded, and short memory; UTI_INI_NO_SECTION;
+ *  UTI_INI_NO_KEY; UTI_INI_SMALL_BUFFER when the value's length is not below `outSize`. After a
+ *  failure `out` is empty, or unchanged when it was for an argument. */
+UTI_API int32_t Ini_GetStr(const char *fileName, const char *section, const char *key, char *out,
+                           int32_t outSize);
+
+/** Sets the value of a key, trimmed, and rewrites the file; adds section and key at the end when
+ *  they are missing, and starts the file afresh when it is missing, empty or unreadable. `value`
+ *  may be empty; "&#dd;" in it stands as it is until the file is read again. A ']' ends the name
+ *  of a section that is added.
+ *
+ *  Returns 0, whether or not the file could be written; UTI_INI_FAILED, with nothing changed, for a
+ *  null argument, an empty name, one that trims to nothing or is too long, a value of 255
+ *  characters or more, one file, section or key too many, and short memory. */
+UTI_API int32_t Ini_SetStr(const char *fileName, const char *section, const char *key,
+                           const char *value);
+
+/** Reads a value of up to 11 characters as a decimal number into `value`: 0 when it is empty or
+ *  begins with none, what follows the number is ignored, and a number outside 32 bits becomes the
+ *  nearest inside. Returns 0; an error of `Ini_GetStr`, for longer values UTI_INI_SMALL_BUFFER;
+ *  UTI_INI_FAILED for a null `value`. */
+UTI_API int32_t Ini_GetLong(const char *fileName, const char *section, const char *key,
+                            int32_t *value);
+
+/** `Ini_SetStr` of the decimal text of `value`. */
+UTI_API int32_t Ini_SetLong(const char *fileName, const char *section, const char *key,
+                            int32_t value);
+
+/** Removes a section with its keys and rewrites the file, also when there is no such section; but
+ *  nothing happens to a file that is not in the cache. The name is compared as given, so it must be
+ *  in upper case. Returns 0. */
+UTI_API int32_t Ini_RemoveSection(const char *fileName, const char *section);
+
+/** Forgets a file, so that its next use reads it again; the file itself stays as it is. Nothing
+ *  happens to a file that is not in the cache. Returns 0. */
+UTI_API int32_t Ini_RemoveFileInfoFromCache(const char *fileName);
+
+/** Reads the file on disk, not the cache, and copies the lines of a section, other than comments
+ *  and headers, as they stand into `out` of `outSize` bytes, each with a terminator. Copying ends
+ *  at the first line that would not leave a byte of `out` free behind it. A section that occurs
+ *  twice gives the lines of both places.
+ *
+ *  Returns the number of bytes copied; 0, `out` empty, when there are none or the file cannot be
+ *  read; 0 for a null argument, an empty name and an `outSize` below 1. */
+UTI_API int32_t Ini_GetSection(const char *fileName, const char *section, char *out,
+                               int32_t outSize);
+
 /* ============================================================================== BER-TLV ====
  *
  * Objects in the encoding of ISO/IEC 8825-1: a tag of one to three bytes, a length field of one to
@@ -845,6 +957,649 @@ UTI_API int32_t IsNumeric(const char *text);
 
 /** Returns the `UTI_VERSION` that the library was built as. Do not free. */
 UTI_API const char *UTILS_GetVersion(void);
+
+/* ============================================================================== dialogs ====
+ *
+ * A dialog is described by a small TLV tree, a binary string of a resource module (drawn in
+ * docs/formats.md, made by `uti compile`). A dialog call loads the description into the parameter
+ * records below, lets the request override texts, colours and callbacks, builds a form with its
+ * controls on the widget toolkit (platform/toolkit.h), runs it until the user or a callback ends
+ * it, and returns one result. One dialog runs at a time; its records stay readable until the next
+ * one.
+ *
+ * A result is 0 or one of the negative codes of `enum UtiResult`; a failed toolkit operation gives
+ * the toolkit's negative code minus 5000.
+ */
+
+enum {
+    DIALOG_CONTROLS = 10,     /**< most controls of one kind */
+    DIALOG_MENU_ELEMENTS = 2, /**< most elements of a menu */
+    DIALOG_TEXT = 128,        /**< most bytes of names and file names */
+    DIALOG_LONG_TEXT = 256,   /**< most bytes of key schemes and patterns */
+    DIALOG_KEY_SCHEME = 12,   /**< most pieces of a key scheme */
+    DIALOG_TOOLKIT_OFFSET = 5000
+};
+
+/** A description's kind, and the call that loads it. */
+enum DialogType {
+    DIALOG_MESSAGE = 0,      /**< `DialogMessage_Show`, `GetSignalPosition` */
+    DIALOG_EDIT = 1,         /**< `DialogEdit_DoModal` */
+    DIALOG_LIST = 2,         /**< `DialogList_DoModal` */
+    DIALOG_CONFIRMATION = 3, /**< `DialogConfirmation_DoModal`, `DialogSelect_DoModal_IG` */
+    DIALOG_SIGNATURE = 4     /**< `DialogSignature_DoModal` */
+};
+
+/** Pixels; a widget stands at (`left`, `top`) and is `right` - `left` wide. */
+typedef struct Rectangle {
+    uint16_t left;
+    uint16_t top;
+    uint16_t right;
+    uint16_t bottom;
+} Rectangle;
+
+typedef struct RgbColor {
+    uint8_t red;
+    uint8_t green;
+    uint8_t blue;
+} RgbColor;
+
+/** Colours without the focus (passive) and with it (active). */
+typedef struct ColorSet {
+    RgbColor passiveForeground;
+    RgbColor passiveBackground;
+    RgbColor activeForeground;
+    RgbColor activeBackground;
+} ColorSet;
+
+/** An edit or a label. */
+typedef struct GraphicEditEntry {
+    int32_t handle;    /**< widget, 0 before it is created */
+    char *valueBuffer; /**< text shown at first, or null; freed by the next dialog */
+    Rectangle area;
+    uint32_t justify; /**< alignment code 0 to 8, see `IG_GetJustify` */
+    char fontName[DIALOG_TEXT + 1];
+    uint16_t font; /**< slot of `fontTable` that the name stands for */
+    uint8_t border;
+    uint8_t transparency;
+    uint32_t multiLine;    /**< nonzero: several lines */
+    uint16_t maxLength;    /**< most characters */
+    uint16_t secondLength; /**< fewest characters: the edit dialog runs again below them */
+    uint8_t inputFlagA;    /**< nonzero: read only */
+    uint32_t inputType;    /**< 0 digits, 1 any text, 2 an amount */
+    uint8_t inputFlagB;    /**< nonzero: the text stands at the right */
+    uint8_t inputFlagC;    /**< several lines, nonzero: a scroll bar */
+    uint8_t inputFlagD;    /**< several lines, 0: long lines are wrapped */
+    uint8_t hideInput;     /**< character shown in place of those typed, or 0 */
+    char keySchemeText[DIALOG_LONG_TEXT + 1]; /**< pieces separated by backslash and n */
+    char pattern[DIALOG_LONG_TEXT + 1];       /**< not empty: an input pattern */
+    ColorSet colors;
+    uint8_t radix;              /**< digits behind the decimal point; set by the edit dialog */
+    uint8_t inputFlagF;         /**< 1: filled up from the right; set by the edit dialog */
+    uint8_t inputFlagE;         /**< digits, nonzero: letters become capitals */
+    uint32_t editValue;         /**< terminal key code that confirms the input, or 0; edits alone */
+    uint32_t labelValue;        /**< kept for the application; labels alone */
+    uint8_t fillSymbol;         /**< character in the empty places of a pattern, 0 for "." */
+    char name[DIALOG_TEXT + 1]; /**< by which `LabelValue` finds it */
+} GraphicEditEntry;
+
+typedef struct GraphicStaticTextEntry {
+    int32_t handle;
+    char *valueBuffer;
+    Rectangle area;
+    uint32_t justify;
+    char fontName[DIALOG_TEXT + 1];
+    uint16_t font;
+    char image[DIALOG_TEXT + 1]; /**< image file */
+    char name[DIALOG_TEXT + 1];
+    uint8_t border;
+    uint8_t transparency;
+    ColorSet colors;
+} GraphicStaticTextEntry;
+
+typedef struct GraphicButtonEntry {
+    int32_t handle;
+    char *valueBuffer;
+    Rectangle area;
+    uint32_t justify;
+    char fontName[DIALOG_TEXT + 1];
+    uint16_t font;
+    char image[DIALOG_TEXT + 1];
+    char activeBackImage[DIALOG_TEXT + 1];
+    char passiveBackImage[DIALOG_TEXT + 1];
+    uint8_t border;
+    uint8_t option; /**< 0: pressing it confirms the dialog */
+    uint8_t transparency;
+    uint8_t key; /**< toolkit key code that presses it, or 0 */
+    ColorSet colors;
+} GraphicButtonEntry;
+
+typedef struct GraphicIpEditEntry {
+    int32_t handle;
+    char *valueBuffer; /**< address shown at first */
+    Rectangle area;
+    uint32_t justify;
+    char fontName[DIALOG_TEXT + 1];
+    uint16_t font;
+    uint8_t border;
+    uint8_t transparency;
+    ColorSet colors;
+} GraphicIpEditEntry;
+
+/** A signature box or a progress bar. */
+typedef struct GraphicBoxEntry {
+    int32_t handle;
+    Rectangle area;
+    uint32_t justify;
+    char fontName[DIALOG_TEXT + 1];
+    uint16_t font;
+    uint8_t border;
+    uint8_t transparency;
+    ColorSet colors;
+} GraphicBoxEntry;
+
+/** A scroll indicator of a menu. */
+typedef struct GraphicMenuElement {
+    int32_t handle; /**< its static widget, made by the list dialog */
+    Rectangle area;
+    uint8_t value; /**< nonzero: it is in use */
+    char image[DIALOG_TEXT + 1];
+    uint32_t notFirst; /**< 0: shows that the list scrolls up, 1: down */
+} GraphicMenuElement;
+
+typedef struct GraphicMenuEntry {
+    int32_t handle;
+    Rectangle area; /**< all zero: the form's client area */
+    uint32_t justify;
+    char fontName[DIALOG_TEXT + 1];
+    uint16_t font;
+    char text[DIALOG_TEXT + 1]; /**< kept for the application */
+    uint8_t border;
+    uint8_t transparency;
+    uint8_t style;          /**< nonzero: digits choose items */
+    uint32_t accelFontMode; /**< 0, 1 or 2: the digits' font */
+    uint32_t option;        /**< nonzero: tiles in place of a list */
+    ColorSet colors;
+    uint8_t keys[4];   /**< toolkit key codes: page up, page down, up, down; 0 for none */
+    uint8_t styleFlag; /**< nonzero: a scroll bar */
+    GraphicMenuElement elements[DIALOG_MENU_ELEMENTS];
+    uint32_t elementCount;
+} GraphicMenuEntry;
+
+/** The header of the form. */
+typedef struct GraphicCaption {
+    Rectangle area; /**< its height is the header's, when above 0 */
+    uint32_t justify;
+    char fontName[DIALOG_TEXT + 1];
+    uint16_t font;
+    ColorSet colors;
+    uint32_t count; /**< above 0: the description has a header */
+} GraphicCaption;
+
+typedef struct GraphicEditParameters {
+    GraphicEditEntry entries[DIALOG_CONTROLS];
+    uint32_t count; /**< entries in use */
+} GraphicEditParameters;
+
+typedef struct GraphicStaticTextParameters {
+    GraphicStaticTextEntry entries[DIALOG_CONTROLS];
+    uint32_t count;
+} GraphicStaticTextParameters;
+
+typedef struct GraphicButtonParameters {
+    GraphicButtonEntry entries[DIALOG_CONTROLS];
+    uint32_t count;
+} GraphicButtonParameters;
+
+typedef struct GraphicIpEditParameters {
+    GraphicIpEditEntry entries[DIALOG_CONTROLS];
+    uint32_t count;
+} GraphicIpEditParameters;
+
+typedef struct GraphicBoxParameters {
+    GraphicBoxEntry entries[DIALOG_CONTROLS];
+    uint32_t count;
+} GraphicBoxParameters;
+
+typedef struct GraphicMenuParameters {
+    GraphicMenuEntry entries[DIALOG_CONTROLS];
+    uint32_t count;
+} GraphicMenuParameters;
+
+/** Reserved; the library neither fills nor reads it. */
+typedef struct GraphicDialogParameters {
+    uint32_t reserved[4];
+} GraphicDialogParameters;
+
+/** The description's controls and header; cleared by the next dialog call. */
+UTI_API extern GraphicEditParameters currentGraphicEditParameters;
+UTI_API extern GraphicEditParameters currentGraphicLabelParameters;
+UTI_API extern GraphicStaticTextParameters currentGraphicStaticTextParameters;
+UTI_API extern GraphicButtonParameters currentGraphicButtonParameters;
+UTI_API extern GraphicIpEditParameters currentGraphicIpEditParameters;
+UTI_API extern GraphicBoxParameters currentGraphicSignatureParameters;
+UTI_API extern GraphicBoxParameters currentGraphicProgressBarParameters;
+UTI_API extern GraphicMenuParameters currentGraphicMenuParameters;
+UTI_API extern GraphicCaption currentGraphicCaptionParameters;
+UTI_API extern GraphicDialogParameters currentGraphicDialogParameters;
+
+/** The description's values for the whole dialog. */
+UTI_API extern uint32_t currentDialogType;         /**< `enum DialogType`; kept until it is set */
+UTI_API extern uint32_t currentDialogTimeout;      /**< ticks, 0 for none; kept until it is set */
+UTI_API extern uint32_t currentDialogTrasparency;  /**< 0 opaque, 1 half, 2 transparent (default) */
+UTI_API extern uint32_t currentDialogPositionType; /**< 1: a child form in the area; default 0 */
+UTI_API extern uint8_t currentDialogBorder;        /**< 0: no frame; default 1 */
+UTI_API extern Rectangle currentDialogAreaRectangle; /**< of a child form; kept until it is set */
+
+/** Loads a description into the records, which the caller has cleared, and checks its type. Returns
+ *  0; UTI_DIALOG_NOT_FOUND, UTI_DIALOG_OTHER_TYPE, UTI_DIALOG_TOO_MANY, a code of the TLV parser.
+ *  The records then hold what was read before the failure. */
+UTI_API int32_t GetDialogParameters(const char *module, uint32_t id, uint32_t expectedType);
+
+/** Walk callbacks of a dialog description, for `Parser_ParseNode`; each fills its record or the
+ * next entry of it. They return 0; UTI_DIALOG_TOO_MANY for an eleventh control of a kind or a third
+ * menu element, which is not read; the code of the TLV parser for the first child that cannot be
+ * read. */
+UTI_API int32_t ParseDialog(ParserNode *node); /**< the root */
+UTI_API int32_t ParseDialogParameters(ParserNode *node);
+UTI_API int32_t ParseGraphicButton(ParserNode *node);
+UTI_API int32_t ParseGraphicProgressBar(ParserNode *node);
+UTI_API int32_t ParseGraphicEdit(ParserNode *node);
+UTI_API int32_t ParseGraphicStaticText(ParserNode *node);
+UTI_API int32_t ParseGraphicSignature(ParserNode *node);
+UTI_API int32_t ParseGraphicMenu(ParserNode *node);
+UTI_API int32_t ParseGraphicMenuElement(ParserNode *node);
+UTI_API int32_t ParseGraphicIpEdit(ParserNode *node);
+UTI_API int32_t ParseGraphicLabel(ParserNode *node);
+UTI_API int32_t ParseGraphicCaption(ParserNode *node);
+
+/** Where the callbacks of nested nodes store; set just before the nested node is parsed. */
+UTI_API extern Rectangle *currentAreaRectangle; /**< of `ParseAreaRectangle` */
+UTI_API extern uint8_t isLeftTop;               /**< 1: the next position is the left top corner */
+UTI_API extern uint16_t *currentPosition;       /**< of `ParseGuiPosition`: x, then y */
+UTI_API extern ColorSet *currentGraphicColors;  /**< of `ParseGraphicColors` */
+UTI_API extern RgbColor *currentRGB;            /**< of `ParseRGB`, or null */
+
+UTI_API int32_t ParseAreaRectangle(ParserNode *node);
+UTI_API int32_t ParseGuiPosition(ParserNode *node);
+UTI_API int32_t ParseGraphicColors(ParserNode *node);
+UTI_API int32_t ParseRGB(ParserNode *node);
+
+/* --- records of nodes that applications parse themselves: the library calls none of these parsers
+       and clears none of these records. A value is named after its tag; `shortName` and `text` are
+       not terminated when they fill their field. */
+
+typedef struct EditParameters {
+    Rectangle area;
+    char shortName[8];
+    uint32_t justify;
+    uint32_t value69;
+    uint32_t value70;
+    uint32_t value71;
+    uint32_t value72;
+    uint32_t value73;
+    uint32_t value74;
+    uint32_t value66;
+    char text[DIALOG_LONG_TEXT]; /**< its pairs of backslash and n become line feeds */
+    uint8_t value76;
+    char value77[4];
+    uint32_t value65;
+    uint32_t value67;
+    uint8_t value78;
+    uint16_t value79;
+    uint16_t value80;
+    char pattern[DIALOG_TEXT + 1];
+    uint8_t value64;
+    uint8_t value82;
+    uint8_t value83;
+    uint8_t value84;
+    uint8_t value85;
+    uint8_t value86;
+    uint8_t value91;
+} EditParameters;
+
+typedef struct ListBoxParameters {
+    Rectangle area;
+    char shortName[8];
+    uint32_t justify;
+    uint32_t value96;
+    uint32_t value97;
+    uint32_t value98;
+    uint32_t value99;
+    uint32_t value100;
+    uint8_t value101;
+    uint8_t value102;
+    uint32_t value103;
+} ListBoxParameters;
+
+typedef struct LabelEntry {
+    char text[32];
+    Rectangle area;
+    char shortName[8];
+    uint32_t justify;
+    uint32_t value7;
+    uint32_t value10;
+    uint32_t value122;
+} LabelEntry;
+
+typedef struct LabelsParameters {
+    LabelEntry entries[10];
+    uint8_t count; /**< label nodes met, stays at 255; only the first 10 are stored */
+} LabelsParameters;
+
+typedef struct CaptionParameters {
+    Rectangle area;
+    char shortName[8];
+    uint32_t value32;
+    uint32_t justify;
+} CaptionParameters;
+
+typedef struct BorderParameters {
+    Rectangle area;
+    uint32_t value48;
+    char shortName[8];
+} BorderParameters;
+
+typedef struct FrameParameters {
+    Rectangle area;
+    uint32_t value48;
+} FrameParameters;
+
+typedef struct FooterParameters {
+    Rectangle area;
+    char shortName[8];
+    uint32_t value112;
+    uint32_t justify;
+    uint32_t value7;
+} FooterParameters;
+
+typedef struct ImageEntry {
+    Rectangle area;
+    char image[33];
+} ImageEntry;
+
+typedef struct ImagesParameters {
+    ImageEntry entries[2];
+    uint8_t count; /**< image nodes met, stays at 255; only the first 2 are stored */
+} ImagesParameters;
+
+/** Battery, signal strength or Ethernet link status. */
+typedef struct StatusParameters {
+    Rectangle area;
+    char shortName[8];
+    uint32_t value; /**< tag 119, 120 or 121 */
+} StatusParameters;
+
+UTI_API extern EditParameters currentEditParameters;
+UTI_API extern ListBoxParameters currentListBoxParameters;
+UTI_API extern LabelsParameters currentLabelsParameters;
+UTI_API extern CaptionParameters currentCaptionParameters;
+UTI_API extern BorderParameters currentBorderParameters;
+UTI_API extern FrameParameters currentFrameParameters;
+UTI_API extern FooterParameters currentFooterParameters;
+UTI_API extern ImagesParameters currentImagesParameters;
+UTI_API extern StatusParameters currentBatteryParameters;
+UTI_API extern StatusParameters currentSignalParameters;
+UTI_API extern StatusParameters currentEthLinkStatusParameters;
+
+/** Fill the record of the same name; return 0 or the code of the TLV parser. */
+UTI_API int32_t ParseEditParameters(ParserNode *node);
+UTI_API int32_t ParseListBoxParameters(ParserNode *node);
+UTI_API int32_t ParseLabelParameters(ParserNode *node);
+UTI_API int32_t ParseCaptionParameters(ParserNode *node);
+UTI_API int32_t ParseBorderParameters(ParserNode *node);
+UTI_API int32_t ParseFrameParameters(ParserNode *node);
+UTI_API int32_t ParseFooterParameters(ParserNode *node);
+UTI_API int32_t ParseImageParameters(ParserNode *node);
+UTI_API int32_t ParseBatteryParameters(ParserNode *node);
+UTI_API int32_t ParseSignalParameters(ParserNode *node);
+UTI_API int32_t ParseEthLinkParameters(ParserNode *node);
+
+/* --- fonts, keys, form helpers */
+
+enum { FONT_SLOTS = 12, FONT_FALLBACK = 1 };
+
+/** Font names by slot: 0 to 5 are "6x8", "12x16", "16x24", "dig6x8", "dig12x16" and "dig16x24"; 6
+ * to 11 take the names of font files as descriptions ask for them. */
+UTI_API extern const char *fontTable[FONT_SLOTS];
+
+/** Returns the toolkit's key code of a terminal key code, 0 when it has none. */
+UTI_API int32_t IG_GetIGKeyCode(uint32_t code);
+
+/** Gives a form the library's options and colours. Returns 0. */
+UTI_API int32_t IG_SetDefaultFormStyle(int32_t form);
+
+/** Returns the toolkit's justification of an alignment code: 0 left, 1 right, 2 centre, 3 top, 4
+ *  bottom, 5 left top, 6 left bottom, 7 right top, 8 right bottom. Any other is reported and 0. */
+UTI_API uint32_t IG_GetJustify(uint32_t code);
+
+/** The pieces of the key scheme set last; the rest null. */
+UTI_API extern char *currentKeyScheme[DIALOG_KEY_SCHEME];
+
+/* --- requests and calls */
+
+/** A text for the label or edit of that name; an array of them ends at a null name. */
+typedef struct LabelValue {
+    const char *name;
+    const char *value;
+} LabelValue;
+
+/** Returns nonzero to break the dialog off. */
+typedef int32_t (*DialogBreakFunction)(void);
+/** Sets `*labels` to an array with new texts and returns nonzero to have them shown. */
+typedef int32_t (*DialogRefreshFunction)(const LabelValue **labels);
+/** Takes a terminal key code that was pressed; a negative result ends the dialog and is its own. */
+typedef int32_t (*DialogKeyFunction)(uint8_t key);
+/** Takes a key typed into the main edit with the text after it, which it may change: `text` has
+ *  room for 128 characters and a zero, the edit takes `maxLength`. Returns nonzero to have the text
+ *  taken over. */
+typedef int32_t (*DialogKeyPressedFunction)(int32_t key, char *text, int32_t maxLength);
+
+/** What every dialog call takes. The library reads it during the call and keeps nothing of it. Null
+ *  pointers leave what the description says. */
+typedef struct DialogRequest {
+    uint16_t resourceId;           /**< string id of the description */
+    const char *module;            /**< its resource module */
+    const char *caption;           /**< title of the form */
+    const char *text;              /**< text of the first edit; backslash and n is a line feed */
+    const LabelValue *labelValues; /**< texts of labels; not for selection and signature */
+    uintptr_t reserved1;
+    DialogBreakFunction needToBreak; /**< called at every event; not for the selection */
+    uintptr_t reserved2;
+    uint32_t timeout;                    /**< ticks, 0: the description's */
+    DialogRefreshFunction refresh;       /**< called at every event; not for the selection */
+    DialogKeyFunction keyPostProcessing; /**< called at every key; not for the selection */
+    const char *imageName;               /**< message alone: image of the first static text */
+    ColorSet colors; /**< of all controls; a pair of equal colours leaves the description's */
+} DialogRequest;
+
+/** Confirmation and selection. */
+typedef struct ConfirmationRequest {
+    DialogRequest dialog;
+    const char *secondButton; /**< text of the second button */
+    const char *firstButton;  /**< text of the first button */
+} ConfirmationRequest;
+
+/** An item of a list; the words and the flag go to the toolkit as its `IgMenuItem`. */
+typedef struct ListItem {
+    uintptr_t word1;
+    uintptr_t word2;
+    uint8_t flag;
+    uintptr_t word3;
+    const char *imageName;
+} ListItem;
+
+typedef struct ListRequest {
+    DialogRequest dialog;
+    const ListItem *items;
+    uint16_t itemCount;
+} ListRequest;
+
+/** Lengths in characters. */
+typedef struct InputLimits {
+    uint16_t maxLength;
+    uint16_t minLength;
+    uint32_t kind; /**< 1 digits, 2 any text, 3 an amount; others leave the description's */
+} InputLimits;
+
+typedef struct EditRequest {
+    DialogRequest dialog;
+    uint8_t radix;       /**< digits behind the decimal point, 0: the description's */
+    uint8_t option;      /**< 1: an amount is filled up from the right */
+    const char *pattern; /**< up to 256 characters; empty or longer: the description's */
+    uint8_t fillSymbol;  /**< 0: the description's */
+    const InputLimits *limits;
+    DialogKeyPressedFunction keyPressed;
+} EditRequest;
+
+/** How a message is shown. */
+enum ShowMode {
+    SHOW_AND_RETURN = 0,   /**< at once; the form stays on the display */
+    SHOW_UNLIMITED = 1,    /**< until a key */
+    SHOW_WITH_TIMEOUT = 2, /**< until a key or the time-out */
+    SHOW_SHORTLY = 3       /**< until a key, for 1000 ticks at most */
+};
+
+/** Shows a description of type 0. Without a time-out in the description and the request, modes 1
+ * and 2 show it and return at once. Results of this and the next five calls: 0 for confirmed, for
+ * shown without waiting, and while dialogs are deactivated; UTI_DIALOG_TIME_OUT,
+ * UTI_DIALOG_CANCELLED, UTI_DIALOG_BROKEN_OFF; a negative result of the key function; a toolkit
+ * code minus 5000; a code of `GetDialogParameters`; the negative display handle or result of
+ * `igUI_Add` as it is. */
+UTI_API int32_t DialogMessage_Show(const DialogRequest *request, uint32_t mode);
+
+/** Asks for a confirmation with a description of type 3. */
+UTI_API int32_t DialogConfirmation_DoModal(const ConfirmationRequest *request);
+
+/** Like a confirmation between two image buttons: each of the two buttons gets its suffix appended to
+ *  the name of its image (name and suffix up to 127 characters; the rest is cut off and
+ *  reported). Of the callbacks and labels nothing is used. */
+UTI_API int32_t DialogSelect_DoModal_IG(const ConfirmationRequest *request, const char *firstSuffix,
+                                        const char *secondSuffix);
+
+/** Has a text edited with a description of type 1: its second edit, or its IP edit when it has
+ * fewer than two edits. `buffer` holds the text shown at first and receives the text entered, up to
+ *  `size` - 1 characters and a zero; the dialog runs again while it is confirmed with fewer
+ *  characters than the shortest length. A null buffer or size 0 returns no text. */
+UTI_API int32_t DialogEdit_DoModal(const EditRequest *request, char *buffer, uint32_t size);
+
+/** Has an item chosen with a description of type 2. Returns its index from 0; UTI_DIALOG_NOT_FOUND
+ *  when the description has no menu. */
+UTI_API int32_t DialogList_DoModal(const ListRequest *request);
+
+/** Has a signature drawn with a description of type 4 and saves it to a file. Returns
+ *  UTI_DIALOG_NOTHING_SAVED when nothing was drawn. */
+UTI_API int32_t DialogSignature_DoModal(const DialogRequest *request, const char *fileName);
+
+/** The running dialog. Applications may set the four callbacks before a call; the call clears the
+ *  first three. */
+UTI_API extern DialogBreakFunction NeedToBreakFunction;
+UTI_API extern DialogRefreshFunction RefreshDialogFunction;
+UTI_API extern DialogKeyFunction KeyPostProcessingFunction;
+UTI_API extern DialogKeyPressedFunction currentKeyPressedCallback;
+UTI_API extern const LabelValue *refLabelData; /**< set by the refresh function */
+UTI_API extern int32_t UserDialogResult;       /**< last result of the key function */
+UTI_API extern int32_t EndDialog; /**< UTI_DIALOG_CANCELLED after an Escape of the key function */
+UTI_API extern uint32_t currentStartTime; /**< ticks at the start or at the last key */
+UTI_API extern uint32_t currentShowType;  /**< `enum ShowMode` of the run; 0: none is running */
+UTI_API extern uint32_t dialogDeactivate; /**< nonzero while dialogs are deactivated */
+
+/** Called by the toolkit for every event of a running dialog. Returns the state that ends the form,
+ * or 0. */
+UTI_API int32_t IG_EventCallback(uint8_t *key);
+
+/** Hands a key on to the toolkit's own handler and returns its result. */
+UTI_API int32_t IG_KeyPressedCallback(int32_t display, int32_t key);
+
+/** Shows which way the list dialog's menu can scroll in the elements of its description. */
+UTI_API void IG_AdditionalListElements(void);
+
+/** Stops all input of the display (nonzero) or lets it through again. Returns 0. */
+UTI_API int32_t Dialogs_Lock(int32_t block);
+
+/** Lets dialogs be shown again, with the status line. Returns 0 or more; the toolkit's negative
+ * code when the status line could not be shown, nothing is then changed. */
+UTI_API int32_t Dialogs_Activate(void);
+
+/** Hides the status line and makes every dialog call and `DrawImage_IG` return 0 at once. Results
+ * as `Dialogs_Activate`. */
+UTI_API int32_t Dialogs_Deactivate(void);
+
+/* --- pictures */
+
+/** Shows an image file from (x, y) to the right lower corner of the display, with a header when
+ *  `caption` is not null, in place of the present form. Returns 0, also while dialogs are
+ *  deactivated; UTI_IMAGE_NOT_VALID; a toolkit or display code minus 5000, but -2102 as it is. */
+UTI_API int32_t DrawImage_IG(int16_t x, int16_t y, const char *fileName, const char *caption);
+
+/** Sets the picture behind all forms. Returns the result of the toolkit, or the negative display
+ *  handle. */
+UTI_API int32_t SetBackgroundImage_IG(const char *fileName);
+
+/** Returns the left edge of the signal indicator, as `ParseSignalParameters` left it, after loading
+ *  the request's description (type 0); -1 when that fails or `request` is null. */
+UTI_API int32_t GetSignalPosition(const DialogRequest *request);
+
+/** Returns UTI_DIALOG_NO_ICONS: icons are not supported. */
+UTI_API int32_t Icons_Show(void);
+
+/* ======================================================= code pages, fonts and text =======
+ *
+ * The code page of a language is the number in the environment variable "cp_" and its two letters.
+ * The names handed out point into buffers that the next call overwrites.
+ */
+
+/** Converts the bytes of a zero-terminated text of ISO 8859-5 (code page 5), or of any other code
+ *  page, into the terminal's; control characters become blanks. No terminating zero is written;
+ *  the two may be the same buffer. Returns `destination`. */
+UTI_API char *ISO8859ToOEM(uint32_t codePage, const char *source, char *destination);
+
+/** Returns the code page of a language (its first two letters), 0 when it has none; a null or empty
+ *  language asks for the one found last, 0xFFFF when there is none. */
+UTI_API uint16_t CodePageManager_GetCodePage(const char *language);
+
+/** Returns the font file of a language for a font name, "cp" and the code page, "_", the name and
+ *  ".fon", such as "cp5_12x16.fon". Null for a null or empty name, a language that is not two
+ *  letters long or has no code page, and a file name of more than 31 characters (reported). */
+UTI_API const char *CodePageManager_GetFontName(const char *language, const char *fontName);
+
+/** Returns "n" and the name of `CodePageManager_GetFontName`; null when that is null, or when the
+ *  result has more than 31 characters (reported). */
+UTI_API const char *CodePageManager_GetNegativeFontName(const char *language, const char *fontName);
+
+/** Loads the code page's font files of a language into the slots 0, 1 and 2; the names in
+ * `fontTable` stay. For Russian nothing is loaded. Returns the result of the last load, 0 without
+ * any; the negative display handle. */
+UTI_API int32_t Dialogs_SetDefaultFonts(const char *language);
+
+/** Returns the bytes of the character at `text`, of which `left` bytes are left; 0 or less when
+ * there is none. */
+typedef int32_t (*TextCharacterFunction)(const char *text, int32_t left);
+
+/** Installs the function at `*callbackHolder`, null for one byte a character. A null argument
+ * changes nothing. */
+UTI_API void Text_SetCallBack(const TextCharacterFunction *callbackHolder);
+
+/** Returns the number of characters in the first `length` bytes; `length` for a null text or
+ *  without a function. */
+UTI_API int32_t Text_GetStringLen(const char *text, int32_t length);
+
+/** Returns the number of bytes of the first `characters` characters, at most `length`; `characters`
+ *  for a null text or without a function. */
+UTI_API int32_t Text_GetStringLenByte(const char *text, int32_t length, int32_t characters);
+
+enum { TEXT_LINE = 64, TEXT_LEFT = 0, TEXT_RIGHT = 1, TEXT_CENTER = 2 };
+
+/** Lays a text out in a line of `TEXT_LINE` columns filled with blanks: from column 0, at the right
+ *  or in the middle of `right` - `left` columns; what does not fit is cut off at the side where it
+ *  leaves the line. Returns the number of bytes of the text that stand in the line. */
+UTI_API int32_t Text_LayoutLine(char line[TEXT_LINE], const char *text, int32_t length,
+                                int32_t justify, int32_t left, int32_t right);
+
+/** Places the display's cursor at column `left` of a row when the line lies on the display: `left`
+ * 0 or more, `right` up to `maxColumn`, `row` 0 to `maxRow`. Otherwise nothing happens. What stands
+ * in the line is `Text_LayoutLine`'s matter; nothing is drawn. */
+UTI_API void Text_DrawString(const char *text, int32_t length, int32_t justify, int32_t row,
+                             int32_t left, int32_t right, int32_t maxColumn, int32_t maxRow);
 
 #ifdef __cplusplus
 }

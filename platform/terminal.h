@@ -121,7 +121,28 @@ int32_t Printer_PrintString(const char *text, int32_t style);
 /** Closes the printer. Returns 0. */
 int32_t Printer_Close(void);
 
+/* ------------------------------------------------------------------ display, keyboard ---- */
+
+/** Returns the display's handle, negative when there is no display. */
+int32_t Display_GetHandle(void);
+
+/** Returns nonzero when an event of the display other than a key waits to be seen to, such as its
+ *  being closed. */
+int32_t Display_CheckEvent(void);
+
+/** Places the text cursor, counting from 0. */
+void Display_SetCursorPosition(uint8_t column, uint8_t row);
+
+/** Takes the code of the last key that was pressed; 0 when there is none since it was taken. */
+uint8_t Keyboard_GetLastKey(void);
+
+/** Forgets the keys that were pressed. */
+void Keyboard_Reset(void);
+
 /* ------------------------------------------------------------ environment and identity ---- */
+
+/** Returns the number of the terminal's type. */
+int32_t Terminal_GetType(void);
 
 /** Copies the value of the environment variable `name` into `buffer`, at most `size` - 1
  *  characters and a terminating zero; `flags` is 0. Returns the number of characters copied, 0 or
