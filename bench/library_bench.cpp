@@ -1,0 +1,328 @@
+// library_bench.cpp: the trace log, strings, containers and the TLV parser, each against what one
+// would use instead. A case is named "what|who|aim"; bench/run makes ratios of them.
+#include "bench_strings.h"
+#include "terminal.h"
+#include "uti.h"
+
+#include <benchmark/benchmark.h>
+#include <spdlog/sinks/basic_file_sink.h>
+#include <spdlog/spdlog.h>
+
+#include <fcntl.h>
+#include <libintl.h>
+#include <unistd.h>
+
+#include <clocale>
+#include <cstring>
+#include <list>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+namespace {
+
+using benchmark::DoNotOptimize;
+using benchmark::State;
+
+constexpr int32_t setSize = 64 << 20; // rotations are rare
+
+// --- trace log
+
+TraceExSettings settings(uint32_t output, uint8_t text) {
+    TraceExSettings result{};
+    result.output = output;
+    result.mode = 2;
+    result.text = text;
+    result.maxSize = setSize;
+    std::strcpy(result.device.baseName, "bench");
+    return result;
+}
+
+void removeLogs() {
+    for (const char *name : {"bench.log", "bench1.log", "bench2.log", "bench3.log", "bench4.log",
+                             "bench5.log", "bench6.log", "bench7.log", "raw.log", "spd.log"})
+        unlink(name);
+}
+
+void writeTrace(State &state, uint32_t output, uint8_t text) {
+    const TraceExSettings wanted = settings(output, text);
+    if (TraceExOpen(&wanted) != 0)
+        return state.SkipWithError("no trace log");
+    for (auto _ : state)
+        DoNotOptimize(TraceExError(BENCH_MODULE, BENCH_RECORD, Long, 12345, String, "a text", Word,
+                                   7, 0));
+    TraceExClose();
+    removeLogs();
+}
+
+void traceBuffered(State &state) { writeTrace(state, TRACE_OUTPUT_BUFFERED, 0); }
+void traceUnbuffered(State &state) { writeTrace(state, TRACE_OUTPUT_FILE, 0); }
+void traceText(State &state) { writeTrace(state, TRACE_OUTPUT_BUFFERED, 1); }
+
+// The bytes of the same record, in the pieces that the log writes.
+std::vector<std::string> recordPieces() {
+    using namespace std::string_literals;
+    return {"\0\0\0\x31"s,  "\x0B\x07\xEA\x0B\x10"s, "\x0C\x0B\x31\x23"s, "\x02\x01"s,
+            "\x05\x00\x01"s, "\x0D\0\0\0\x05"s,       "bench"s,            "\x06\0\0\x30\x39"s,
+            "\x0D\0\0\0\x06"s, "a text"s,             "\x05\x00\x07"s};
+}
+
+int openRaw() {
+    return open("raw.log", O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, 0644);
+}
+
+void copyWhenFull(State &state) {
+    const int file = openRaw();
+    const std::vector<std::string> pieces = recordPieces();
+    std::vector<char> buffer(8192);
+    std::size_t filled = 0;
+    for (auto _ : state) {
+        for (const std::string &piece : pieces) {
+            if (buffer.size() - filled <= piece.size()) {
+                DoNotOptimize(write(file, buffer.data(), filled));
+                filled = 0;
+            }
+            std::memcpy(buffer.data() + filled, piece.data(), piece.size());
+            filled += piece.size();
+        }
+    }
+    close(file);
+    removeLogs();
+}
+
+void rawWrites(State &state) {
+    const int file = openRaw();
+    const std::vector<std::string> pieces = recordPieces();
+    for (auto _ : state) {
+        for (const std::string &piece : pieces)
+            DoNotOptimize(write(file, piece.data(), piece.size()));
+    }
+    close(file);
+    removeLogs();
+}
+
+void spdlogText(State &state) {
+    auto logger = spdlog::basic_logger_st("bench", "spd.log", true);
+    logger->set_pattern("%y-%m-%d %H:%M:%S [%n] %v");
+    for (auto _ : state)
+        logger->error("record {} of {} with {}", 12345, "a text", 7);
+    spdlog::drop("bench");
+    removeLogs();
+}
+
+void traceBelowLevel(State &state) {
+    const TraceExSettings wanted = settings(TRACE_OUTPUT_BUFFERED, 0);
+    if (TraceExOpen(&wanted) != 0)
+        return state.SkipWithError("no trace log");
+    for (auto _ : state)
+        DoNotOptimize(TraceExDebug(BENCH_MODULE, BENCH_RECORD, Long, 12345, String, "a text", 0));
+    TraceExClose();
+    removeLogs();
+}
+
+__attribute__((noinline)) int32_t doNothing(const char *module, uint32_t, ...) {
+    DoNotOptimize(module);
+    return -3102;
+}
+
+void callThroughPointer(State &state) {
+    int32_t (*call)(const char *, uint32_t, ...) = doNothing;
+    for (auto _ : state) {
+        DoNotOptimize(call);
+        DoNotOptimize(call(BENCH_MODULE, BENCH_RECORD, Long, 12345, String, "a text", 0));
+    }
+}
+
+// --- strings
+
+void storedString(State &state) {
+    Resource_Initialize(BENCH_MODULE);
+    Resource_SetLanguage("ru");
+    if (*Resource_GetString(BENCH_MODULE, BENCH_GREETING) == 0)
+        return state.SkipWithError("no string");
+    Resource_Release(BENCH_MODULE, BENCH_GREETING);
+    for (auto _ : state)
+        DoNotOptimize(Resource_GetString(BENCH_MODULE, BENCH_GREETING));
+}
+
+void gettextString(State &state) {
+    setenv("LANGUAGE", "ru", 1);
+    setlocale(LC_ALL, "C.UTF-8");
+    bindtextdomain("bench", UTI_BENCH_LOCALES);
+    bind_textdomain_codeset("bench", "UTF-8");
+    if (std::strcmp(dgettext("bench", "greeting"), "greeting") == 0)
+        return state.SkipWithError("no translation");
+    for (auto _ : state)
+        DoNotOptimize(dgettext("bench", "greeting"));
+}
+
+// --- containers
+
+constexpr uint32_t keyCount = 100;
+
+void storageGet(State &state) {
+    const Storage storage = Storage_Create();
+    for (uint32_t key = 0; key < keyCount; ++key)
+        Storage_PutLong(storage, key * 7919, static_cast<int32_t>(key));
+    uint32_t key = 0;
+    int32_t value = 0;
+    for (auto _ : state) {
+        DoNotOptimize(Storage_GetLong(storage, key * 7919, &value));
+        DoNotOptimize(value);
+        key = key + 1 < keyCount ? key + 1 : 0;
+    }
+    Storage_Free(storage);
+}
+
+void mapFind(State &state) {
+    std::unordered_map<uint32_t, std::string> map; // values of any type, so owned bytes
+    for (uint32_t key = 0; key < keyCount; ++key)
+        map[key * 7919] = std::string(reinterpret_cast<const char *>(&key), sizeof key);
+    uint32_t key = 0;
+    int32_t value = 0;
+    for (auto _ : state) {
+        const auto found = map.find(key * 7919);
+        if (found != map.end())
+            std::memcpy(&value, found->second.data(), sizeof value);
+        DoNotOptimize(value);
+        key = key + 1 < keyCount ? key + 1 : 0;
+    }
+}
+
+void listAppend(State &state) {
+    int item = 0;
+    for (auto _ : state) {
+        List *list = List_Create();
+        for (int i = 0; i < 1000; ++i)
+            list->AddTail(list, &item);
+        List_Destroy(list);
+    }
+}
+
+void stdListAppend(State &state) {
+    int item = 0;
+    for (auto _ : state) {
+        std::list<void *> list;
+        for (int i = 0; i < 1000; ++i)
+            list.push_back(&item);
+        DoNotOptimize(list);
+    }
+}
+
+// --- TLV
+
+// A root with 60 children, a third each of bytes, words and texts of 12 bytes.
+std::string tlvStream() {
+    std::string children;
+    for (int i = 0; i < 20; ++i) {
+        children += std::string("\x03\x02\x00\x03\x07", 5);
+        children += std::string("\x04\x03\x00\x04\x34\x12", 6);
+        children += std::string("\x01\x0D\x00\x01", 4) + "twelve bytes";
+    }
+    const auto size = static_cast<uint16_t>(children.size());
+    return std::string("\x80", 1) + static_cast<char>(size) + static_cast<char>(size >> 8) +
+           children;
+}
+
+struct Values {
+    uint8_t byte;
+    uint16_t word;
+    char text[16];
+};
+
+int32_t walkWithParser(ParserNode *root, Values &values) {
+    ParserNode child;
+    while (Parser_GetNextSubNode(root, &child) == 0) {
+        int32_t error = 0;
+        switch (child.tag) {
+        case 3:
+            values.byte = Parser_GetParameterByte(&child, &error);
+            break;
+        case 4:
+            values.word = Parser_GetParameterWord(&child, &error);
+            break;
+        case 1:
+            error = std::min(Parser_GetParameterBuffer(&child, values.text, 15), 0);
+            break;
+        default:
+            Parser_GetParameterInsignificant(&child, &error);
+            break;
+        }
+        if (error != 0)
+            return error;
+    }
+    return 0;
+}
+
+void tlvParser(State &state) {
+    const std::string stream = tlvStream();
+    Values values{};
+    for (auto _ : state) {
+        ParserNode root;
+        Parser_Initialize(1, 2);
+        Parser_GetRootNodeInBlock(stream.data(), static_cast<uint32_t>(stream.size()), &root);
+        DoNotOptimize(walkWithParser(&root, values));
+        DoNotOptimize(values);
+    }
+}
+
+// The same checks by hand: bounds, lengths and type codes.
+int walkByHand(const uint8_t *at, std::size_t size, Values &values) {
+    if (size < 3 || (at[0] & 0x80) == 0)
+        return -1;
+    const uint8_t *end = at + size;
+    at += 3;
+    while (end - at > 3) {
+        const uint8_t tag = at[0];
+        const std::size_t length = at[1] | at[2] << 8;
+        at += 3;
+        if (length > static_cast<std::size_t>(end - at))
+            return -1;
+        if (tag == 3) {
+            if (length != 2 || at[0] != 3)
+                return -1;
+            values.byte = at[1];
+        } else if (tag == 4) {
+            if (length != 3 || at[0] != 4)
+                return -1;
+            std::memcpy(&values.word, at + 1, 2);
+        } else if (tag == 1) {
+            if (length < 1 || length > 16 || (at[0] != 1 && at[0] != 2))
+                return -1;
+            std::memcpy(values.text, at + 1, length - 1);
+        }
+        at += length;
+    }
+    return 0;
+}
+
+void tlvByHand(State &state) {
+    const std::string stream = tlvStream();
+    Values values{};
+    for (auto _ : state) {
+        DoNotOptimize(walkByHand(reinterpret_cast<const uint8_t *>(stream.data()), stream.size(),
+                                 values));
+        DoNotOptimize(values);
+    }
+}
+
+BENCHMARK(traceBuffered)->Name("trace: binary record, buffered|uti|2.5");
+BENCHMARK(copyWhenFull)->Name("trace: binary record, buffered|copy and write when full");
+BENCHMARK(traceText)->Name("trace: text record, buffered|uti|0.7");
+BENCHMARK(spdlogText)->Name("trace: text record, buffered|spdlog");
+BENCHMARK(traceUnbuffered)->Name("trace: binary record, unbuffered|uti|1.05");
+BENCHMARK(rawWrites)->Name("trace: binary record, unbuffered|raw writes");
+BENCHMARK(traceBelowLevel)->Name("trace: record below the level|uti|3");
+BENCHMARK(callThroughPointer)->Name("trace: record below the level|call through a pointer");
+BENCHMARK(storedString)->Name("resources: stored string|uti|0.1");
+BENCHMARK(gettextString)->Name("resources: stored string|dgettext");
+BENCHMARK(storageGet)->Name("storage: get at 100 keys|uti|1.2");
+BENCHMARK(mapFind)->Name("storage: get at 100 keys|std::unordered_map");
+BENCHMARK(tlvParser)->Name("tlv: walk with values copied|uti|2.5");
+BENCHMARK(tlvByHand)->Name("tlv: walk with values copied|hand-written walk");
+BENCHMARK(listAppend)->Name("list: append 1000|uti|1.05");
+BENCHMARK(stdListAppend)->Name("list: append 1000|std::list");
+
+} // namespace
+
+BENCHMARK_MAIN();

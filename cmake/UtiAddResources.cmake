@@ -1,0 +1,44 @@
+# uti_add_resources(TARGET SOURCE... HEADER FILE)
+#
+# Compiles resource sources for TARGET when the project is built. Each SOURCE, such as first.toml,
+# is named after its module (`module = "first"` in it) and makes first.res in the caller's binary
+# folder, CMAKE_CURRENT_BINARY_DIR. FILE, a name such as first.h, becomes the C header of all string
+# ids in the same folder, which TARGET can include. Both are made anew when a source or the uti
+# command changes; files whose content stays the same keep their time, so nothing is compiled for
+# them.
+function(uti_add_resources target)
+  cmake_parse_arguments(PARSE_ARGV 1 arg "" "HEADER" "")
+  if(NOT arg_HEADER OR NOT arg_UNPARSED_ARGUMENTS)
+    message(FATAL_ERROR "usage: uti_add_resources(TARGET SOURCE... HEADER FILE)")
+  endif()
+
+  set(sources "")
+  set(made ${CMAKE_CURRENT_BINARY_DIR}/${arg_HEADER})
+  foreach(source IN LISTS arg_UNPARSED_ARGUMENTS)
+    cmake_path(ABSOLUTE_PATH source NORMALIZE)
+    cmake_path(GET source STEM LAST_ONLY module)
+    file(STRINGS ${source} named REGEX "^module *= *\"${module}\"")
+    if(NOT named)
+      message(FATAL_ERROR "uti_add_resources: ${source} must begin with: module = \"${module}\"")
+    endif()
+    list(APPEND sources ${source})
+    list(APPEND made ${CMAKE_CURRENT_BINARY_DIR}/${module}.res)
+  endforeach()
+
+  # A stamp stands for the run: the files themselves stay older than their source when it changes
+  # without effect.
+  set(stamp ${CMAKE_CURRENT_BINARY_DIR}/${arg_HEADER}.stamp)
+  add_custom_command(
+    OUTPUT ${stamp}
+    BYPRODUCTS ${made}
+    COMMAND uti-tool compile ${sources} -o ${CMAKE_CURRENT_BINARY_DIR}
+      --header ${CMAKE_CURRENT_BINARY_DIR}/${arg_HEADER}
+    COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
+    DEPENDS ${sources} uti-tool
+    COMMENT "Making ${arg_HEADER} and the resources of ${target}"
+    VERBATIM)
+  cmake_path(GET arg_HEADER STEM name)
+  add_custom_target(${target}-${name}-resources DEPENDS ${stamp})
+  add_dependencies(${target} ${target}-${name}-resources)
+  target_include_directories(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
+endfunction()

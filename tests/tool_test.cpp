@@ -1,0 +1,295 @@
+// tool_test.cpp: the uti command as a user types it, and its rooms on bytes of every kind.
+#include "resource_source.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace uti::tool;
+namespace fs = std::filesystem;
+
+namespace {
+
+std::string readAll(const fs::path &path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Runs the command in a folder of its own, sources in src, results in out.
+class ToolTest : public testing::Test {
+protected:
+    ToolTest() {
+        fs::create_directories(folder / "src");
+        fs::create_directories(folder / "out");
+    }
+    ~ToolTest() override { fs::remove_all(folder); }
+
+    void write(const fs::path &path, const std::string &bytes) {
+        std::ofstream(folder / path, std::ios::binary) << bytes;
+    }
+
+    int run(const std::string &arguments, const std::string &from = ".") {
+        const std::string command = concat("cd ", folder, '/', from, " && " UTI_TOOL " ", arguments,
+                                           " >", folder / "stdout", " 2>", folder / "stderr");
+        const int status = std::system(command.c_str());
+        out = readAll(folder / "stdout");
+        err = readAll(folder / "stderr");
+        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    }
+
+    const fs::path folder = fs::temp_directory_path() / concat("tool_test.", getpid());
+    std::string out;
+    std::string err;
+};
+
+std::string fromHex(std::string_view digits) {
+    std::string bytes;
+    for (std::size_t at = 0; (at = digits.find_first_not_of(' ', at)) != digits.npos; at += 2)
+        bytes += static_cast<char>(std::stoi(std::string(digits.substr(at, 2)), nullptr, 16));
+    return bytes;
+}
+
+ResourceFile compiled(const std::string &source) {
+    Diagnostics diagnostics("source", source);
+    ResourceSource result = readResourceSource(diagnostics);
+    EXPECT_FALSE(diagnostics.hasErrors()) << source;
+    return std::move(result.file);
+}
+
+// Reads bytes that may be anything. What can be read must come through a dump unchanged, what
+// cannot must be reported.
+std::optional<ResourceFile> readAndDump(const std::string &bytes) {
+    static const auto codePage = CodePage::open(defaultCodePage);
+    Diagnostics diagnostics("bytes");
+    std::optional<ResourceFile> file = readResourceFile(bytes, diagnostics);
+    EXPECT_NE(file.has_value(), diagnostics.hasErrors());
+    if (file) {
+        EXPECT_EQ(compiled(writeResourceSource(*file, "m", std::get<0>(codePage))), file);
+    }
+    return file;
+}
+
+constexpr const char *goodSource = R"(module = "good"
+version = 300
+[languages]
+ru = 7
+en = 0
+[strings]
+YES = { id = 0x1002, en = "Yes", ru = "Да" }
+EMPTY = { id = 0x1000, en = "", ru = "" }
+)";
+
+constexpr const char *goodHex =
+    "01 80 5B 00 00 00  02 80 55 00 00 00  01 00 03 00 00 00 04 2C 01  01 81 46 00 00 00 "
+    "20 80 1D 00 00 00  21 00 03 00 00 00 01 72 75  22 00 03 00 00 00 04 07 00 "
+    "23 00 05 00 00 00 05 61 00 00 00 "
+    "20 80 1D 00 00 00  21 00 03 00 00 00 01 65 6E  22 00 03 00 00 00 04 00 00 "
+    "23 00 05 00 00 00 05 6F 00 00 00 "
+    "0C 00 00 00  00 00 00 00  0C 00 02 00  C4 E0 "
+    "0C 00 00 00  00 00 00 00  0C 00 03 00  59 65 73 ";
+
+constexpr const char *oddSource = R"(module = "odd"
+root_tag = 0x80FF
+[languages]
+id = 65535
+en = 0
+ru = 7
+[sections]
+4 = { ru = 5, en = 1 }
+5 = { id = 9 }
+[strings]
+ESCAPES = { id = 0x100F, en = "\" \\ \t\n\r\u00A0{0}", ru = { hex = "98" }, text.id = "halo" }
+CONTROL = { id = 0x4000, ru = "\u001B" }
+SHARED = { id = 0x0000, hex = "00 ff" }
+UNEVEN = { id = 0x0002, en = "only" }
+ALIKE = { id = 0x2000, en = { hex = "98" }, ru = { hex = "98" } }
+LONG = { id = 0x3000, hex = """
+00 01 02 03 04 05 06 07 08 09 0A 0B 0C 0D 0E 0F 10 11 12 13 14 15 16 17 18 19 1A 1B 1C 1D 1E 1F
+20""" }
+)";
+
+TEST_F(ToolTest, ReportsEveryMistakeAtItsPlace) {
+    const std::string head = "module = 'm'\n[languages]\nen = 0\nru = 1\n[strings]\n";
+    const std::string full = "{ id = 1, ru = '', en = '" + std::string(65524, 'x') + "' }\n";
+    const std::pair<std::string, std::string> rows[] = {
+        {"modul = 'm'\n", "1:1: the module's name is missing: module = \"name\"\n"
+                          "1:1: unknown key \"modul\"; did you mean \"module\"?\n"},
+        {"module = '1st'\nversion = 65536\nroot_tag = 0x7FFF\n",
+         "1:10: a module's name is 1 to 12 letters, digits and underscores and begins with no "
+         "digit\n2:11: version must be 0 to 65535\n3:12: root_tag must be 0x8000 to 0xFFFF\n"},
+        {"module = 'm'\ncode_page = 'utf-8'\n", "2:13: \"utf-8\" is not a single-byte code page\n"},
+        {"module = 'm'\ncode_page = 'ascii//TRANSLIT'\n[strings]\nA = { id = 0 }\n",
+         "2:13: unknown code page \"ascii//TRANSLIT\"\n"
+         "3:1: strings need languages: [languages] and en = 0\n"},
+        {"module = 'm'\n[languages]\nENG = 0\nen = 'x'\n[sections]\n6 = {}\n1 = {}\n2 = { de = 0 }",
+         "3:1: a language code is two lower-case letters\n4:6: en must be a whole number, not a "
+         "text\n6:1: a section is 0 to 5\n7:5: a section needs a language\n"
+         "8:7: \"de\" is not in [languages]\n"},
+        {"module = 'm'\nversion = 1 2\n", "2:13: Error while parsing key-value pair: expected a "
+                                          "comment or whitespace, saw '2'\n"},
+        {"# я\nm = '''я''''\nn = 0'я'\n", "3:7: U+044F 'я' stands outside of a text\n"},
+        {"[^]\n", "1:2: Error while parsing key: expected bare key starting character or string "
+                  "delimiter, saw '^'\n"},
+        {head + "A = { id = 1, hex = '' }\n9 = { id = 2, hex = '' }\nB = 1\nC = { id = 1, en = 2 }",
+         "7:1: \"9\" is no identifier of C\n8:5: B must be a table, not a whole number\n"
+         "9:12: id 0x0001 is taken by A in line 6\n9:20: en must be a text, not a whole number\n"},
+        {head + "A = { id = 0x6000, hex = '0' }\nB = { hex = '0g' }\nC = { id = 1, hexx = '' }\n",
+         "6:12: id must be 0x0000 to 0x5FFF: a section, 0 to 5, and a three-digit index\n"
+         "6:27: a byte is two hex digits\n7:1: B has no id\n7:14: a byte is two hex digits\n"
+         "8:1: C has neither a text nor hex\n8:15: unknown key \"hexx\"; did you mean \"hex\"?\n"},
+        {head + "A = { id = 1, en = 'я €中中', ru = \"\\u4E2D\" }\n",
+         "6:24: U+4E2D '中' is not in windows-1251\n6:34: U+4E2D '中' is not in windows-1251\n"},
+        {head + "A = { id = 1, en = 'x', hex = '' }\nB = { id = 2, en = {}, text.en = '' }",
+         "6:31: hex stands for every language; no text goes with it\n"
+         "7:20: en must be a text or { hex = \"...\" }\n7:34: en is given twice\n"},
+        {head + "A = " + full + "B = { id = 2, hex = '' }",
+         "7:1: the table of section 0 in en ends here: it holds 65536 bytes with its index\n"},
+    };
+    for (const auto &[source, findings] : rows) {
+        SCOPED_TRACE(source.substr(0, 200));
+        Diagnostics diagnostics("f", source);
+        readResourceSource(diagnostics);
+        std::stringstream printed;
+        diagnostics.print(printed);
+        std::string errors;
+        for (std::string line; std::getline(printed, line);) {
+            const std::size_t at = line.find(" error: ");
+            if (line.starts_with("f:") && at != line.npos)
+                errors += line.substr(2, at - 1) + line.substr(at + 8) + '\n';
+        }
+        EXPECT_EQ(errors, findings);
+    }
+}
+
+TEST_F(ToolTest, ShowsTheLineAndACaret) {
+    write("src/a.toml",
+          "module='a'\n[languages]\nen=0\n[strings]\r\nA = { id = 1,\ten = 'Да ₽' }");
+    EXPECT_EQ(run("compile src/a.toml -o out"), 1);
+    EXPECT_EQ(err, "src/a.toml:5:24: error: U+20BD '₽' is not in windows-1251\n"
+                   "A = { id = 1,\ten = 'Да ₽' }\n             \t         ^\n");
+    EXPECT_TRUE(fs::is_empty(folder / "out"));
+}
+
+TEST_F(ToolTest, DumpsSourceOfTheSameBytes) {
+    const std::string odd = writeResourceFile(compiled(oddSource));
+    for (const auto &[source, bytes] :
+         {std::pair{goodSource, fromHex(goodHex)}, {oddSource, odd}}) {
+        const std::string name = bytes == odd ? "odd" : "good";
+        SCOPED_TRACE(name);
+        write("src/a.toml", source);
+        ASSERT_EQ(run("compile -o out src/a.toml"), 0) << err;
+        EXPECT_TRUE(readAll(folder / "out" / (name + ".res")) == bytes);
+        ASSERT_EQ(run("dump --verify out/" + name + ".res"), 0) << err;
+        EXPECT_NE(err.find(concat("compiles to the same ", bytes.size(), " bytes")), err.npos);
+
+        fs::remove(folder / "out" / (name + ".res"));
+        write("src/a.toml", out);
+        ASSERT_EQ(run("compile -o out src/a.toml"), 0) << err;
+        EXPECT_TRUE(readAll(folder / "out" / (name + ".res")) == bytes);
+    }
+}
+
+TEST_F(ToolTest, ReadsOtherLayouts) {
+    // A root with an unknown node before the header and a table behind it; language codes with a
+    // zero; no info word; one table for two languages, and a block too many.
+    const std::string bytes = fromHex(
+        "FF 80 75 00 00 00  33 00 01 00 00 00 AA  02 80 5F 00 00 00  05 81 59 00 00 00 "
+        "20 80 15 00 00 00  21 00 04 00 00 00 02 65 6E 00  23 00 05 00 00 00 05 72 00 00 00 "
+        "20 80 1E 00 00 00  21 00 04 00 00 00 02 72 75 00  23 00 05 00 00 00 05 72 00 00 00 "
+        "22 00 03 00 00 00 04 02 00 "
+        "20 80 14 00 00 00  21 00 03 00 00 00 01 65 6E  23 00 05 00 00 00 05 00 00 00 00 "
+        "04 00 05 00  41 42 43 44 45");
+    write("out/m.res", bytes);
+    EXPECT_EQ(readAndDump(bytes), compiled("module = 'm'\nroot_tag = 0x80FF\n[languages]\nen = 0\n"
+                                           "ru = 2\n[strings]\nA = { id = 0x5000, en = 'ABCDE', "
+                                           "ru = 'ABCDE' }"));
+    EXPECT_EQ(run("dump --verify out/m.res"), 1);
+    EXPECT_NE(err.find("section 5 has en twice"), err.npos) << err;
+    EXPECT_NE(err.find("compiles to the same content in another layout"), err.npos) << err;
+}
+
+TEST_F(ToolTest, AnswersWithTheRightExitCode) {
+    write("src/good.toml", goodSource);
+    write("src/hole.toml", "module='h'\n[languages]\nen=0\nru=0\n[strings]\nA={ id=1, en='x' }");
+    const struct {
+        const char *from;
+        const char *arguments;
+        int exit;
+        const char *message;
+    } rows[] = {
+        {".", "", 2, "subcommand is required"},
+        {".", "compile src/none.toml -o out", 2, "does not exist"},
+        {".", "compile src/good.toml -o none", 2, "does not exist"},
+        {"src", "compile good.toml", 2, "name the folder to write to with -o"},
+        {".", "compile src/good.toml", 2, "name the folder to write to with -o"},
+        {"out", "compile ../src/good.toml", 0, ""},
+        {".", "compile src/good.toml src/good.toml -o out", 1, "has GOOD_MODULE already"},
+        {".", "compile src/hole.toml -o out", 0, "6:1: warning: A has no text in ru"},
+        {".", "compile --strict src/hole.toml -o out", 1, "6:1: error: A has no text in ru"},
+        {".", "compile src/good.toml -o out --header none/good.h", 2, "cannot write none/good.h"},
+        {".", "dump src/good.toml", 1, "src/good.toml: error: this is no resource file"},
+        {".", "dump out/good.res --code-page utf-16", 2, "is not a single-byte code page"},
+    };
+    for (const auto &[from, arguments, exit, message] : rows) {
+        SCOPED_TRACE(arguments);
+        EXPECT_EQ(run(arguments, from), exit);
+        EXPECT_NE(err.find(message), err.npos) << err;
+        EXPECT_EQ(out, "");
+    }
+    EXPECT_FALSE(fs::exists(folder / "good.res") || fs::exists(folder / "src/good.res"));
+    EXPECT_EQ(run("--version"), 0);
+    EXPECT_EQ(out, "1.1.25.4\n");
+}
+
+TEST_F(ToolTest, WritesAHeaderAndOnlyWhatChanged) {
+    write("src/good.toml", goodSource);
+    write("src/b.toml", "module = 'B2'\n");
+    const std::string command = "compile src/good.toml src/b.toml -o out --header out/ids.h";
+    ASSERT_EQ(run(command), 0) << err;
+    EXPECT_EQ(readAll(folder / "out/ids.h"),
+              "/* String ids, made by uti compile; do not edit. */\n#ifndef UTI_RESOURCES_IDS_H\n"
+              "#define UTI_RESOURCES_IDS_H\n\n/* good.toml */\n#define GOOD_MODULE \"good\"\n"
+              "enum {\n    GOOD_YES = 0x1002,\n    GOOD_EMPTY = 0x1000,\n};\n\n/* b.toml */\n"
+              "#define B2_MODULE \"B2\"\n\n#endif\n");
+
+    const auto hourAgo = fs::file_time_type::clock::now() - std::chrono::hours(1);
+    for (const fs::path &file : fs::directory_iterator(folder / "out"))
+        fs::last_write_time(file, hourAgo);
+    write("src/b.toml", "module = 'B2'\nversion = 0\n");
+    ASSERT_EQ(run(command), 0) << err;
+    const auto recently = hourAgo + std::chrono::minutes(30);
+    for (const fs::path &file : fs::directory_iterator(folder / "out"))
+        EXPECT_EQ(fs::last_write_time(file) > recently, file.filename() == "B2.res") << file;
+    EXPECT_EQ(std::distance(fs::directory_iterator(folder / "out"), {}), 3);
+}
+
+TEST(ToolRooms, SurviveDamagedFiles) {
+    for (const std::string &good : {fromHex(goodHex), writeResourceFile(compiled(oddSource))}) {
+        ASSERT_TRUE(readAndDump(good));
+        const std::size_t tree = std::min<std::size_t>(good.size(), 600);
+        for (std::size_t size = 0; size < good.size(); size += size < tree ? 1 : 997)
+            EXPECT_FALSE(readAndDump(good.substr(0, size))) << size;
+        for (std::size_t change = 0; change < 3 * tree; ++change) {
+            std::string damaged = good;
+            damaged[change / 3] =
+                static_cast<char>(damaged[change / 3] ^ "\x01\x80\xFF"[change % 3]);
+            readAndDump(damaged);
+        }
+    }
+}
+
+// A table of strings that share their bytes: small to store, huge to write out.
+TEST(ToolRooms, RefuseFilesThatGrow) {
+    const char *source = "module='m'\n[languages]\nen=0\n[strings]\nA = { id = 0xFFF, en = '' }";
+    std::string bytes = writeResourceFile(compiled(source));
+    ASSERT_TRUE(readAndDump(bytes));
+    for (std::size_t entry = bytes.size() - 0x4000; entry < bytes.size(); entry += 4)
+        bytes.replace(entry, 4, fromHex("00 20 00 20"));
+    EXPECT_FALSE(readAndDump(bytes));
+}
+
+} // namespace

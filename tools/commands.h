@@ -1,0 +1,18 @@
+// commands.h: the subcommands of uti. Each lives in a room of its own and puts itself on the
+// command line; when it is the one asked for, it leaves the exit code in `result`.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace uti::tool {
+
+enum ExitCode : int {
+    exitDone = 0,
+    exitErrors = 1, // in the input, printed
+    exitUsage = 2   // wrong usage, no such file, or a file that cannot be written
+};
+
+void addCompileCommand(CLI::App &app, int &result);
+void addDumpCommand(CLI::App &app, int &result);
+
+} // namespace uti::tool

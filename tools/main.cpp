@@ -1,0 +1,27 @@
+// main.cpp: the uti command, which makes and reads the files of the library. The subcommands are
+// rooms of their own (commands.h).
+#include "commands.h"
+
+#include <exception>
+#include <iostream>
+
+int main(int argc, char **argv) try {
+    using namespace uti::tool;
+
+    CLI::App app("Makes and reads the files of the uti library.", "uti");
+    app.set_version_flag("--version", UTI_VERSION);
+    app.require_subcommand(1);
+    int result = exitDone;
+    addCompileCommand(app, result);
+    addDumpCommand(app, result);
+
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError &error) {
+        return app.exit(error) == 0 ? exitDone : exitUsage;
+    }
+    return result;
+} catch (const std::exception &failure) {
+    std::cerr << "uti: " << failure.what() << '\n';
+    return uti::tool::exitUsage;
+}

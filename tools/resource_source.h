@@ -1,0 +1,46 @@
+// resource_source.h: the source language of resource files (docs/resource-source.md), read into the
+// file it stands for and written from one. Stands on the TOML reader, the code page and the model.
+#pragma once
+
+#include "code_page.h"
+#include "diagnostics.h"
+#include "resource_model.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace uti::tool {
+
+// The name of a string, as the source spells it.
+struct StringName {
+    std::string name;
+    uint16_t id;
+    Position position;
+};
+
+inline constexpr std::size_t longestModuleName = 12;
+
+// A module's name is 1 to 12 letters, digits and underscores, the first no digit.
+bool isModuleName(std::string_view name);
+
+// A letter, a digit or an underscore.
+bool isNamePart(char c);
+
+struct ResourceSource {
+    std::string module;
+    Position modulePosition;
+    std::vector<StringName> names; // in file order
+    ResourceFile file;
+};
+
+// Reads the text of `diagnostics`. The result may be used when no error was reported.
+ResourceSource readResourceSource(Diagnostics &diagnostics);
+
+// The source of a file, with the strings named after their ids. What is no readable text in the
+// code page stands there in hex.
+std::string writeResourceSource(const ResourceFile &file, std::string_view module,
+                                const CodePage &codePage);
+
+} // namespace uti::tool

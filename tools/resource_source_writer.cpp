@@ -1,0 +1,235 @@
+// resource_source_writer.cpp: a resource file as source. Short strings stand one a line under
+// [strings], the others as tables of their own behind them, as TOML has it.
+#include "resource_source.h"
+
+#include "utf8.h"
+
+#include <algorithm>
+#include <set>
+
+namespace uti::tool {
+
+namespace {
+
+constexpr std::size_t longestLine = 100;
+constexpr std::size_t hexBytesInLine = 32;
+
+// The control characters that make a text unreadable, by their bytes in UTF-8.
+bool isControl(char byte) {
+    const auto value = static_cast<unsigned char>(byte);
+    return (value < ' ' && value != '\n' && value != '\r' && value != '\t') || value == 0x7F;
+}
+
+// Characters that a reader could not see or tell from others: C1 controls, special blanks, and the
+// marks of joining and direction.
+bool isHidden(char32_t character) {
+    return (character >= 0x80 && character <= 0xA0) || character == 0xAD ||
+           (character >= 0x2000 && character <= 0x200F) ||
+           (character >= 0x2028 && character <= 0x202F) ||
+           (character >= 0x2060 && character <= 0x206F) || character == 0xFEFF;
+}
+
+std::string quote(std::string_view text) {
+    std::string quoted = "\"";
+    while (!text.empty()) {
+        const char32_t character = takeCharacter(text);
+        if (character == '\n')
+            quoted += "\\n";
+        else if (character == '\r')
+            quoted += "\\r";
+        else if (character == '\t')
+            quoted += "\\t";
+        else if (isHidden(character))
+            quoted += "\\u" + concat(Hex{character, 4}).substr(2);
+        else {
+            if (character == '"' || character == '\\')
+                quoted += '\\';
+            appendCharacter(quoted, character);
+        }
+    }
+    return quoted + '"';
+}
+
+// Bytes in hex as a text of one line, or of several when there are many.
+std::string quoteHex(std::string_view bytes) {
+    constexpr std::string_view digits = "0123456789ABCDEF";
+    const bool isLong = bytes.size() > hexBytesInLine;
+    std::string quoted = isLong ? "'''" : "\"";
+    for (std::size_t at = 0; at < bytes.size(); ++at) {
+        const bool startsLine = at % hexBytesInLine == 0;
+        if (isLong || !startsLine)
+            quoted += startsLine ? '\n' : ' ';
+        const auto byte = static_cast<unsigned char>(bytes[at]);
+        quoted += digits[byte >> 4];
+        quoted += digits[byte & 0xF];
+    }
+    return quoted + (isLong ? "\n'''" : "\"");
+}
+
+std::size_t countCharacters(std::string_view text) {
+    std::size_t count = 0;
+    for (; !text.empty(); ++count)
+        takeCharacter(text);
+    return count;
+}
+
+std::string join(const std::vector<std::string> &parts, std::string_view separator) {
+    std::string joined;
+    for (const std::string &part : parts)
+        joined += concat(joined.empty() ? "" : separator, part);
+    return joined;
+}
+
+std::vector<Language> languagesOf(const std::vector<LanguageTable> &tables) {
+    std::vector<Language> languages;
+    for (const LanguageTable &table : tables)
+        languages.push_back(table.language);
+    return languages;
+}
+
+std::string listLanguages(const std::vector<Language> &languages, std::string_view separator) {
+    std::vector<std::string> list;
+    for (const Language &language : languages)
+        list.push_back(concat(language.code, " = ", language.info));
+    return join(list, separator);
+}
+
+// Writes a file once, for `writeResourceSource`.
+class SourceWriter {
+public:
+    SourceWriter(const ResourceFile &file, const CodePage &codePage)
+        : file_(file), codePage_(codePage) {}
+
+    std::string write(std::string_view module);
+
+private:
+    struct Section {
+        const std::vector<LanguageTable> &tables;
+        bool isListed; // under [sections], since [languages] would give others
+        std::size_t languageCount;
+    };
+
+    void collectLanguages();
+    Section describe(const std::vector<LanguageTable> &tables) const;
+    void writeString(uint16_t id, const Section &section);
+    const std::string *findShared(uint16_t id, const Section &section) const;
+    std::string writeBytes(const std::string &bytes) const;
+    std::optional<std::string> readableText(const std::string &bytes) const;
+
+    const ResourceFile &file_;
+    const CodePage &codePage_;
+    std::vector<Language> languages_; // of all sections, in the order of their first appearance
+    std::string lines_;               // strings of one line
+    std::string tables_;              // strings with a table of their own
+};
+
+void SourceWriter::collectLanguages() {
+    for (const auto &[number, tables] : file_.sections) {
+        for (const LanguageTable &table : tables) {
+            const std::string &code = table.language.code;
+            if (std::ranges::find(languages_, code, &Language::code) == languages_.end())
+                languages_.push_back(table.language);
+        }
+    }
+}
+
+SourceWriter::Section SourceWriter::describe(const std::vector<LanguageTable> &tables) const {
+    std::vector<Language> unlisted;
+    for (const Language &language : languages_) {
+        const auto isOurs = [&](const LanguageTable &table) {
+            return table.language.code == language.code && !table.strings.empty();
+        };
+        if (std::ranges::any_of(tables, isOurs))
+            unlisted.push_back(language);
+    }
+    const bool isListed = languagesOf(tables) != unlisted;
+    return {tables, isListed, isListed ? tables.size() : languages_.size()};
+}
+
+std::string SourceWriter::write(std::string_view module) {
+    collectLanguages();
+    std::string lists;
+    for (const auto &[number, tables] : file_.sections) {
+        const Section section = describe(tables);
+        if (section.isListed)
+            lists += concat(+number, " = { ", listLanguages(languagesOf(tables), ", "), " }\n");
+
+        std::set<uint16_t> indexes;
+        for (const LanguageTable &table : tables) {
+            for (const auto &[index, bytes] : table.strings)
+                indexes.insert(index);
+        }
+        for (const uint16_t index : indexes)
+            writeString(stringId(number, index), section);
+    }
+
+    std::string source = concat("module = ", quote(module), '\n');
+    if (file_.version)
+        source += concat("version = ", *file_.version, '\n');
+    source += concat("code_page = ", quote(codePage_.name()), '\n');
+    if (file_.rootTag != defaultRootTag)
+        source += concat("root_tag = ", Hex{file_.rootTag, 4}, '\n');
+    if (!languages_.empty())
+        source += concat("\n[languages]\n", listLanguages(languages_, "\n"), '\n');
+    if (!lists.empty())
+        source += "\n[sections]\n" + lists;
+    if (!lines_.empty())
+        source += "\n[strings]\n" + lines_;
+    return source + tables_;
+}
+
+void SourceWriter::writeString(uint16_t id, const Section &section) {
+    std::vector<std::string> assignments{concat("id = ", Hex{id, 4})};
+    if (const std::string *bytes = findShared(id, section)) {
+        assignments.push_back("hex = " + quoteHex(*bytes));
+    } else {
+        for (const auto &[language, strings] : section.tables) {
+            const auto found = strings.find(indexOf(id));
+            if (found == strings.end())
+                continue;
+            const std::string key = language.code == "id" ? "text.id" : language.code;
+            assignments.push_back(concat(key, " = ", writeBytes(found->second)));
+        }
+    }
+
+    const std::string name = "STRING_" + concat(Hex{id, 4}).substr(2);
+    const std::string line = concat(name, " = { ", join(assignments, ", "), " }\n");
+    if (line.find('\n') == line.size() - 1 && countCharacters(line) <= longestLine)
+        lines_ += line;
+    else
+        tables_ += concat("\n[strings.", name, "]\n", join(assignments, "\n"), '\n');
+}
+
+// The bytes of a string that is no text and the same in each language that `hex` stands for.
+const std::string *SourceWriter::findShared(uint16_t id, const Section &section) const {
+    const std::string *shared = nullptr;
+    for (const auto &[language, strings] : section.tables) {
+        const auto found = strings.find(indexOf(id));
+        if (found == strings.end() || (shared && *shared != found->second))
+            return nullptr;
+        shared = &found->second;
+    }
+    const bool isEverywhere = section.tables.size() == section.languageCount;
+    return shared && isEverywhere && !readableText(*shared) ? shared : nullptr;
+}
+
+std::string SourceWriter::writeBytes(const std::string &bytes) const {
+    const std::optional<std::string> text = readableText(bytes);
+    return text ? quote(*text) : "{ hex = " + quoteHex(bytes) + " }";
+}
+
+std::optional<std::string> SourceWriter::readableText(const std::string &bytes) const {
+    std::optional<std::string> text = codePage_.decode(bytes);
+    if (text && std::ranges::any_of(*text, isControl))
+        return std::nullopt;
+    return text;
+}
+
+} // namespace
+
+std::string writeResourceSource(const ResourceFile &file, std::string_view module,
+                                const CodePage &codePage) {
+    return SourceWriter(file, codePage).write(module);
+}
+
+} // namespace uti::tool

@@ -1,0 +1,186 @@
+// toml_reader.cpp: the typed walk over TOML tables.
+#include "toml_reader.h"
+
+#include "utf8.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace uti::tool {
+
+namespace {
+
+Position position(const toml::source_position &source) {
+    return {source.line, source.column};
+}
+
+std::string_view typeName(toml::node_type type) {
+    switch (type) {
+    case toml::node_type::table:
+        return "a table";
+    case toml::node_type::array:
+        return "an array";
+    case toml::node_type::string:
+        return "a text";
+    case toml::node_type::integer:
+        return "a whole number";
+    case toml::node_type::floating_point:
+        return "a fraction";
+    case toml::node_type::boolean:
+        return "a truth value";
+    default:
+        return "a date or time";
+    }
+}
+
+// The quotes or the number sign that begin a text or a comment here, or nothing. Quotes right
+// behind a word or a number begin none.
+std::string_view openingOf(std::string_view rest, char before) {
+    constexpr std::string_view placesOfTexts = " \t\r\n=[,{.";
+    for (const std::string_view opening : {"\"\"\"", "'''", "\"", "'", "#"}) {
+        const bool isPlaced = opening == "#" || placesOfTexts.find(before) != placesOfTexts.npos;
+        if (isPlaced && rest.starts_with(opening))
+            return opening;
+    }
+    return {};
+}
+
+// Reports the first character outside of texts and comments that is not ASCII. None is allowed
+// there, a Cyrillic letter among Latin ones is a likely slip, and toml++ has no defined behaviour
+// for some of them.
+bool hasStrayCharacter(Diagnostics &diagnostics) {
+    std::string_view rest = diagnostics.text();
+    if (rest.starts_with(byteOrderMark))
+        rest.remove_prefix(byteOrderMark.size());
+
+    std::string_view closing; // of the text or comment around; empty outside
+    char before = '\n';
+    for (Position at{1, 1}; !rest.empty();) {
+        std::size_t count = 1;
+        if (closing.empty()) {
+            const std::string_view opening = openingOf(rest, before);
+            closing = opening == "#" ? "\n" : opening;
+            count = std::max<std::size_t>(opening.size(), 1);
+        } else if (rest.starts_with(closing) || (closing.size() == 1 && rest[0] == '\n')) {
+            // A text in triple quotes may end in two quotes of its own.
+            count = closing.size();
+            while (count >= 3 && count < 5 && count < rest.size() && rest[count] == closing[0])
+                ++count;
+            closing = {};
+        } else if (closing[0] == '"' && rest[0] == '\\' && !rest.starts_with("\\\n")) {
+            count = 2;
+        }
+
+        for (; count > 0 && !rest.empty(); --count) {
+            before = rest[0];
+            const char32_t character = takeCharacter(rest);
+            if (closing.empty() && character >= 0x80) {
+                diagnostics.error(at, describe(character), " stands outside of a text");
+                return true;
+            }
+            at = character == '\n' ? Position{at.line + 1, 1} : Position{at.line, at.column + 1};
+        }
+    }
+    return false;
+}
+
+// How many characters must be inserted, removed or replaced to turn one word into the other.
+std::size_t distance(std::string_view from, std::string_view to) {
+    std::vector<std::size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < from.size(); ++i) {
+        std::size_t diagonal = row[0]++;
+        for (std::size_t j = 0; j < to.size(); ++j) {
+            const std::size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+        }
+    }
+    return row.back();
+}
+
+} // namespace
+
+Position begin(const toml::node &node) {
+    return position(node.source().begin);
+}
+
+Position begin(const toml::key &key) {
+    return position(key.source().begin);
+}
+
+Position end(const toml::node &node) {
+    return position(node.source().end);
+}
+
+std::optional<toml::table> parseToml(Diagnostics &diagnostics) {
+    if (hasStrayCharacter(diagnostics))
+        return std::nullopt;
+    toml::parse_result result = toml::parse(std::string_view(diagnostics.text()));
+    if (!result) {
+        const toml::parse_error &error = result.error();
+        diagnostics.error(position(error.source().begin), error.description());
+        return std::nullopt;
+    }
+    return std::move(result).table();
+}
+
+std::vector<TomlEntry> entriesInOrder(const toml::table &table) {
+    std::vector<TomlEntry> entries;
+    for (auto &&[key, node] : table)
+        entries.push_back({&key, &node});
+    std::ranges::sort(entries, {}, [](const TomlEntry &entry) { return begin(*entry.key); });
+    return entries;
+}
+
+void reportType(const toml::node &node, std::string_view name, toml::node_type wanted,
+                Diagnostics &diagnostics) {
+    diagnostics.error(begin(node), name, " must be ", typeName(wanted), ", not ",
+                      typeName(node.type()));
+}
+
+std::optional<uint16_t> expectNumber(const toml::node &node, std::string_view name, uint16_t most,
+                                     Diagnostics &diagnostics) {
+    const auto *number = expect<TomlInteger>(node, name, diagnostics);
+    if (!number)
+        return std::nullopt;
+    if (number->get() >= 0 && number->get() <= most)
+        return static_cast<uint16_t>(number->get());
+    diagnostics.error(begin(node), name, " must be 0 to ", most);
+    return std::nullopt;
+}
+
+const toml::node *TableReader::find(std::string_view key) {
+    known_.push_back(key);
+    return table_.get(key);
+}
+
+std::optional<uint16_t> TableReader::findNumber(std::string_view key, uint16_t most) {
+    const toml::node *node = find(key);
+    return node ? expectNumber(*node, key, most, diagnostics_) : std::nullopt;
+}
+
+void TableReader::reportUnknownKeys() const {
+    for (auto &&[key, node] : table_) {
+        if (std::ranges::find(known_, key.str()) != known_.end())
+            continue;
+        const std::string_view nearest = nearestKnown(key.str());
+        const std::string hint = nearest.empty() ? "" : concat("; did you mean \"", nearest, "\"?");
+        diagnostics_.error(begin(key), "unknown key \"", key.str(), '"', hint);
+    }
+}
+
+std::string_view TableReader::nearestKnown(std::string_view key) const {
+    std::string_view nearest;
+    std::size_t least = std::max<std::size_t>(1, key.size() / 3) + 1;
+    for (const std::string_view known : known_) {
+        const std::size_t steps = distance(key, known);
+        if (steps < least) {
+            least = steps;
+            nearest = known;
+        }
+    }
+    return nearest;
+}
+
+} // namespace uti::tool
