@@ -783,15 +783,16 @@ UTI_API int32_t resource_StoreString(const char *module, uint32_t id, const void
  * trimmed and compared in upper case, but for `Ini_RemoveSection`. Trimming takes the characters 1
  * to 32 off both ends, then one pair of double quotes around the rest. A section name has 1 to 254
  * characters, a key name 1 to 255, a value up to 254; longer ones are refused, and skipped in a
- * file. Keys ahead of the first section belong to the section "NONAME_SECTION". Of equal keys in a
- * section the first one's place and the last one's value count.
+ * file. Keys ahead of the first section, or behind a malformed header, belong to the section
+ * "NONAME_SECTION". Of equal keys in a section the place of the first and the value of the last
+ * count.
  *
  * In a file "&#dd;" stands in a value for the character with the decimal code dd; code 00 ends the
  * value, a sequence that is begun and then different stands as it is, and one that is cut by the
  * end of the value is lost. Line breaks in values are written that way, and nothing else is. So the
  * file does not give back as they were: names with '=', ']' or line breaks, keys that begin with
- * ';', '#' or '[', outer blanks and quotes of names and values, "&#" in values, and values that take
- * more than 254 characters as written, each line break counting five.
+ * ';', '#' or '[', outer blanks and quotes of names and values, "&#" in values, a '&' that ends
+ * one, and values of more than 254 characters as written, each line break counting five.
  *
  * There can be 32767 files, sections in a file and keys in a section; more are refused, and skipped
  * in a file. When memory is short nothing is changed, neither in the cache nor on disk.

@@ -1,0 +1,293 @@
+// utiIni.h: the cache of INI files that the reader and the writer of a file (utiIni.cpp) share with
+// the exported operations (utiIniAccess.cpp). Stands on the platform's files and the heap.
+//
+// A file as it is read; lines end at every CR and LF, and a zero byte hides the rest of its line:
+//
+//   ;...  #...   comment, from the first column on
+//   [name]...    section, its name of 1 to 254 characters before trimming
+//   key=value    key of up to 255 characters and value of up to 254, before trimming
+//
+// Names are trimmed and turned to upper case; keys ahead of the first section belong to the section
+// NONAME_SECTION. Values are trimmed, then "&#dd;" in them becomes the character with the decimal
+// code dd. Every other line is skipped. A file as it is written:
+//
+//   [NAME]\r\n   each section
+//   KEY=         each key of it,
+//   value\r\n    its value, every CR in it as "&#13;" and every LF as "&#10;"
+//   \r\n         the end of the section
+#pragma once
+
+#include "heap.h"
+#include "uti.h"
+
+#include <algorithm>
+#include <string_view>
+#include <type_traits>
+
+namespace uti {
+
+inline constexpr std::size_t longestName = sizeof(SectionKeyInfo::key) - 1;
+inline constexpr std::size_t longestSectionName = 254;
+inline constexpr std::size_t longestValue = 254;
+
+// Refused: malformed, or one too many.
+enum class Stored { done, refused, noMemory };
+
+inline uint32_t hashOf(std::string_view name) {
+    uint64_t hash = name.size();
+    while (!name.empty()) {
+        uint64_t part = 0;
+        const std::size_t size = std::min(name.size(), sizeof part);
+        for (std::size_t i = 0; i < size; ++i)
+            part = part << 8 | static_cast<uint8_t>(name[i]);
+        name.remove_prefix(size);
+        hash = (hash ^ part) * 0x9E3779B97F4A7C15u;
+        hash ^= hash >> 32;
+    }
+    return static_cast<uint32_t>(hash);
+}
+
+// Items in the order of their arrival, each with an owned `text` and a `name()` like no other's. A
+// second array keeps their places sorted by the hash of the name and then by the name itself: no
+// file, be it long or hostile, makes the search slow.
+template <class Item>
+class NamedArray {
+public:
+    int16_t count() const { return count_; }
+    Item *begin() const { return items_; }
+    Item *end() const { return items_ + count_; }
+
+    // The item with this name, or null.
+    Item *find(std::string_view name) const {
+        if (count_ <= fewItems) {
+            Item *found =
+                std::find_if(begin(), end(), [&](const Item &item) { return item.name() == name; });
+            return found == end() ? nullptr : found;
+        }
+        const uint32_t hash = hashOf(name);
+        return itemAt(lowerBound(hash, name), hash, name);
+    }
+
+    // Puts an item in the place of the one with its name, or behind the others. It belongs to the
+    // array from now on, also when it is not stored. Without a text it counts as short memory.
+    Stored put(Item item) {
+        if (!item.text) {
+            release(item);
+            return Stored::noMemory;
+        }
+        const uint32_t hash = hashOf(item.name());
+        const std::ptrdiff_t at = lowerBound(hash, item.name()) - places_;
+        if (Item *old = itemAt(places_ + at, hash, item.name())) {
+            release(*old);
+            *old = item;
+            return Stored::done;
+        }
+
+        const Stored room = makeRoom();
+        if (room != Stored::done) {
+            release(item);
+            return room;
+        }
+        std::copy_backward(places_ + at, places_ + count_, places_ + count_ + 1);
+        places_[at] = {hash, count_};
+        items_[count_++] = item;
+        return Stored::done;
+    }
+
+    void remove(Item *item) {
+        const auto removed = static_cast<int16_t>(item - items_);
+        release(*item);
+        std::copy(item + 1, end(), item);
+
+        Place *kept = std::remove_if(places_, places_ + count_,
+                                     [&](const Place &place) { return place.item == removed; });
+        std::for_each(places_, kept, [&](Place &place) {
+            if (place.item > removed)
+                --place.item;
+        });
+        if (--count_ == 0)
+            clear();
+    }
+
+    // Removes the newest items until `count` are left.
+    void truncate(int16_t count) {
+        while (count_ > count)
+            remove(end() - 1);
+    }
+
+    void clear() {
+        for (Item &item : *this)
+            release(item);
+        std::free(items_);
+        std::free(places_);
+        *this = {};
+    }
+
+private:
+    static constexpr int16_t fewItems = 4; // looked at one by one, which is faster
+
+    struct Place {
+        uint32_t hash;
+        int16_t item;
+    };
+
+    // Where a name stands, or belongs, among the sorted places.
+    Place *lowerBound(uint32_t hash, std::string_view name) const {
+        return std::lower_bound(places_, places_ + count_, hash,
+                                [&](const Place &place, uint32_t wanted) {
+                                    return place.hash != wanted ? place.hash < wanted
+                                                                : items_[place.item].name() < name;
+                                });
+    }
+
+    Item *itemAt(const Place *place, uint32_t hash, std::string_view name) const {
+        if (place == places_ + count_ || place->hash != hash || items_[place->item].name() != name)
+            return nullptr;
+        return items_ + place->item;
+    }
+
+    Stored makeRoom() {
+        static_assert(std::is_trivially_copyable_v<Item>);
+        if (count_ == INT16_MAX)
+            return Stored::refused;
+        if (count_ < capacity_)
+            return Stored::done;
+
+        const int32_t wanted = std::clamp(2 * capacity_, 8, INT16_MAX);
+        if (resize(items_, wanted) && resize(places_, wanted)) {
+            capacity_ = wanted;
+            return Stored::done;
+        }
+        if (count_ == 0)
+            clear();
+        return Stored::noMemory;
+    }
+
+    template <class Element>
+    static bool resize(Element *&array, int32_t count) {
+        void *block = std::realloc(array, static_cast<std::size_t>(count) * sizeof(Element));
+        if (block)
+            array = static_cast<Element *>(block);
+        return block != nullptr;
+    }
+
+    Item *items_ = nullptr;
+    Place *places_ = nullptr;
+    int16_t count_ = 0;
+    int32_t capacity_ = 0;
+};
+
+// A key as it is written, so that writing a file needs no memory: "KEY=", the value, CR LF. A value
+// with line breaks stands there twice, as it is and then as its line.
+struct IniKey {
+    char *text;
+    uint16_t nameLength;
+    uint16_t valueLength;
+    uint16_t lineAt;
+    uint16_t lineLength;
+
+    std::string_view name() const { return {text, nameLength}; }
+    std::string_view assignment() const { return {text, nameLength + 1u}; }
+    std::string_view value() const { return {text + nameLength + 1, valueLength}; }
+    std::string_view line() const { return {text + lineAt, lineLength}; }
+};
+
+struct IniSection {
+    char *text; // "[NAME]", CR LF
+    uint16_t nameLength;
+    NamedArray<IniKey> keys;
+
+    std::string_view name() const { return {text + 1, nameLength}; }
+    std::string_view header() const { return {text, nameLength + 4u}; }
+};
+
+struct IniFileInfo {
+    char *text; // the file name as it was given
+    std::size_t nameLength;
+    NamedArray<IniSection> sections;
+
+    std::string_view name() const { return {text, nameLength}; }
+};
+
+inline void release(IniKey &key) {
+    std::free(key.text);
+}
+
+inline void release(IniSection &section) {
+    section.keys.clear();
+    std::free(section.text);
+}
+
+inline void release(IniFileInfo &file) {
+    file.sections.clear();
+    std::free(file.text);
+}
+
+// The cache. Addresses in it stay valid until something is added to or removed from their array.
+extern NamedArray<IniFileInfo> iniFiles;
+
+// --- names and lines
+
+// The text without the characters 1 to 32 at both ends, then without a pair of quotes around it.
+std::string_view iniTrim(std::string_view text);
+
+// A name as it is compared and stored: trimmed, upper-case, with a terminator. Empty when nothing
+// is left or it is longer than 255 characters.
+using IniName = char[longestName + 1];
+std::string_view iniNormalise(std::string_view name, IniName &out);
+
+inline bool isComment(std::string_view line) {
+    return line.front() == ';' || line.front() == '#';
+}
+
+inline bool isHeader(std::string_view line) {
+    return line.front() == '[';
+}
+
+// What stands in the brackets of a header line, empty when there is no ']'.
+std::string_view iniHeaderName(std::string_view line);
+
+// The lines of a text that are not empty, one by one.
+class IniLines {
+public:
+    explicit IniLines(std::string_view text) : text_(text) {}
+    bool next(std::string_view &line);
+
+private:
+    std::string_view text_; // behind the LF that ends the block
+    std::string_view block_;
+};
+
+// --- files
+
+struct FileText {
+    HeapPointer<char> bytes;
+    std::size_t length = 0;
+
+    std::string_view view() const { return {bytes.get(), length}; }
+};
+
+// Unreadable: missing, empty or cut short.
+enum class FileRead { done, unreadable, noMemory };
+
+// Reads a whole file from disk.
+FileRead iniReadFile(const char *fileName, FileText &text);
+
+// Whether an unreadable file is an error or a record without sections.
+enum class Unreadable { isError, isEmpty };
+
+// Returns the record of a file, reading the file when it has none; null for an error, a null or
+// empty name, short memory and one file too many. The cache is then unchanged.
+IniFileInfo *iniLoadFile(const char *fileName, Unreadable unreadable = Unreadable::isError);
+
+// Finds the section that a header line names, or adds it; null unless done.
+Stored iniFindOrAddSection(std::string_view headerLine, IniFileInfo &file, IniSection *&section);
+
+// Replaces the value of a key, or adds the key. The name is normalised, the value is stored as it
+// is.
+Stored iniSetValue(IniSection &section, std::string_view name, std::string_view value);
+
+// Rewrites a file from its record. Nothing happens when it has none.
+void iniWriteFile(const char *fileName);
+
+} // namespace uti

@@ -1,0 +1,289 @@
+// INI files: the grammar as read and as written, every operation's results, and what faults leave.
+#include "support.h"
+
+#include <functional>
+
+using namespace support;
+using fake::Call;
+
+namespace {
+
+const std::string long254(254, 'N'), long255(255, 'N'), long256(256, 'N');
+const char *const none = nullptr;
+
+class Ini : public support::Terminal {
+protected:
+    ~Ini() override { Ini_RemoveFileInfoFromCache("f"); }
+
+    void file(const std::string &text) { // not read yet
+        Ini_RemoveFileInfoFromCache("f");
+        terminal.files["f"] = text;
+    }
+
+    // The cached record of f as it is written, each line end as '|'.
+    std::string dump() {
+        EXPECT_EQ(Ini_RemoveSection("f", "no such section"), 0);
+        std::string text;
+        for (const char c : terminal.files["f"])
+            text += c == '\r' ? "" : c == '\n' ? "|" : std::string(1, c);
+        return text;
+    }
+
+    // A result with a '!' for each report of this room in the log on the serial port.
+    std::string outcome(int32_t result) {
+        std::string text = std::to_string(result);
+        for (std::size_t at = 0; (at = terminal.serial.find("Src/utiIni ", at) + 1) > 0;)
+            text += '!';
+        terminal.serial.clear();
+        return text;
+    }
+
+    // A value, or the code of the failure.
+    static std::string get(const std::string &section, const char *key) {
+        char out[256];
+        const int32_t result = Ini_GetStr("f", section.c_str(), key, out, sizeof out);
+        return result == UTI_OK ? out : std::to_string(result);
+    }
+};
+
+TEST_F(Ini, GrammarAsReadAndAsWritten) {
+    const std::pair<std::string, std::string> rows[] = {
+        {"key = \"  a b  \"", "[NONAME_SECTION]|KEY=  a b  ||"},
+        {"[ Net ] comment\nip=1\n[dns]\na=b\n[net]\nMask=2", "[NET]|IP=1|MASK=2||[DNS]|A=b||"},
+        {";a=b\n#c=d\n ;a=b\n\t#=2", "[NONAME_SECTION]|;A=b|#=2||"},
+        {"\r\r\n\nX=1\rx=2\n\rY=3\r\n", "[NONAME_SECTION]|X=2|Y=3||"},
+        {"[s]\n=a\nno key\na==b=\nc=\n=\n \x01 = d", "[S]|A==b=|C=||"},
+        {"[open\na=1\n[]b=2\n[ ]\nc=3\n[\"\"]\nd=4\n[]]\ne=5\n[s\nf=6\n[ok]\ng=7",
+         "[NONAME_SECTION]|A=1|C=3|D=4|E=5|F=6||[OK]|G=7||"},
+        {"[a[b]c]\nx=1\n[\"q\"]\ny=1\n[\" r \"]\nz=1", "[A[B]|X=1||[Q]|Y=1||[ R ]|Z=1||"},
+        {"x=\"\ny=\"\"\nz=\"a\nw=\"\"a\"\"", "[NONAME_SECTION]|X=\"|Y=|Z=\"a|W=\"a\"||"},
+        {"[s]\0x\na\0b=1\nc=2\0=3\n\0d=4\ne=5"s, "[S]|C=2|E=5||"},
+        {"\xA0\xE0\xFF=\xA0\x7F", "[NONAME_SECTION]|\xA0\xC0\xDF=\xA0\x7F||"},
+        {"; nothing\nat all", ""},
+        {" =no key", "[NONAME_SECTION]||"},
+        {"k=a&#00;b", "[NONAME_SECTION]|K=a||"},
+        {"[" + long254 + "]\n[" + long255 + "]\nk=" + long254 + "\nl=" + long255,
+         "[" + long254 + "]||[NONAME_SECTION]|K=" + long254 + "||"},
+        {"[s]\n" + long255 + "= " + long254 + "\n" + long255 + "=1\n" + long255 + " =2",
+         "[S]|" + long255 + "=1||"},
+    };
+    for (const auto &[text, expected] : rows) {
+        SCOPED_TRACE(text.substr(0, 60));
+        file(text);
+        EXPECT_GE(Ini_GetSectionCount("f"), 0);
+        EXPECT_EQ(dump(), expected);
+    }
+}
+
+TEST_F(Ini, EscapesInValues) {
+    const std::pair<std::string, std::string> rows[] = {
+        {"a&#13;&#10;b", "a\r\nb"}, {"&#59;&#99;&#01;", ";c\1"}, {"a&#00;b", "a"},
+        {"a&b&&#13;", "a&b&&#13;"}, {"&#x&##13;", "&#x&##13;"},  {"&#1x", "&#1x"},
+        {"&#12x;", "&#12x;"},       {"&#123;", "&#123;"},        {"&#1&#65;&#66;", "&#1&#65;B"},
+        {"a&", "a"},                {"a&#", "a"},                {"a&#1", "a"},
+        {"a&#12", "a"},             {"\"&#34; \"", "\" "},       {"&#32;", " "},
+    };
+    for (const auto &[text, value] : rows) {
+        file("k=" + text);
+        EXPECT_EQ(get("noname_section", "k"), value) << text;
+    }
+    EXPECT_EQ(Ini_SetStr("f", "s", "k", ("x" + std::string(252, '\n') + "y").c_str()), 0);
+    EXPECT_GT(terminal.files["f"].size(), 252 * 5u) << "no line is too long to write";
+    EXPECT_EQ(Ini_SetStr("f", "s", "k", "a&#59;b"), 0);
+    EXPECT_EQ(get("s", "k"), "a&#59;b") << "as given, until the file is read again";
+    Ini_RemoveFileInfoFromCache("f");
+    EXPECT_EQ(get("s", "k"), "a;b");
+}
+
+TEST_F(Ini, ResultsAndReports) {
+    const char *n254 = long254.c_str(), *n255 = long255.c_str(), *n256 = long256.c_str();
+    TraceExSettings settings{};
+    settings.output = TRACE_OUTPUT_SERIAL;
+    settings.mode = settings.text = 1;
+    ASSERT_EQ(TraceExOpen(&settings), 0);
+    file("[s]\na=12abc\neleven=99999999999\ntwelve=123456789012\n[t]");
+    char out[300];
+    int32_t a, b;
+    SectionKeyInfo names, info;
+    const std::pair<std::string, const char *> rows[] = {
+        {outcome(IntiSectionKeyInfo(" s ", "\"k\"", &names)), "1"},
+        {outcome(IntiSectionKeyInfo(n255, n255, &info)), "1"},
+        {outcome(IntiSectionKeyInfo(none, "k", &info)), "0!"},
+        {outcome(IntiSectionKeyInfo(n256, "k", &info)), "0!"},
+        {outcome(Ini_GetSectionCount("")), "-3500!"},
+        {outcome(Ini_GetSectionName("f", 2, out, 9)), "-3500!"},
+        {outcome(Ini_GetSectionName("f", -1, out, 9)), "-3500!"},
+        {outcome(Ini_GetStr(none, "s", "a", out, 9)), "-3500!"},
+        {outcome(Ini_GetStr("f", "s", " ", out, 9)), "-3500!"},
+        {outcome(Ini_GetStr("missing", "s", "a", out, 9)), "-3500"},
+        {outcome(Ini_GetStr("f", "x", "a", out, 9)), "-3502"},
+        {outcome(Ini_GetStr("f", "t", "a", out, 9)), "-3503"},
+        {outcome(Ini_GetLong("f", " S ", "\"A\"", &a)), "0"},
+        {outcome(Ini_GetLong("f", "s", "eleven", &b)), "0"},
+        {outcome(Ini_GetLong("f", "s", "twelve", &b)), "-3505"},
+        {outcome(Ini_GetLong("f", "s", "a", nullptr)), "-3500!"},
+        {outcome(Ini_SetStr("f", "s", "k", n254)), "0"},
+        {outcome(Ini_SetStr("f", "s", "k", n255)), "-3500!"},
+        {outcome(Ini_SetStr("f", "s", none, "")), "-3500!"},
+        {outcome(Ini_SetStr("f", n255, "k", "")), "-3500!"},
+        {outcome(Ini_SetStr("new", "]x", "k", "")), "-3500!"},
+        {outcome(Ini_GetSectionCount("new")), "-3500"},
+        {outcome(Ini_SetStr("f", "t]x", "k", "cut")), "0"},
+        {outcome(Ini_SetLong("f", "s", "k", INT32_MIN)), "0"},
+        {outcome(Ini_RemoveSection("f", none)), "0!"},
+        {outcome(Ini_GetSection(none, "s", out, 9)), "0!"},
+    };
+    for (const auto &[result, expected] : rows)
+        EXPECT_EQ(result, expected) << "row " << &expected - &rows[0].second;
+    EXPECT_EQ(std::string(names.section) + names.key + info.section + info.key, "SK");
+    EXPECT_EQ(std::pair(a, b), std::pair(12, INT32_MAX));
+    EXPECT_EQ(get("T", "k") + get("S", "k"), "cut-2147483648");
+}
+
+TEST_F(Ini, OutBuffersOfEverySize) {
+    file("[x]\n[Name]\na=value\n[y]\n[name" + std::string(300, ' ') + "]\n ;raw \n#gone\n[bad\n[" +
+         long255 + "]\nb=&#65;\n[z]\nc=d");
+    const std::string lines = "a=value\0 ;raw \0b=&#65;\0"s;
+    for (std::size_t room = 0; room < 30; ++room) {
+        SCOPED_TRACE(room);
+        const auto size = static_cast<int32_t>(room);
+        const std::string old(room, '?');
+        const ExactBlock value(old), name(old), section(old);
+        const auto start = [&](const ExactBlock &block, std::size_t count) {
+            return std::string(block.data(), std::min(count, room));
+        };
+        EXPECT_EQ(Ini_GetStr("f", "name", "a", value.data(), size),
+                  room < 1 ? -3500 : room < 6 ? -3505 : 0);
+        EXPECT_EQ(start(value, 1), room < 1 ? "" : room < 6 ? "\0"s : "v");
+        EXPECT_EQ(Ini_GetSectionName("f", 1, name.data(), name.size()), room < 5 ? -3500 : 0);
+        EXPECT_EQ(start(name, 5), room < 5 ? old : "NAME\0"s);
+        const std::size_t stored = room < 9 ? 0 : room < 16 ? 8 : room < 24 ? 15 : 23;
+        EXPECT_EQ(Ini_GetSection("f", "NAME", section.data(), size), static_cast<int32_t>(stored));
+        EXPECT_EQ(start(section, stored), lines.substr(0, stored));
+        EXPECT_TRUE(stored > 0 || start(section, 1) == "\0"s.substr(0, room));
+    }
+}
+
+TEST_F(Ini, ChangesRewriteTheWholeFile) {
+    file("x=1\n[Net]\nip=2\n; gone\n[last]\n");
+    EXPECT_EQ(Ini_SetStr("f", "net", " Ip ", " \" a\n\" "), 0);
+    EXPECT_EQ(terminal.calls,
+              "open f 1; close; delete f; open f 0; write 18; write 2; write 3; write 2; "
+              "write 7; write 3; write 9; write 2; write 8; write 2; close");
+    EXPECT_EQ(dump(), "[NONAME_SECTION]|X=1||[NET]|IP= a&#10;||[LAST]||");
+    EXPECT_EQ(Ini_RemoveSection("f", "net"), 0) << "the name as given";
+    EXPECT_EQ(Ini_RemoveSection("f", "NET"), 0);
+    EXPECT_EQ(Ini_SetStr("f", "LAST", "b", ""), 0);
+    EXPECT_EQ(Ini_SetStr("f", "new", "c", "d"), 0);
+    EXPECT_EQ(dump(), "[NONAME_SECTION]|X=1||[LAST]|B=||[NEW]|C=d||");
+
+    terminal.files["f"] = "[DISK]\nk=v";
+    EXPECT_EQ(Ini_RemoveFileInfoFromCache("./f"), 0) << "another name is another file";
+    EXPECT_EQ(get("disk", "k"), "-3502") << "the cache answers";
+    Ini_RemoveFileInfoFromCache("f");
+    EXPECT_EQ(Ini_RemoveSection("f", "DISK"), 0) << "nothing happens to an uncached file";
+    EXPECT_EQ(get("disk", "k"), "v");
+    Ini_RemoveFileInfoFromCache("f");
+    terminal.files.clear();
+    terminal.calls.clear();
+    EXPECT_EQ(Ini_SetLong("f", "s", "k", -5), 0);
+    EXPECT_EQ(terminal.files["f"], "[S]\r\nK=-5\r\n\r\n");
+    EXPECT_EQ(terminal.calls, "open f 1; open f 0; write 5; write 2; write 4; write 2; close");
+}
+
+TEST_F(Ini, RemovalsKeepOrderAndSearch) {
+    std::string left;
+    for (int i = 0; i < 60; ++i) {
+        EXPECT_EQ(Ini_SetLong("f", ("s"s + std::to_string(i)).c_str(), "k", i), 0);
+        left += i % 3 ? "[S"s + std::to_string(i) + "]|K=" + std::to_string(i) + "||" : "";
+    }
+    for (int i = 0; i < 60; i += 3)
+        EXPECT_EQ(Ini_RemoveSection("f", ("S"s + std::to_string(i)).c_str()), 0);
+    EXPECT_EQ(dump(), left);
+    for (int i = 0; i < 60; ++i)
+        EXPECT_EQ(get("s"s + std::to_string(i), "k"), i % 3 ? std::to_string(i) : "-3502");
+}
+
+TEST_F(Ini, FaultsGiveTheRightCodeAndLeaveNothing) {
+    std::string text = "[S]\r\n";
+    for (int i = 0; i < 40; ++i)
+        text += "K"s + std::to_string(i) + "=v&#13;\r\n";
+    text += "\r\n";
+    char out[2048];
+    const struct {
+        std::function<int32_t()> call;
+        bool cached;
+        int32_t clean, afterFileFault, afterHeapFault;
+    } rows[] = {
+        {[] { return Ini_GetSectionCount("f"); }, false, 1, -3500, -3500},
+        {[] { return Ini_SetStr("f", "S", "K7", "new"); }, false, 0, 0, -3500},
+        {[] { return Ini_SetStr("f", "S", "K7", "new"); }, true, 0, 0, -3500},
+        {[] { return Ini_SetStr("f", "new", "k", "v"); }, true, 0, 0, -3500},
+        {[&] { return Ini_GetSection("f", "s", out, 2048); }, true, 430, 0, 0},
+    };
+    const int blocks = fake::liveBlocks();
+    int faults = 0, result = 0;
+    for (const auto &row : rows) {
+        const auto runCleanAndPrepare = [&] {
+            file(text);
+            EXPECT_EQ(row.call(), row.clean);
+            file(text);
+            EXPECT_TRUE(!row.cached || Ini_GetSectionCount("f") == 1);
+        };
+        const auto run = [&] {
+            terminal.files["f"] = text;
+            result = row.call();
+            if (!fake::faultStruck()) {
+                fake::disarm();
+                runCleanAndPrepare();
+            }
+        };
+        const auto check = [&](int kind, int nth) {
+            SCOPED_TRACE(testing::Message() << &row - rows << ": call " << kind << " " << nth);
+            const bool heap = kind >= static_cast<int>(Call::malloc);
+            EXPECT_EQ(result, heap ? row.afterHeapFault : row.afterFileFault);
+            EXPECT_EQ(terminal.openFiles, 0);
+            Ini_RemoveSection("f", "");
+            EXPECT_TRUE(!heap || terminal.files["f"] == text) << "cache and file are unchanged";
+            Ini_RemoveFileInfoFromCache("f");
+            EXPECT_EQ(fake::liveBlocks(), blocks);
+            runCleanAndPrepare();
+        };
+        runCleanAndPrepare();
+        faults += fake::forEachFault(fake::fileCalls, run, check);
+        faults += fake::forEachFault(fake::heapCalls, run, check);
+    }
+    EXPECT_GT(faults, 600);
+}
+
+TEST_F(Ini, EveryTruncationReadsAndWritesItself) {
+    forEachTruncation("x = 1\n[ Net ] c\nIp=\"a&#13;&#10;b\"\r\n;c\n[bad\n[s]\nk=&#1x&y\0z"s,
+                      [&](const ExactBlock &block) {
+                          file(std::string(block.data(), block.size()));
+                          EXPECT_EQ(Ini_GetSectionCount("f") < 0, block.size() == 0);
+                          const std::string once = dump(), text = terminal.files["f"];
+                          file(text);
+                          EXPECT_EQ(Ini_GetSectionCount("f") < 0, text.empty());
+                          EXPECT_EQ(dump(), once);
+                      });
+}
+
+TEST_F(Ini, CountsEndAt32767AndLongFilesAreReadInTime) {
+    std::string keys = "[s]\n", sections;
+    for (int i = 0; i < 120000; ++i) {
+        keys += "k"s + std::to_string(i % 40000) + "=" + std::to_string(i) + "\r";
+        sections += "[s"s + std::to_string(i % 40000) + "]\n";
+    }
+    keys += std::string(2000000, 'x');
+    file(keys);
+    EXPECT_EQ(get("s", "k32766"), "112766");
+    EXPECT_EQ(get("s", "k32767"), "-3503");
+    EXPECT_EQ(Ini_SetStr("f", "s", "one more", ""), -3500);
+    EXPECT_EQ(terminal.files["f"], keys);
+
+    file(sections);
+    EXPECT_EQ(Ini_GetSectionCount("f"), 32767);
+    EXPECT_EQ(Ini_SetStr("f", "one more", "k", ""), -3500);
+}
+
+} // namespace
