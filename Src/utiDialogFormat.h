@@ -1,6 +1,6 @@
 // utiDialogFormat.h: the format of dialog descriptions, once: which tags a node has, how each value
-// is read, which field of its record it fills, and what it is called in a resource source. The
-// library's parsers, `uti compile` and `uti dump` all work from these tables.
+// is read, which field of its record it fills, and how it is named and spelled in a resource
+// source. The library's parsers, `uti compile` and `uti dump` all work from these tables.
 //
 // A description is a TLV stream with 1-byte tag ids and 2-byte lengths:
 //
@@ -62,10 +62,36 @@ struct Row {
     uint16_t limit;  // of a text, in bytes
 };
 
+// How a value is spelled in a resource source, where a number or a text alone would say too little.
+enum class Spelling : uint8_t {
+    plain,
+    flag,    // true is 1
+    without, // false is 1
+    dialogType,
+    placement,
+    justify,
+    border,
+    transparency,     // of a widget
+    formTransparency, // of the whole form
+    inputType,
+    digitFont,
+    keyCode,   // of the terminal
+    character, // in the code page
+    pieces     // a text, or several that a backslash and an n separate
+};
+
 // A row with its name in a resource source.
 struct Field {
     Row row;
     const char *name;
+    Spelling spelling = Spelling::plain;
+};
+
+// A node of a description with its name in a resource source.
+struct Node {
+    Tag tag;
+    const char *name;
+    std::span<const Field> fields;
 };
 
 // The rows alone: what the parsers keep.
@@ -110,16 +136,16 @@ inline constexpr Field colorFields[] = {
 };
 
 inline constexpr Field dialogFields[] = {
-    {UTI_ROW(17, wide, DialogValues, type), "type"},
+    {UTI_ROW(17, wide, DialogValues, type), "type", Spelling::dialogType},
     {UTI_ROW(18, dword, DialogValues, timeout), "timeout"},
-    {UTI_ROW(22, wide, DialogValues, transparency), "transparency"},
-    {UTI_ROW(23, wide, DialogValues, positionType), "position"},
-    {UTI_ROW(24, byte, DialogValues, border), "border"},
+    {UTI_ROW(22, wide, DialogValues, transparency), "transparency", Spelling::formTransparency},
+    {UTI_ROW(23, wide, DialogValues, positionType), "placement", Spelling::placement},
+    {UTI_ROW(24, byte, DialogValues, border), "border", Spelling::flag},
     {UTI_ROW(tagArea, area, DialogValues, area), "area"},
 };
 
 inline constexpr Field captionFields[] = {
-    {UTI_ROW(1, wide, GraphicCaption, justify), "justify"},
+    {UTI_ROW(1, wide, GraphicCaption, justify), "justify", Spelling::justify},
     {UTI_TEXT(2, font, GraphicCaption, fontName), "font"},
     {UTI_ROW(tagArea, area, GraphicCaption, area), "area"},
     {UTI_ROW(tagColors, colors, GraphicCaption, colors), "colors"},
@@ -127,9 +153,10 @@ inline constexpr Field captionFields[] = {
 
 // What every control has.
 #define UTI_CONTROL_FIELDS(record)                                                                 \
-    {UTI_ROW(1, wide, record, justify), "justify"}, {UTI_TEXT(2, font, record, fontName), "font"}, \
-        {UTI_ROW(8, byte, record, border), "border"},                                              \
-        {UTI_ROW(9, byte, record, transparency), "transparency"},                                  \
+    {UTI_ROW(1, wide, record, justify), "justify", Spelling::justify},                             \
+        {UTI_TEXT(2, font, record, fontName), "font"},                                             \
+        {UTI_ROW(8, byte, record, border), "border", Spelling::border},                            \
+        {UTI_ROW(9, byte, record, transparency), "transparency", Spelling::transparency},          \
         {UTI_ROW(tagArea, area, record, area), "area"}, {                                          \
         UTI_ROW(tagColors, colors, record, colors), "colors"                                       \
     }
@@ -145,8 +172,8 @@ inline constexpr Field staticTextFields[] = {
 
 inline constexpr Field buttonFields[] = {
     UTI_CONTROL_FIELDS(GraphicButtonEntry),
-    {UTI_ROW(53, key, GraphicButtonEntry, key), "key"},
-    {UTI_ROW(54, byte, GraphicButtonEntry, option), "option"},
+    {UTI_ROW(53, key, GraphicButtonEntry, key), "key", Spelling::keyCode},
+    {UTI_ROW(54, byte, GraphicButtonEntry, option), "confirms", Spelling::without},
     {UTI_TEXT(55, text, GraphicButtonEntry, passiveBackImage), "passive_back_image"},
     {UTI_TEXT(56, text, GraphicButtonEntry, activeBackImage), "active_back_image"},
     {UTI_TEXT(117, text, GraphicButtonEntry, image), "image"},
@@ -155,24 +182,24 @@ inline constexpr Field buttonFields[] = {
 // What edits and labels share.
 #define UTI_INPUT_FIELDS                                                                           \
     UTI_CONTROL_FIELDS(GraphicEditEntry), {UTI_TEXT(11, text, GraphicEditEntry, name), "name"},    \
-        {UTI_ROW(65, wide, GraphicEditEntry, inputType), "input"},                                 \
-        {UTI_ROW(68, byte, GraphicEditEntry, inputFlagD), "no_wrap"},                              \
-        {UTI_TEXT(75, text, GraphicEditEntry, keySchemeText), "key_scheme"},                       \
-        {UTI_ROW(78, byte, GraphicEditEntry, hideInput), "hide"},                                  \
+        {UTI_ROW(65, wide, GraphicEditEntry, inputType), "input", Spelling::inputType},            \
+        {UTI_ROW(68, byte, GraphicEditEntry, inputFlagD), "wrap", Spelling::without},              \
+        {UTI_TEXT(75, text, GraphicEditEntry, keySchemeText), "key_scheme", Spelling::pieces},     \
+        {UTI_ROW(78, byte, GraphicEditEntry, hideInput), "hide", Spelling::character},             \
         {UTI_ROW(79, word, GraphicEditEntry, maxLength), "max_length"},                            \
         {UTI_ROW(80, word, GraphicEditEntry, secondLength), "min_length"},                         \
         {UTI_TEXT(81, text, GraphicEditEntry, pattern), "pattern"},                                \
-        {UTI_ROW(86, byte, GraphicEditEntry, inputFlagC), "scroll_bar"},                           \
-        {UTI_ROW(87, wide, GraphicEditEntry, multiLine), "multi_line"},                            \
-        {UTI_ROW(88, byte, GraphicEditEntry, inputFlagA), "read_only"},                            \
-        {UTI_ROW(89, byte, GraphicEditEntry, inputFlagB), "right"}, {                              \
-        UTI_ROW(90, byte, GraphicEditEntry, inputFlagE), "upper_case"                              \
+        {UTI_ROW(86, byte, GraphicEditEntry, inputFlagC), "scroll_bar", Spelling::flag},           \
+        {UTI_ROW(87, wide, GraphicEditEntry, multiLine), "multi_line", Spelling::flag},            \
+        {UTI_ROW(88, byte, GraphicEditEntry, inputFlagA), "read_only", Spelling::flag},            \
+        {UTI_ROW(89, byte, GraphicEditEntry, inputFlagB), "right_aligned", Spelling::flag}, {      \
+        UTI_ROW(90, byte, GraphicEditEntry, inputFlagE), "upper_case", Spelling::flag              \
     }
 
 inline constexpr Field editFields[] = {
     UTI_INPUT_FIELDS,
-    {UTI_ROW(73, wide, GraphicEditEntry, editValue), "confirm_key"},
-    {UTI_ROW(76, byte, GraphicEditEntry, fillSymbol), "fill_symbol"},
+    {UTI_ROW(73, wide, GraphicEditEntry, editValue), "confirm_key", Spelling::keyCode},
+    {UTI_ROW(76, byte, GraphicEditEntry, fillSymbol), "fill_symbol", Spelling::character},
 };
 
 inline constexpr Field labelFields[] = {
@@ -182,22 +209,39 @@ inline constexpr Field labelFields[] = {
 
 inline constexpr Field menuFields[] = {
     UTI_CONTROL_FIELDS(GraphicMenuEntry),
-    {UTI_ROW(96, key, GraphicMenuEntry, keys[0]), "page_up_key"},
-    {UTI_ROW(97, key, GraphicMenuEntry, keys[1]), "page_down_key"},
-    {UTI_ROW(98, key, GraphicMenuEntry, keys[2]), "up_key"},
-    {UTI_ROW(99, key, GraphicMenuEntry, keys[3]), "down_key"},
-    {UTI_ROW(103, wide, GraphicMenuEntry, option), "tiles"},
+    {UTI_ROW(96, key, GraphicMenuEntry, keys[0]), "page_up_key", Spelling::keyCode},
+    {UTI_ROW(97, key, GraphicMenuEntry, keys[1]), "page_down_key", Spelling::keyCode},
+    {UTI_ROW(98, key, GraphicMenuEntry, keys[2]), "up_key", Spelling::keyCode},
+    {UTI_ROW(99, key, GraphicMenuEntry, keys[3]), "down_key", Spelling::keyCode},
+    {UTI_ROW(103, wide, GraphicMenuEntry, option), "tiles", Spelling::flag},
     {UTI_TEXT(104, text, GraphicMenuEntry, text), "text"},
-    {UTI_ROW(105, byte, GraphicMenuEntry, style), "digits"},
-    {UTI_ROW(106, byte, GraphicMenuEntry, styleFlag), "scroll_bar"},
-    {UTI_ROW(107, wide, GraphicMenuEntry, accelFontMode), "digit_font"},
+    {UTI_ROW(105, byte, GraphicMenuEntry, style), "digits", Spelling::flag},
+    {UTI_ROW(106, byte, GraphicMenuEntry, styleFlag), "scroll_bar", Spelling::flag},
+    {UTI_ROW(107, wide, GraphicMenuEntry, accelFontMode), "digit_font", Spelling::digitFont},
 };
 
 inline constexpr Field menuElementFields[] = {
     {UTI_TEXT(117, text, GraphicMenuElement, image), "image"},
-    {UTI_ROW(123, byte, GraphicMenuElement, value), "value"},
+    {UTI_ROW(123, byte, GraphicMenuElement, value), "enabled", Spelling::flag},
     {UTI_ROW(tagArea, area, GraphicMenuElement, area), "area"},
 };
+
+// The children of the root, as many of each as they may be; the order among controls of a kind is
+// that of the record's entries.
+inline constexpr Node nodes[] = {
+    {tagDialogParameters, "parameters", dialogFields},
+    {tagCaption, "caption", captionFields},
+    {tagStaticText, "static_text", staticTextFields},
+    {tagLabel, "label", labelFields},
+    {tagEdit, "edit", editFields},
+    {tagIpEdit, "ip_edit", ipEditFields},
+    {tagButton, "button", buttonFields},
+    {tagMenu, "menu", menuFields},
+    {tagProgressBar, "progress_bar", boxFields},
+    {tagSignature, "signature", boxFields},
+};
+
+inline constexpr Node menuElement = {tagMenuElement, "element", menuElementFields};
 
 // --- nodes that applications parse themselves
 

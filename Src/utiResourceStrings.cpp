@@ -18,42 +18,52 @@ constexpr Assertions asserts{"Src/utiResource"};
 constexpr std::size_t languageLength = 2;
 constexpr uint32_t storedLimit = 2048;
 
-// The key of a language and module in `ResourceStorageList`; empty without a language or when the
-// name is too long.
+// The key of a language and module in `ResourceStorageList`, zeros behind it. Not valid without a
+// language or when the name is too long.
 class StoredKey {
 public:
     StoredKey(std::string_view language, const char *module) {
-        const std::size_t length = strnlen(module, RESOURCE_NAME_LENGTH + 1);
-        if (language.size() < languageLength || length > RESOURCE_NAME_LENGTH)
+        if (language.size() < languageLength)
             return;
         std::memcpy(text_, language.data(), languageLength);
-        std::memcpy(text_ + languageLength, module, length);
-        length_ = languageLength + length;
+        std::size_t length = 0;
+        for (; module[length] != 0; ++length) {
+            if (length == RESOURCE_NAME_LENGTH)
+                return;
+            text_[languageLength + length] = module[length];
+        }
+        valid_ = true;
     }
 
-    std::string_view text() const { return {text_, length_}; }
+    bool valid() const { return valid_; }
+    bool operator==(const char (&key)[sizeof(ResourceStoredStrings::key)]) const {
+        return std::memcmp(text_, key, sizeof text_) == 0;
+    }
+    void copyTo(char (&key)[sizeof(ResourceStoredStrings::key)]) const {
+        std::memcpy(key, text_, sizeof text_);
+    }
 
 private:
-    char text_[sizeof(ResourceStoredStrings::key)];
-    std::size_t length_ = 0;
+    char text_[sizeof(ResourceStoredStrings::key)] = {};
+    bool valid_ = false;
 };
 
 std::string_view emptyString() {
     return {ResourceEmptyStr, 0};
 }
 
-ResourceStoredStrings *findStored(std::string_view key) {
+ResourceStoredStrings *findStored(const StoredKey &key) {
     List *list = ResourceStorageList;
     for (void *item = list->First(list); item; item = list->Next(list)) {
         auto *stored = static_cast<ResourceStoredStrings *>(item);
-        if (fieldText(stored->key) == key)
+        if (key == stored->key)
             return stored;
     }
     return nullptr;
 }
 
 // The entry for a key, created when there is none; null when memory is short.
-ResourceStoredStrings *findOrAddStored(std::string_view key) {
+ResourceStoredStrings *findOrAddStored(const StoredKey &key) {
     if (!ResourceStorageList)
         ResourceStorageList = List_Create();
     if (!ResourceStorageList)
@@ -64,7 +74,7 @@ ResourceStoredStrings *findOrAddStored(std::string_view key) {
     HeapPointer<ResourceStoredStrings> entry = allocateZeroed<ResourceStoredStrings>();
     if (!entry)
         return asserts.fail(nullptr);
-    setField(entry->key, key);
+    key.copyTo(entry->key);
     entry->strings = Storage_Create();
     if (!entry->strings)
         return nullptr;
@@ -86,7 +96,7 @@ std::string_view findStoredString(const char *module, std::string_view language,
     }
 
     const StoredKey key(language, module);
-    const ResourceStoredStrings *stored = key.text().empty() ? nullptr : findStored(key.text());
+    const ResourceStoredStrings *stored = key.valid() ? findStored(key) : nullptr;
     if (!stored)
         return {};
     if (!stored->strings)
@@ -215,9 +225,9 @@ int32_t resource_StoreString(const char *module, uint32_t id, const void *bytes,
     if (!module || !bytes)
         return 0;
     const StoredKey key(fieldText(CurrentLanguage), module);
-    if (key.text().empty())
+    if (!key.valid())
         return asserts.fail(0);
-    ResourceStoredStrings *stored = findOrAddStored(key.text());
+    ResourceStoredStrings *stored = findOrAddStored(key);
     if (!stored)
         return 0;
     if (!stored->strings)

@@ -32,10 +32,19 @@ bool isOpen(Storage storage) {
     return storage && *storage;
 }
 
+// The hash of a key; `CalcHash` for the operations in here.
+constexpr uint32_t bucketOf(uint32_t key) {
+    uint32_t hash = key + ~(key << 9);
+    hash ^= std::rotr(hash, 14);
+    hash *= 17;
+    hash ^= std::rotr(hash, 10);
+    return hash % STORAGE_BUCKETS;
+}
+
 // The place that points at the key's entry: a bucket or a `next` field; it holds null at the end of
 // the chain when the key is absent.
 StorageEntry **findLink(Storage storage, uint32_t key) {
-    StorageEntry **link = &(*storage)->buckets[CalcHash(key)];
+    StorageEntry **link = &(*storage)->buckets[bucketOf(key)];
     while (*link && (*link)->key != key)
         link = &(*link)->next;
     return link;
@@ -83,9 +92,21 @@ int32_t putScalar(Storage storage, uint32_t key, StorageType type, Value value) 
     return Storage_Put(storage, key, type, &value, sizeof value);
 }
 
+// The entry of a key that holds at least `size` bytes of this type, or null.
+const StorageEntry *findValue(Storage storage, uint32_t key, int32_t type, uint32_t size) {
+    if (!isOpen(storage))
+        return nullptr;
+    const StorageEntry *entry = *findLink(storage, key);
+    return entry && entry->type == type && entry->length >= size ? entry : nullptr;
+}
+
 template <class Value>
 int32_t getScalar(Storage storage, uint32_t key, StorageType type, Value *value) {
-    return Storage_Get(storage, key, type, value, sizeof *value);
+    const StorageEntry *entry = findValue(storage, key, type, sizeof *value);
+    if (!entry || !value)
+        return 0;
+    std::memcpy(value, entry->data, sizeof *value);
+    return 1;
 }
 
 } // namespace
@@ -94,11 +115,7 @@ int32_t getScalar(Storage storage, uint32_t key, StorageType type, Value *value)
 using namespace uti;
 
 uint32_t CalcHash(uint32_t key) {
-    uint32_t hash = key + ~(key << 9);
-    hash ^= std::rotr(hash, 14);
-    hash *= 17;
-    hash ^= std::rotr(hash, 10);
-    return hash % STORAGE_BUCKETS;
+    return bucketOf(key);
 }
 
 StorageEntry *FindEntry(Storage storage, uint32_t key) {
@@ -165,7 +182,7 @@ int32_t Storage_Put(Storage storage, uint32_t key, int32_t type, const void *byt
     StorageEntry *entry = allocateZeroed<StorageEntry>().release();
     if (!entry)
         return asserts.fail(0);
-    StorageEntry *&bucket = table.buckets[CalcHash(key)];
+    StorageEntry *&bucket = table.buckets[bucketOf(key)];
     *entry = {key, type, data.release(), length, bucket};
     bucket = entry;
     ++table.count;
@@ -231,20 +248,16 @@ int32_t Storage_PutTime(Storage storage, uint32_t key, const TerminalTime *time)
 
 int32_t Storage_Get(Storage storage, uint32_t key, int32_t type, void *destination,
                     uint32_t count) {
-    if (!destination)
+    const uint32_t needed = type == STORAGE_STRING ? 0 : count;
+    const StorageEntry *entry = findValue(storage, key, type, needed);
+    if (!entry || !destination)
         return 0;
-    const StorageEntry *entry = FindEntry(storage, key);
-    if (!entry || entry->type != type)
-        return 0;
-
     if (type == STORAGE_STRING) {
         const StorageBytes bytes{entry->data, entry->length};
         std::memcpy(destination, &bytes, sizeof bytes);
-        return 1;
+    } else {
+        std::memcpy(destination, entry->data, count);
     }
-    if (count > entry->length)
-        return 0;
-    std::memcpy(destination, entry->data, count);
     return 1;
 }
 

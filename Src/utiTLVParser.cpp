@@ -22,8 +22,9 @@ constexpr Assertions asserts{"Src/utiTLVParser"};
 // Bytes of the block that the bounded memory source reads.
 constinit uint32_t blockSize = 0;
 
-constexpr bool isFieldSize(uint8_t size) {
-    return size == 1 || size == 2 || size == 4;
+constexpr bool isFieldSize(uint32_t size) {
+    constexpr uint32_t sizes = 1u << 1 | 1u << 2 | 1u << 4;
+    return size <= 4 && (sizes >> size & 1) != 0;
 }
 
 // The bit of a node's 16-bit tag that marks a compound node; none for 4-byte tag ids.
@@ -39,10 +40,6 @@ uint32_t decodeField(const uint8_t *bytes, uint8_t size) {
     return size == 1 ? bytes[0] : size == 2 ? BufferToWord(bytes) : BufferToDword(bytes);
 }
 
-uint32_t readData(const ParserNode &node, void *destination, uint32_t count) {
-    return Parser_DataRead ? Parser_DataRead(node.source, destination, count) : 0;
-}
-
 uint32_t readFile(uintptr_t source, void *destination, uint32_t count) {
     const int32_t done = File_Read(static_cast<int32_t>(source), destination, count);
     return done > 0 ? static_cast<uint32_t>(done) : 0;
@@ -52,13 +49,28 @@ int32_t seekFile(uintptr_t source, uint32_t offset) {
     return File_SetPosition(static_cast<int32_t>(source), offset);
 }
 
+uint32_t leftInBlock() {
+    return bytesReadInMemory < blockSize ? blockSize - bytesReadInMemory : 0;
+}
+
 uint32_t readBlock(uintptr_t source, void *destination, uint32_t count) {
-    const uint32_t left = bytesReadInMemory < blockSize ? blockSize - bytesReadInMemory : 0;
+    const uint32_t left = leftInBlock();
     return Memory_Read(source, destination, count < left ? count : left);
 }
 
 int32_t seekBlock(uintptr_t source, uint32_t offset) {
     return offset <= blockSize ? Memory_SetPosition(source, offset) : -1;
+}
+
+// The next `count` bytes of a source: in place when they lie in a block, else read into `buffer`.
+// Null when fewer came.
+const uint8_t *fetch(uintptr_t source, uint8_t *buffer, uint32_t count) {
+    if (Parser_DataRead == readBlock && source != 0 && count <= leftInBlock()) {
+        const auto *bytes = reinterpret_cast<const uint8_t *>(source) + bytesReadInMemory;
+        bytesReadInMemory += count;
+        return bytes;
+    }
+    return Parser_DataRead && Parser_DataRead(source, buffer, count) >= count ? buffer : nullptr;
 }
 
 int32_t openRoot(uintptr_t source, ParserNode *node) {
@@ -73,31 +85,34 @@ int32_t openMemoryRoot(const void *address, ParserNode *node) {
 }
 
 // The checks and the read that the scalar getters share: the data bytes of a node whose value has
-// `size` bytes of type `type`. False leaves `error` at what the getter is to report.
+// `size` bytes of type `type`, the first of them its type code. Null leaves `error` at what the
+// getter is to report.
 template <uint32_t size>
-bool readScalar(const ParserNode *node, uint8_t type, int32_t *error, uint8_t (&value)[size]) {
+const uint8_t *readScalar(const ParserNode *node, uint8_t type, int32_t *error,
+                          uint8_t (&buffer)[size]) {
     int32_t unused;
     int32_t &result = error ? *error : unused;
     result = UTI_PARSER_BAD_VALUE;
     if (!node || isCompound(*node))
-        return asserts.fail(false);
+        return asserts.fail(nullptr);
     if (node->length == 0) {
         result = UTI_OK;
-        return false;
+        return nullptr;
     }
     if (node->length != size) {
         result = UTI_PARSER_BAD_TYPE;
-        return asserts.fail(false);
+        return asserts.fail(nullptr);
     }
-    if (readData(*node, value, size) != size)
-        return asserts.fail(false);
+    const uint8_t *value = fetch(node->source, buffer, size);
+    if (!value)
+        return asserts.fail(nullptr);
     if (value[0] != type) {
         result = UTI_PARSER_BAD_TYPE;
-        return asserts.fail(false);
+        return asserts.fail(nullptr);
     }
     bytesRead += size;
     result = UTI_OK;
-    return true;
+    return value + 1;
 }
 
 } // namespace
@@ -133,9 +148,10 @@ int32_t TLV_ReadHeader(uintptr_t source, TlvHeader *header) {
     if (!header || !Parser_DataRead || !isFieldSize(tagIdSize) || !isFieldSize(lengthSize))
         return asserts.fail(UTI_PARSER_SHORT_HEADER);
 
-    uint8_t bytes[8] = {};
+    uint8_t buffer[8] = {};
     const uint32_t size = tagIdSize + lengthSize;
-    if (Parser_DataRead(source, bytes, size) < size)
+    const uint8_t *bytes = fetch(source, buffer, size);
+    if (!bytes)
         return asserts.fail(UTI_PARSER_SHORT_HEADER);
     bytesRead += size;
     header->tag = decodeField(bytes, tagIdSize);
@@ -195,35 +211,44 @@ int32_t Parser_GetParameterBuffer(const ParserNode *node, void *buffer, uint32_t
     if (count > size || count > INT32_MAX || (!buffer && count > 0))
         return asserts.fail(UTI_PARSER_BAD_VALUE);
 
-    uint8_t type;
-    if (readData(*node, &type, 1) != 1)
+    uint8_t typeBuffer[1];
+    const uint8_t *type = fetch(node->source, typeBuffer, 1);
+    if (!type || (*type != 1 && *type != 2))
         return asserts.fail(UTI_PARSER_BAD_TYPE);
-    if (type != 1 && type != 2)
-        return asserts.fail(UTI_PARSER_BAD_TYPE);
-    if (readData(*node, buffer, count) != count)
-        return asserts.fail(UTI_PARSER_BAD_VALUE);
+    if (count > 0) {
+        auto *destination = static_cast<uint8_t *>(buffer);
+        const uint8_t *data = fetch(node->source, destination, count);
+        if (!data)
+            return asserts.fail(UTI_PARSER_BAD_VALUE);
+        if (data != destination)
+            std::memcpy(destination, data, count);
+    }
     bytesRead += node->length;
     return static_cast<int32_t>(count);
 }
 
 uint8_t Parser_GetParameterByte(const ParserNode *node, int32_t *error) {
-    uint8_t value[2];
-    return readScalar(node, 3, error, value) ? value[1] : uint8_t{0};
+    uint8_t buffer[2];
+    const uint8_t *value = readScalar(node, 3, error, buffer);
+    return value ? *value : uint8_t{0};
 }
 
 uint16_t Parser_GetParameterWord(const ParserNode *node, int32_t *error) {
-    uint8_t value[3];
-    return readScalar(node, 4, error, value) ? BufferToWord(value + 1) : uint16_t{0};
+    uint8_t buffer[3];
+    const uint8_t *value = readScalar(node, 4, error, buffer);
+    return value ? BufferToWord(value) : uint16_t{0};
 }
 
 uint32_t Parser_GetParameterDword(const ParserNode *node, int32_t *error) {
-    uint8_t value[5];
-    return readScalar(node, 5, error, value) ? BufferToDword(value + 1) : 0;
+    uint8_t buffer[5];
+    const uint8_t *value = readScalar(node, 5, error, buffer);
+    return value ? BufferToDword(value) : 0;
 }
 
 double Parser_GetParameterDouble(const ParserNode *node, int32_t *error) {
-    uint8_t value[9];
-    return readScalar(node, 6, error, value) ? BufferToDouble(value + 1) : 0;
+    uint8_t buffer[9];
+    const uint8_t *value = readScalar(node, 6, error, buffer);
+    return value ? BufferToDouble(value) : 0;
 }
 
 void Parser_GetParameterInsignificant(const ParserNode *node, int32_t *error) {

@@ -36,9 +36,13 @@ void RecordItems::addData(Argument &argument, const char *data, uint64_t length)
 bool RecordItems::addHeader(const Stamp &stamp, uint32_t level, uint16_t messageId,
                             const char *module) {
     const auto address = [](const void *pointer) { return reinterpret_cast<TraceWord>(pointer); };
-    const TraceWord header[] = {
-        Date,   address(&stamp.date), Time, address(&stamp.time), Byte, level, Word, messageId,
-        String, address(module),      0};
+    const TraceWord values[] = {address(&stamp.date), address(&stamp.time), level, messageId,
+                                address(module)};
+    TraceWord header[2 * headerCount + 1] = {};
+    for (uint32_t i = 0; i < headerCount; ++i) {
+        header[2 * i] = headerTypes[i];
+        header[2 * i + 1] = values[i];
+    }
     ListedWords words{header};
     return addList(words);
 }

@@ -48,6 +48,10 @@ constexpr bool isArgumentType(uint32_t code) {
     return code >= Char && code <= ByteArray;
 }
 
+// The types of the items that every record begins with: its date and time, its level, its message
+// id and the name of its module.
+inline constexpr uint8_t headerTypes[] = {Date, Time, Byte, Word, String};
+
 struct Argument {
     uint8_t type;
     uint32_t length; // of the data of a text or byte array
@@ -94,7 +98,7 @@ struct ArgumentTable {
 // The items of one record: its five header items, then its arguments.
 class RecordItems {
 public:
-    static constexpr uint32_t headerCount = 5;
+    static constexpr uint32_t headerCount = sizeof headerTypes;
     static constexpr uint32_t headerSize = 19; // without the module name
 
     explicit RecordItems(ArgumentTable &table) : table_(table), first_(table.used) {}
@@ -201,6 +205,35 @@ uint32_t encodeItem(const Argument &argument, uint8_t (&out)[9]) {
         break;
     }
     return static_cast<uint32_t>(at - out);
+}
+
+// Reads the value bytes that `encodeItem` writes behind the type byte; the data of a text or byte
+// array is left to the caller.
+inline Argument decodeItem(uint8_t type, const uint8_t *value, ByteOrder order) {
+    const ArgumentType &kind = argumentTypes[type];
+    Argument argument{.type = type, .length = 0, .bits = 0};
+    switch (kind.shape) {
+    case ArgumentShape::word:
+        argument.bits = getNumber(value, kind.valueSize, order);
+        break;
+    case ArgumentShape::halves:
+        argument.bits = getNumber(value, 4, order) << 32 | getNumber(value + 4, 4, order);
+        break;
+    case ArgumentShape::date: {
+        const auto year = static_cast<int16_t>(getNumber(value, 2, ByteOrder::big));
+        argument.date = {.year = year, .month = value[2], .day = value[3], .reserved = {}};
+        break;
+    }
+    case ArgumentShape::time:
+        argument.time = {.hour = value[0], .minute = value[1], .second = value[2]};
+        break;
+    case ArgumentShape::text:
+    case ArgumentShape::bytes:
+        argument.data = nullptr;
+        argument.length = static_cast<uint32_t>(getNumber(value, 4, order));
+        break;
+    }
+    return argument;
 }
 
 // Writes a binary record: its length, then each item as one piece and the data of texts and byte

@@ -1,20 +1,18 @@
 // utiTraceText.cpp: a trace record as a line of text, for files, the serial port and the printer.
 // The wording is a resource string with placeholders {0}, {1}, ...; the assertion's is built in.
+#include "utiTraceText.h"
+
 #include "platform.h"
 #include "utiTraceEx.h"
 
-#include <algorithm>
 #include <bit>
 #include <cstdio>
-#include <cstdlib>
-#include <string_view>
 
 namespace uti {
 
 namespace {
 
-constexpr std::size_t textSize = 1024;
-constexpr const char *assertionFormat = "ASSERT File: {0}  Line: {1}";
+constexpr std::size_t textSize = argumentTextSize;
 
 // The bytes of a byte array stand on one line but are written in pieces: 17, then 16 at a time.
 constexpr uint32_t firstPieceBytes = 17;
@@ -69,8 +67,41 @@ int32_t writeByteArray(const Argument &argument) {
     return result;
 }
 
-// The text of an argument that is neither a text nor a byte array; returns its length.
-uint32_t formatValue(const Argument &argument, char (&out)[textSize]) {
+int32_t writeArgument(const Argument &argument) {
+    if (argument.type == String)
+        return argument.data ? writeTerminated(argument.data, argument.length) : UTI_OK;
+    if (argument.type == ByteArray)
+        return writeByteArray(argument);
+
+    char text[textSize];
+    const uint32_t length = formatValue(argument, text);
+    return writeTerminated(text, length);
+}
+
+int32_t writeHeader(const char *module, const RecordItems &items) {
+    const TerminalDate date = items[0].date;
+    const TerminalTime time = items[1].time;
+    char text[textSize];
+    const int length =
+        snprintf(text, textSize, "\r\n%02d-%02d-%02d %02d:%02d:%02d [%s] ", date.year % 100,
+                 date.month, date.day, time.hour, time.minute, time.second, module ? module : "");
+    const auto count = static_cast<std::size_t>(length);
+    return writeTerminated(text, static_cast<uint32_t>(count < textSize ? count : textSize - 1));
+}
+
+int32_t writeMessage(const char *format, const RecordItems &items) {
+    return expandMessage(
+        format, items.count() - RecordItems::headerCount, writeSlice,
+        [&](uint32_t number) { return writeArgument(items[RecordItems::headerCount + number]); });
+}
+
+} // namespace
+
+const char *builtInWording(std::string_view module, uint16_t messageId) {
+    return messageId == 1 && module == "ASSERT" ? "ASSERT File: {0}  Line: {1}" : nullptr;
+}
+
+uint32_t formatValue(const Argument &argument, char (&out)[argumentTextSize]) {
     const auto integer = [&](auto value) {
         return snprintf(out, textSize, "%ld", static_cast<long>(value));
     };
@@ -115,62 +146,15 @@ uint32_t formatValue(const Argument &argument, char (&out)[textSize]) {
     return static_cast<uint32_t>(length);
 }
 
-int32_t writeArgument(const Argument &argument) {
-    if (argument.type == String)
-        return argument.data ? writeTerminated(argument.data, argument.length) : UTI_OK;
-    if (argument.type == ByteArray)
-        return writeByteArray(argument);
-
-    char text[textSize];
-    const uint32_t length = formatValue(argument, text);
-    return writeTerminated(text, length);
-}
-
-int32_t writeHeader(const char *module, const RecordItems &items) {
-    const TerminalDate date = items[0].date;
-    const TerminalTime time = items[1].time;
-    char text[textSize];
-    const int length =
-        snprintf(text, textSize, "\r\n%02d-%02d-%02d %02d:%02d:%02d [%s] ", date.year % 100,
-                 date.month, date.day, time.hour, time.minute, time.second, module ? module : "");
-    const auto count = static_cast<std::size_t>(length);
-    return writeTerminated(text, static_cast<uint32_t>(count < textSize ? count : textSize - 1));
-}
-
-// Writes the message, each placeholder replaced by its argument. An unclosed one drops the rest.
-int32_t writeMessage(std::string_view format, const RecordItems &items) {
-    int32_t result = UTI_OK;
-    while (result == UTI_OK && !format.empty()) {
-        const std::size_t open = format.find('{');
-        result = writeSlice({format.data(), std::min(open, format.size())});
-        if (result != UTI_OK || open == std::string_view::npos)
-            break;
-
-        format.remove_prefix(open + 1);
-        const std::size_t close = format.find('}');
-        if (close == std::string_view::npos)
-            break;
-        const long number = std::strtol(format.data(), nullptr, 10);
-        format.remove_prefix(close + 1);
-
-        const auto arguments = static_cast<long>(items.count() - RecordItems::headerCount);
-        if (number >= 0 && number < arguments)
-            result = writeArgument(items[RecordItems::headerCount + static_cast<uint32_t>(number)]);
-    }
-    return result;
-}
-
-} // namespace
-
 int32_t traceWriteText(const char *module, uint16_t messageId, const RecordItems &items) {
-    const bool assertion = messageId == 1 && module && std::strcmp(module, "ASSERT") == 0;
-    const char *format = assertion ? assertionFormat : Resource_GetString(module, messageId);
+    const char *builtIn = builtInWording(module ? module : "", messageId);
+    const char *format = builtIn ? builtIn : Resource_GetString(module, messageId);
 
     int32_t result = writeHeader(module, items);
     if (result == UTI_OK)
         result = writeMessage(format, items);
 
-    if (!assertion && format != ResourceEmptyStr)
+    if (!builtIn && format != ResourceEmptyStr)
         Resource_Release(module, messageId);
     return result;
 }

@@ -100,12 +100,13 @@ TEST(BerTlv, AppendTag) {
                 {0x82, 65536, "82 83 01 00 00"},
                 {0x01020304, 1, "01 02 03 04 01"}};
     for (const auto &[tag, length, header] : rows) {
-        const std::string value = "V" + std::string(length - 1, 'v'), object = hex(header) + value;
+        const std::string value = std::string(1, 'V').append(length - 1, 'v');
+        const std::string object = hex(header) + value;
         const auto total = static_cast<uint32_t>(object.size());
         // The value may lie anywhere, across the header's place and its own.
         for (uint32_t at = 0; at <= total - length + 1; ++at) {
             for (const uint32_t size : {0u, 3u, 4u, total - 1, total}) {
-                const std::string before = std::string(at, 'x') + value + "0123456";
+                const std::string before = std::string(at, 'x').append(value).append("0123456");
                 const ExactBlock block(before);
                 const bool fits = size >= 4 && size >= total;
                 uint32_t used = size;
