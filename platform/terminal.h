@@ -108,6 +108,11 @@ int32_t ComPort_Open(const void *parameters);
 /** Sends `count` bytes. Returns the number of bytes sent, 0 or less on failure. */
 int32_t ComPort_Write(int32_t handle, const void *buffer, uint32_t count);
 
+/** Receives up to `count` bytes, waiting up to `milliseconds` for the first of them; 0 takes what
+ *  has come. Returns the number of bytes received, 0 when none came in time, negative on failure.
+ *  For applications; the library itself only sends. */
+int32_t ComPort_Read(int32_t handle, void *buffer, uint32_t count, uint32_t milliseconds);
+
 /** Closes the port. Returns 0, negative for a handle that is not open. */
 int32_t ComPort_Close(int32_t handle);
 

@@ -30,6 +30,7 @@ extern "C" {
 /** Key codes of the toolkit. */
 enum IgKey {
     IG_KEY_BACKSPACE = 8,
+    IG_KEY_TAB = 9, /**< gives the focus to the next widget */
     IG_KEY_ENTER = 13,
     IG_KEY_ESCAPE = 27,
     IG_KEY_F1 = 59,
@@ -41,6 +42,13 @@ enum IgKey {
     IG_KEY_RIGHT = 106,
     IG_KEY_DOWN = 108,
     IG_KEY_MENU = 139
+};
+
+/** Codes of failures, all below `IG_STATE_CANCELLED`. */
+enum IgError {
+    IG_ERROR_HANDLE = -2,   /**< the handle is unknown or of another kind */
+    IG_ERROR_ARGUMENT = -3, /**< null, empty, or not possible now */
+    IG_ERROR_FILE = -4      /**< the file cannot be read or written */
 };
 
 /** Kinds of widgets, as `igWidget_GetType` tells them. */
@@ -84,9 +92,9 @@ int32_t igUI_Del(int32_t display, int32_t form);
 /** Draws a form and returns at once. Returns 0 or more, negative on failure. */
 int32_t igUI_Show(int32_t display, int32_t form);
 
-/** Called for every event while a form runs; `key` points at the key code, 0 when the event is
- * none. A nonzero result ends the form and becomes its state; setting `*key` to 0 takes the key
- * away. */
+/** Called for every event while a form runs, and at least every 100 ticks; `key` points at the key
+ *  code, 0 when the event is none. A nonzero result ends the form and becomes its state; setting
+ *  `*key` to 0 takes the key away. */
 typedef int32_t (*IgEventCallback)(uint8_t *key);
 
 /** Shows a form and starts its modal run, which goes on while the application waits. Returns -1 or
@@ -164,7 +172,8 @@ int32_t igForm_SetTimeOut(int32_t form, uint32_t ticks);
 /** Starts the form's time-out anew. */
 int32_t igForm_ResetTime(int32_t form);
 
-/** Returns the form's state: `IgFormState`, or what its event callback returned. */
+/** Returns the form's state: `IgFormState`, or what its event callback returned; an unknown form
+ *  counts as cancelled. */
 int32_t igForm_GetState(int32_t form);
 
 /** The size of a form without header and frame, in pixels. */
@@ -204,11 +213,11 @@ int32_t igStatic_SetImage(int32_t widget, int32_t image); /**< 0 shows none. */
 
 /** Options of a button. */
 enum IgButtonOption {
-    IG_BUTTON_END = 2 /**< pressing it confirms the form */
+    IG_BUTTON_END = 2 /**< pressing it confirms the form, or cancels it when its key is Escape */
 };
 
-/** Creates a button with text, image or both, pressed by Enter or by `key` (0 for none). Returns
- * the widget's handle. */
+/** Creates a button with text, image or both, pressed by `key` (0 for none), or by Enter or the
+ * pen, which then come to the same as that key. Returns the widget's handle. */
 int32_t igButton_Create(int16_t x, int16_t y, int16_t width, int16_t height, const char *text,
                         int32_t image, uint8_t key);
 int32_t igButton_SetOption(int32_t widget, uint32_t options); /**< Bits of `IgButtonOption`. */
@@ -217,15 +226,15 @@ int32_t igButton_SetOption(int32_t widget, uint32_t options); /**< Bits of `IgBu
 
 /** Style bits of single-line, pattern and IP inputs. */
 enum IgInputStyle {
-    IG_INPUT_DIGITS = 0x001,     /**< digits */
-    IG_INPUT_AMOUNT = 0x002,     /**< with digits: and one decimal point */
-    IG_INPUT_READ_ONLY = 0x004,  /**< takes no keys */
+    IG_INPUT_DIGITS = 0x001,     /**< digits first, then letters, and nothing else */
+    IG_INPUT_AMOUNT = 0x002,     /**< with digits: one decimal point, no letters */
+    IG_INPUT_READ_ONLY = 0x004,  /**< takes no keys; a label, whose text is wrapped at words */
     IG_INPUT_FRACTION = 0x008,   /**< fills up from the right below a fixed decimal point */
     IG_INPUT_RIGHT = 0x010,      /**< the text stands at the right */
     IG_INPUT_PATTERN = 0x040,    /**< a pattern with places to fill */
     IG_INPUT_UPPER_CASE = 0x100, /**< letters become capitals */
     IG_INPUT_CURSOR = 0x200,     /**< the cursor is shown */
-    IG_INPUT_NO_LETTERS = 0x400  /**< no letters beside the digits */
+    IG_INPUT_NO_LETTERS = 0x400  /**< with digits: no letters, unless they become capitals */
 };
 
 /** Style bits of multi-line inputs. */
@@ -235,7 +244,8 @@ enum IgMultiLineStyle {
     IG_MULTI_LINE_READ_ONLY = 0x200   /**< takes no keys but those that scroll */
 };
 
-/** Creates a single-line input of up to `maxLength` characters. Returns the widget's handle. */
+/** Creates a single-line input of up to `maxLength` characters, 0 for 255. Returns the widget's
+ *  handle. */
 int32_t igInput_Create(int16_t x, int16_t y, int16_t width, int16_t height, uint16_t maxLength,
                        uint32_t style);
 /** Sets the number of digits behind the decimal point of an amount. */
@@ -248,11 +258,13 @@ int32_t igInput_SetValue(int32_t widget, const char *text);
 const char *igInput_GetValue(int32_t widget);
 int32_t igInput_GetMaxLen(int32_t widget);
 /** Sets the key codes that erase the last character, empty the input, change the letters, and
- *  confirm beside Enter; 0 for none. */
+ *  confirm beside Enter; 0 for none. They add to the toolkit's own. A code that is given for
+ * several erases while there is something to erase, and changes the letters of an empty input. */
 int32_t igInput_SetControlCodes(int32_t widget, uint8_t erase, uint8_t clear, uint8_t layout,
                                 uint8_t confirm);
 
-/** Called after every key that changed an input. The result is not used. */
+/** Called for every character key before it is typed into an input. With the result 0 the function
+ * has seen to the key and the input leaves its text alone; else the input takes the key. */
 typedef int32_t (*IgInputFunction)(int32_t widget, int32_t key);
 
 /** Installs the function of an input; the three words are 0. */
@@ -271,7 +283,7 @@ const char *igMultiLine_GetValue(int32_t widget); /**< Never null. Do not free. 
  *  value are the characters filled in. Returns the widget's handle. */
 int32_t igPatternInput_Create(int16_t x, int16_t y, int16_t width, int16_t height, uint32_t style,
                               const char *pattern);
-int32_t igPatternInput_SetMaxLen(int32_t widget, uint16_t maxLength);
+int32_t igPatternInput_SetMaxLen(int32_t widget, uint16_t maxLength); /**< 0: all places. */
 /** The colours of the pattern itself with the focus, and without; IP inputs take them too. */
 int32_t igPatternInput_SetPatternActiveColor(int32_t widget, uint16_t foreground,
                                              uint16_t background);
@@ -284,7 +296,8 @@ int32_t igPatternInput_SetFillSymbol(int32_t widget, char symbol);
 int32_t igIPInput_Create(int16_t x, int16_t y, int16_t width, int16_t height, uint32_t style);
 /** Sets the address from a text such as "192.168.0.1". */
 int32_t igIPInput_SetIPtext(int32_t widget, const char *text);
-/** Copies the address as such a text, cut to `size` - 1 characters, with a terminating zero. */
+/** Copies the address as such a text, cut to `size` - 1 characters, with a terminating zero; an
+ * empty text when nothing was entered. */
 int32_t igIPInput_GetIPtext(int32_t widget, char *buffer, uint32_t size);
 
 /* ---------------------------------------------------------------------------- menu box ---- */
@@ -333,6 +346,10 @@ int32_t igMenuBox_GetSelected(int32_t menu);
 /** Creates a progress bar at 0 of 100. Returns the widget's handle. */
 int32_t igProgress_Create(int16_t x, int16_t y, int16_t width, int16_t height);
 
+/** Sets how much is done, 0 to 100, and draws it at once. For applications; the library itself
+ * leaves a bar as it is created. */
+int32_t igProgress_SetValue(int32_t widget, int32_t percent);
+
 /** Creates a box to sign in. Returns the widget's handle. */
 int32_t igSignBox_Create(int16_t x, int16_t y, int16_t width, int16_t height);
 int32_t igSignBox_SetLineWidth(int32_t widget, int32_t pixels);
@@ -350,7 +367,7 @@ int32_t IG_DisableStatusLine(void);
 void IG_UpdateStatusLine(void);
 
 /** Writes the path of an image of the application into `buffer`, cut to `capacity` - 1 characters,
- *  with a terminating zero; a null or empty name gives an empty path. Returns 0. */
+ *  with a terminating zero; a null or empty name leaves the buffer as it is. Returns 0. */
 int32_t IG_GetFullImagePath(const char *name, char *buffer, uint32_t capacity);
 
 /** The toolkit's own handler of the display's keys. Returns 0. */

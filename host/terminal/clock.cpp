@@ -1,5 +1,5 @@
 // clock.cpp: date, time, ticks and waiting. Stands on the clocks and the time zone of the C
-// library.
+// library, or on nothing but its own count when the clock is virtual.
 #include "clock.h"
 
 #include <algorithm>
@@ -8,18 +8,57 @@
 
 namespace uti::host {
 
+namespace {
+
+constinit bool isVirtual = false;
+constinit std::time_t virtualStart = 0;
+constinit uint64_t virtualTicks = 0;
+constinit Waiter installedWaiter = nullptr;
+
+void wait(uint32_t milliseconds) {
+    installedWaiter ? installedWaiter(milliseconds) : pass(milliseconds);
+}
+
+} // namespace
+
+void useVirtualClock() {
+    std::tm noon{};
+    noon.tm_year = 2026 - 1900;
+    noon.tm_mday = 1;
+    noon.tm_hour = 12;
+    noon.tm_isdst = -1;
+    virtualStart = std::mktime(&noon);
+    virtualTicks = 0;
+    isVirtual = true;
+}
+
+bool isVirtualClock() {
+    return isVirtual;
+}
+
 std::time_t now() {
+    if (isVirtual)
+        return virtualStart + static_cast<std::time_t>(virtualTicks / 1000);
     return std::time(nullptr);
 }
 
 uint32_t ticks() {
     using namespace std::chrono;
+    if (isVirtual)
+        return static_cast<uint32_t>(virtualTicks);
     const auto sinceStart = steady_clock::now().time_since_epoch();
     return static_cast<uint32_t>(duration_cast<milliseconds>(sinceStart).count());
 }
 
-void wait(uint32_t milliseconds) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+void pass(uint32_t milliseconds) {
+    if (isVirtual)
+        virtualTicks += milliseconds;
+    else
+        std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+}
+
+void setWaiter(Waiter waiter) {
+    installedWaiter = waiter;
 }
 
 bool toLocalTime(std::time_t moment, LocalTime &local) {

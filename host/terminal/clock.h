@@ -1,5 +1,5 @@
-// clock.h: the one place where the stand-in asks for the time and lets it pass. Whoever replaces
-// these three functions replaces the clock of the whole platform.
+// clock.h: the one place where the stand-in asks for the time and lets it pass: the real clock, or
+// a virtual one that moves only when somebody waits.
 #pragma once
 
 #include "terminal.h"
@@ -15,8 +15,18 @@ std::time_t now();
 // Milliseconds since some fixed moment, wrapping around at 2^32.
 uint32_t ticks();
 
-// Lets `milliseconds` pass; signals do not cut it short.
-void wait(uint32_t milliseconds);
+// Lets `milliseconds` pass and nothing else: sleeps, and signals do not cut it short, or moves the
+// virtual clock on.
+void pass(uint32_t milliseconds);
+
+// What the platform's `Wait` does: the waiter's work, `pass` when there is none.
+using Waiter = void (*)(uint32_t milliseconds);
+void setWaiter(Waiter waiter);
+
+// Makes the clock virtual from now on: it stands at noon of the first day of 2026 in the local time
+// zone, with the ticks at 0, and nothing sleeps any more.
+void useVirtualClock();
+bool isVirtualClock();
 
 // A date and a time of day as the platform gives them.
 struct LocalTime {

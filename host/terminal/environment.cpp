@@ -29,3 +29,9 @@ int32_t GetApplicationName(char *buffer, int32_t size) {
     const std::string_view path = started ? started : "";
     return give(path.substr(path.rfind('/') + 1), buffer, size);
 }
+
+// The number in the environment variable UTI_TERMINAL_TYPE; without one an ordinary terminal, 21.
+int32_t Terminal_GetType(void) {
+    const char *value = std::getenv("UTI_TERMINAL_TYPE");
+    return value && *value ? static_cast<int32_t>(std::strtol(value, nullptr, 10)) : 21;
+}

@@ -1,6 +1,7 @@
 // printer.cpp: the printer is the text file that the environment variable UTI_PRINTER names; what
 // is printed is appended to it at once. Failures are negative errno values.
 #include "descriptors.h"
+#include "peripherals.h"
 #include "terminal.h"
 
 #include <cstdlib>
@@ -28,12 +29,15 @@ int32_t Printer_Open(const void *) {
 }
 
 // Prints the bytes as they stand, whatever the style, and adds no line end. Returns -ENXIO while
-// the printer is closed, -EIO when the text was printed in part.
+// the printer is closed, -ENOSPC when the key script took the paper out, -EIO when the text was
+// printed in part.
 int32_t Printer_PrintString(const char *text, int32_t) {
     if (!text)
         return -EINVAL;
     if (printer < 0)
         return -ENXIO;
+    if (peripherals().paperOut)
+        return -ENOSPC;
     const std::size_t length = std::strlen(text);
     const int64_t printed = writeAll(printer, text, length);
     if (printed < 0)

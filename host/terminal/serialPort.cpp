@@ -1,9 +1,15 @@
 // serialPort.cpp: serial port n is the device, pseudo-terminal, FIFO or regular file that the
 // environment variable UTI_COM<n> names, such as UTI_COM1=/dev/ttyUSB0. Several ports may be open
-// at once. Failures are negative errno values.
+// at once. A port without a variable is the modem of the key script, when that has one. Failures
+// are negative errno values.
+#include "clock.h"
 #include "descriptors.h"
+#include "peripherals.h"
 #include "terminal.h"
 
+#include <poll.h>
+
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -43,6 +49,12 @@ int openPort(const char *path, speed_t speed) {
     return error;
 }
 
+// The descriptor behind a handle for sending or receiving, or a negative error.
+int lineOf(int32_t handle) {
+    const int descriptor = handles.descriptor(HandleKind::port, handle);
+    return descriptor >= 0 && peripherals().portsFail ? -EIO : descriptor;
+}
+
 } // namespace
 } // namespace uti::host
 
@@ -59,24 +71,51 @@ int32_t ComPort_Open(const void *parameters) {
     std::memcpy(&wanted, parameters, sizeof wanted);
     if (wanted.speed >= std::size(speeds) || wanted.format != eightBitsNoParity)
         return -EINVAL;
+    if (peripherals().portsFail)
+        return -EIO;
 
     char variable[16];
     snprintf(variable, sizeof variable, "UTI_COM%u", static_cast<unsigned>(wanted.port));
     const char *path = std::getenv(variable);
-    if (!path || !*path)
-        return -ENODEV;
-    return handles.open(HandleKind::port, [&] { return openPort(path, speeds[wanted.speed]); });
+    return handles.open(HandleKind::port, [&] {
+        return path && *path ? openPort(path, speeds[wanted.speed]) : peripherals().modem.connect();
+    });
 }
 
 // Sends everything, waiting for a line that is busy; a line that takes nothing for a second ends
 // the sending, with fewer bytes than asked for or -ETIMEDOUT.
 int32_t ComPort_Write(int32_t handle, const void *buffer, uint32_t count) {
-    const int descriptor = handles.descriptor(HandleKind::port, handle);
+    const int descriptor = lineOf(handle);
     if (descriptor < 0)
         return descriptor;
     if (!buffer || count > INT32_MAX)
         return -EINVAL;
-    return static_cast<int32_t>(writeAll(descriptor, buffer, count));
+    const int64_t sent = writeAll(descriptor, buffer, count);
+    peripherals().modem.answer();
+    return static_cast<int32_t>(sent);
+}
+
+// Asks every 10 ms. On the virtual clock nothing sleeps, so that only a scripted modem or a file
+// can answer in time.
+int32_t ComPort_Read(int32_t handle, void *buffer, uint32_t count, uint32_t milliseconds) {
+    const int descriptor = lineOf(handle);
+    if (descriptor < 0)
+        return descriptor;
+    if (!buffer || count > INT32_MAX)
+        return -EINVAL;
+
+    for (uint32_t left = milliseconds;;) {
+        const ssize_t got = uninterrupted([&] { return ::read(descriptor, buffer, count); });
+        if (got > 0 || count == 0)
+            return static_cast<int32_t>(got);
+        if (got < 0 && errno != EAGAIN)
+            return -errno;
+        if (left == 0)
+            return 0;
+        const uint32_t slice = std::min(left, 10u);
+        pass(slice);
+        left -= slice;
+    }
 }
 
 int32_t ComPort_Close(int32_t handle) {

@@ -1,0 +1,59 @@
+// script.h: key scripts, the small language in which a person at the display is written down. The
+// language is told in docs/script.md.
+#pragma once
+
+#include "face.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace uti::host {
+
+// Counted from 1, the column in characters.
+struct ScriptPlace {
+    std::size_t line = 1;
+    std::size_t column = 1;
+};
+
+struct ScriptCommand {
+    enum class Kind : uint8_t {
+        event,        // `event` happens
+        advance,      // `milliseconds` of the clock pass
+        waitText,     // `text` is shown within `milliseconds`
+        expectText,   // `text` is shown
+        expectNoText, // `text` is not shown
+        shot,         // the display is saved as the picture `text`.png
+        dump,         // the display is saved as `text`.txt
+        paperOut,     // the printer has no paper
+        paperIn,
+        portsFail, // the serial ports are broken
+        portsWork,
+        modem // a modem answers `text` with `reply`
+    };
+    Kind kind;
+    ScriptPlace place;
+    Event event{};
+    std::string text{}; // UTF-8
+    std::string reply{};
+    uint32_t milliseconds = 0;
+};
+
+struct Script {
+    std::string path;
+    std::string source;
+    std::vector<ScriptCommand> commands;
+    bool isValid = true;
+
+    // Says on standard error what is wrong at a place, with the line itself.
+    void report(ScriptPlace place, std::string_view what) const;
+    ScriptPlace end() const; // of the last line
+};
+
+// Reads a script. Whatever is wrong in it is reported, and the script then not valid.
+Script parseScript(std::string path, std::string source);
+
+// A key as scripts write it.
+std::string keyName(uint8_t key);
+
+} // namespace uti::host

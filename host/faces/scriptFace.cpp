@@ -1,0 +1,195 @@
+// scriptFace.cpp: performing the commands of a key script, on the platform's clock.
+#include "scriptFace.h"
+
+#include "clock.h"
+#include "dump.h"
+#include "peripherals.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+
+namespace uti::host {
+
+namespace {
+
+using Kind = ScriptCommand::Kind;
+
+// An application that shows no form for so long, or shows so many after the script's end, will
+// never end by itself.
+constexpr uint32_t patience = 60 * 60 * 1000;
+constexpr int mostCancelled = 100;
+
+// An application that shows forms looks for their end every 100 ms.
+constexpr uint32_t betweenForms = 200;
+
+bool isPeripheral(Kind kind) {
+    return kind >= Kind::paperOut;
+}
+
+void setPeripheral(const ScriptCommand &command) {
+    Peripherals &all = peripherals();
+    switch (command.kind) {
+    case Kind::paperOut:
+    case Kind::paperIn:
+        all.paperOut = command.kind == Kind::paperOut;
+        break;
+    case Kind::portsFail:
+    case Kind::portsWork:
+        all.portsFail = command.kind == Kind::portsFail;
+        break;
+    default:
+        all.modem.add(command.text, command.reply);
+    }
+}
+
+} // namespace
+
+// What a script says about the peripherals at its start holds before the application does anything.
+ScriptFace::ScriptFace(Display &display, Script script, std::filesystem::path folder, bool &failed)
+    : display_(display), script_(std::move(script)), folder_(std::move(folder)), failed_(failed),
+      since_(ticks()) {
+    peripherals().paperOut = false;
+    peripherals().portsFail = false;
+    peripherals().modem.remove();
+    while (at_ < script_.commands.size() && isPeripheral(script_.commands[at_].kind))
+        setPeripheral(script_.commands[at_++]);
+}
+
+// Time that has just passed, as when a form's time-out came to the same moment, needs no more
+// waiting.
+ScriptFace::~ScriptFace() {
+    if (at_ == script_.commands.size())
+        return;
+    const ScriptCommand &last = script_.commands[at_];
+    const bool isOver = at_ + 1 == script_.commands.size() && last.kind == Kind::advance &&
+                        ticks() - since_ >= last.milliseconds;
+    if (!isOver)
+        fail(last.place, "the application ended before this");
+}
+
+void ScriptFace::fail(ScriptPlace place, const std::string &what) {
+    script_.report(place, what);
+    failed_ = true;
+    at_ = script_.commands.size();
+    since_ = ticks();
+}
+
+std::optional<Event> ScriptFace::next(uint32_t milliseconds) {
+    if (display_.running())
+        ranAt_ = ticks();
+    while (at_ < script_.commands.size()) {
+        const ScriptCommand &command = script_.commands[at_];
+        if (perform(command) == Outcome::waits) {
+            if (command.milliseconds == 0)
+                endWhenStuck(command.place);
+            const uint32_t waited = ticks() - since_;
+            const bool isUnderWay = waited < command.milliseconds;
+            pass(isUnderWay ? std::min(milliseconds, command.milliseconds - waited) : milliseconds);
+            return std::nullopt;
+        }
+        if (at_ < script_.commands.size())
+            ++at_;
+        since_ = ticks();
+        if (command.kind == Kind::event)
+            return command.event;
+    }
+    return afterEnd(milliseconds);
+}
+
+// A form runs, or the script has waited since the last one ended: what is shown now is what it
+// means.
+bool ScriptFace::isSettled() const {
+    return display_.running() || looked_ == display_.runs();
+}
+
+// A form has ended and is still on the display: the application may be about to show the next one.
+bool ScriptFace::isBetweenForms() const {
+    return !display_.running() && ranAt_ && ticks() - *ranAt_ < betweenForms;
+}
+
+ScriptFace::Outcome ScriptFace::perform(const ScriptCommand &command) {
+    const uint32_t waited = ticks() - since_;
+    if (isBetweenForms())
+        return Outcome::waits;
+    switch (command.kind) {
+    case Kind::event:
+        if (command.event.kind != Event::Kind::keyboard && !display_.running())
+            return Outcome::waits;
+        return Outcome::done;
+    case Kind::advance:
+        if (waited < command.milliseconds)
+            return Outcome::waits;
+        break;
+    case Kind::waitText:
+        if (shows(display_, command.text))
+            break;
+        if (waited < command.milliseconds)
+            return Outcome::waits;
+        fail(command.place, "the text was not shown in time");
+        return Outcome::done;
+    case Kind::expectText:
+    case Kind::expectNoText:
+        if (!isSettled())
+            return Outcome::waits;
+        if (shows(display_, command.text) != (command.kind == Kind::expectText))
+            fail(command.place,
+                 command.kind == Kind::expectText ? "the text is not shown" : "the text is shown");
+        return Outcome::done;
+    case Kind::shot:
+    case Kind::dump:
+        if (!isSettled())
+            return Outcome::waits;
+        save(command);
+        return Outcome::done;
+    default:
+        setPeripheral(command);
+        return Outcome::done;
+    }
+    looked_ = display_.runs();
+    return Outcome::done;
+}
+
+void ScriptFace::save(const ScriptCommand &command) {
+    const auto path = folder_ / (command.text + (command.kind == Kind::shot ? ".png" : ".txt"));
+    display_.redraw();
+    bool saved;
+    if (command.kind == Kind::shot) {
+        saved = saveImage(display_.surface(), path);
+    } else {
+        std::ofstream file(path);
+        file << uti::host::dump(display_);
+        saved = file.flush().good();
+    }
+    if (!saved)
+        fail(command.place, path.string() + " cannot be written");
+}
+
+// Nobody is left to answer: forms are cancelled, and the first one fails the run.
+std::optional<Event> ScriptFace::afterEnd(uint32_t milliseconds) {
+    const Form *form = display_.running();
+    if (!form) {
+        endWhenStuck(script_.end());
+        pass(milliseconds);
+        return std::nullopt;
+    }
+    if (!failed_)
+        fail(script_.end(), "the script ends while a form waits for an answer");
+    if (++cancelled_ > mostCancelled) {
+        script_.report(script_.end(), "the application goes on without end");
+        std::exit(EXIT_FAILURE);
+    }
+    since_ = ticks();
+    return Event{.kind = Event::Kind::close};
+}
+
+void ScriptFace::endWhenStuck(ScriptPlace place) {
+    if (ticks() - since_ < patience || display_.running())
+        return;
+    if (!std::exchange(failed_, true))
+        script_.report(place, "the application shows no form for an hour");
+    at_ = script_.commands.size();
+    std::exit(EXIT_FAILURE);
+}
+
+} // namespace uti::host

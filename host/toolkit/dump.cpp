@@ -1,0 +1,74 @@
+// dump.cpp: going through what can be seen.
+#include "dump.h"
+
+#include "codePage.h"
+#include "display.h"
+
+#include <sstream>
+
+namespace uti::host {
+
+namespace {
+
+std::string written(const Rect &area) {
+    return std::to_string(area.x) + ',' + std::to_string(area.y) + ' ' +
+           std::to_string(area.width) + 'x' + std::to_string(area.height);
+}
+
+std::string inQuotes(std::string_view bytes) {
+    std::string text = " \"";
+    for (const char each : toUtf8(bytes)) {
+        if (each == '"' || each == '\\')
+            text += '\\';
+        each == '\n' ? text += "\\n" : text += each;
+    }
+    return text + '"';
+}
+
+} // namespace
+
+std::string dump(const Display &display) {
+    std::ostringstream out;
+    out << "display " << display.size().width << 'x' << display.size().height << '\n';
+    if (display.statusLineShown()) {
+        out << "status " << display.statusLine.clock();
+        if (!display.statusLine.letters().empty())
+            out << ' ' << toUtf8(display.statusLine.letters());
+        out << '\n';
+    }
+    if (display.cursor.x >= 0)
+        out << "cursor " << display.cursor.x << ',' << display.cursor.y << '\n';
+
+    for (const Form *form : display.visibleForms()) {
+        out << "form " << written(form->area())
+            << inQuotes(form->header().empty() ? "" : form->caption)
+            << (form == display.running() ? " running" : "") << '\n';
+        for (const Widget *widget : form->widgets) {
+            const Description description = widget->describe();
+            out << "  " << description.kind << ' ' << written(widget->area);
+            for (const std::string &text : description.texts)
+                if (!text.empty())
+                    out << inQuotes(text);
+            if (!description.notes.empty())
+                out << ' ' << description.notes;
+            out << (widget->hasFocus() ? " focus" : "") << '\n';
+        }
+    }
+    return out.str();
+}
+
+bool shows(const Display &display, std::string_view text) {
+    const auto holds = [text](std::string_view bytes) {
+        return toUtf8(bytes).find(text) != std::string::npos;
+    };
+    for (const Form *form : display.visibleForms()) {
+        if (!form->header().empty() && holds(form->caption))
+            return true;
+        for (const Widget *widget : form->widgets)
+            if (std::ranges::any_of(widget->describe().texts, holds))
+                return true;
+    }
+    return false;
+}
+
+} // namespace uti::host

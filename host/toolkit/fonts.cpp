@@ -1,0 +1,283 @@
+// fonts.cpp: finding the font files, fitting their characters into cells, and keeping what was
+// rendered.
+#include "fonts.h"
+
+#include "codePage.h"
+
+#include <ft2build.h>
+#include FT_FREETYPE_H
+
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <iterator>
+#include <optional>
+#include <set>
+#include <vector>
+
+namespace uti::host {
+
+namespace {
+
+struct FontFile {
+    const char *name;
+    const char *package;
+};
+constexpr FontFile fixedFile{"5x8.pcf.gz", "xfonts-base"};
+constexpr FontFile monoFile{"DejaVuSansMono.ttf", "fonts-dejavu-core"};
+constexpr FontFile monoBoldFile{"DejaVuSansMono-Bold.ttf", "fonts-dejavu-core"};
+constexpr FontFile sansBoldFile{"DejaVuSans-Bold.ttf", "fonts-dejavu-core"};
+
+constexpr struct {
+    std::size_t slot;
+    Size cell;
+    FontFile file;
+} builtIn[] = {{0, {6, 8}, fixedFile},
+               {1, {12, 16}, monoFile},
+               {2, {16, 24}, monoFile},
+               {3, {6, 8}, fixedFile},
+               {4, {12, 16}, monoBoldFile},
+               {5, {16, 24}, monoBoldFile},
+               {Fonts::slots, {0, 14}, sansBoldFile}};
+
+// Where distributions put the two packages.
+constexpr const char *folders[] = {"/usr/share/fonts/truetype/dejavu",
+                                   "/usr/share/fonts/X11/misc",
+                                   "/usr/share/fonts/TTF",
+                                   "/usr/share/fonts/dejavu",
+                                   "/usr/share/fonts/misc",
+                                   "/usr/share/fonts/dejavu-sans-mono-fonts",
+                                   "/usr/share/fonts/dejavu-sans-fonts"};
+
+constexpr char capitalIe = '\xC5', capitalIo = '\xA8';
+constexpr int ownEmHeight = 16;
+constexpr int largestCell = 128;
+constexpr FT_Long spreadPercent = 96;
+// Those that reach highest and lowest: capitals with marks above, brackets, tails and the
+// underscore.
+constexpr std::string_view tallest = "\xA8\xC9\xA1\xAF|()[]{}@jy_,;Q\xD9\xF9\xF4\xA5";
+constexpr std::size_t mostSheets = 24;
+
+// A file as it is named, or below one of the folders: those of UTI_FONT_PATH, parted by colons,
+// come first.
+std::optional<std::string> findFile(const std::string &name) {
+    const auto isFile = [](const std::filesystem::path &path) {
+        std::error_code error;
+        return std::filesystem::is_regular_file(path, error);
+    };
+    if (isFile(name))
+        return name;
+
+    std::vector<std::filesystem::path> places;
+    const char *more = std::getenv("UTI_FONT_PATH");
+    for (std::string_view rest = more ? more : ""; !rest.empty();) {
+        const std::string_view place = rest.substr(0, rest.find(':'));
+        places.emplace_back(place);
+        rest.remove_prefix(std::min(place.size() + 1, rest.size()));
+    }
+    places.insert(places.end(), std::begin(folders), std::end(folders));
+    for (const auto &place : places)
+        if (isFile(place / name))
+            return place / name;
+    return std::nullopt;
+}
+
+constexpr int fromFixed(FT_Long value) {
+    return static_cast<int>((value + 32) >> 6);
+}
+
+// The coverage of a bitmap's pixel; bitmaps of other depths than FreeType's own count as empty.
+unsigned coverageAt(const FT_Bitmap &bitmap, int x, int y) {
+    if (x < 0 || y < 0 || x >= static_cast<int>(bitmap.width) || y >= static_cast<int>(bitmap.rows))
+        return 0;
+    const unsigned char *row = bitmap.buffer + std::ptrdiff_t{y} * bitmap.pitch;
+    if (bitmap.pixel_mode == FT_PIXEL_MODE_MONO)
+        return row[x >> 3] & 0x80 >> (x & 7) ? 255 : 0;
+    return bitmap.pixel_mode == FT_PIXEL_MODE_GRAY ? row[x] : 0;
+}
+
+} // namespace
+
+Font::Font(FT_FaceRec_ *face, Size cell) : face_(face), cell_(cell) {
+    scale();
+}
+
+Font::~Font() {
+    if (face_)
+        FT_Done_Face(face_);
+}
+
+void Font::scale() {
+    if (!face_) { // characters without a font take their room and show nothing
+        if (cell_.width == 0)
+            cell_.width = cell_.height / 2;
+    } else if (!FT_IS_SCALABLE(face_)) { // in the middle of a cell
+        FT_Select_Size(face_, 0);
+        const auto &metrics = face_->size->metrics;
+        const int own = std::clamp(fromFixed(metrics.height), 1, largestCell);
+        if (cell_.height == 0)
+            cell_.height = own;
+        baseline_ = (cell_.height - own) / 2 + fromFixed(metrics.ascender);
+    } else if (cell_.height > 0) {
+        fillCell();
+    } else {
+        FT_Set_Pixel_Sizes(face_, 0, ownEmHeight);
+        const auto &metrics = face_->size->metrics;
+        cell_.height = std::clamp(fromFixed(metrics.ascender - metrics.descender), 1, largestCell);
+        baseline_ = fromFixed(metrics.ascender);
+    }
+}
+
+// Takes the largest size at which every character keeps within its cell. Characters that are all
+// equally wide are spread over its width, but for a little air between them, whatever their height.
+void Font::fillCell() {
+    const FT_Long units = face_->units_per_EM;
+    const FT_Long advance = std::max<FT_Long>(face_->max_advance_width, 1);
+    const bool spread = cell_.width > 0 && FT_IS_FIXED_WIDTH(face_);
+    for (FT_Long vertical = cell_.height * 64; vertical >= 64; vertical -= 16) {
+        const FT_Long horizontal =
+            spread ? cell_.width * 64 * units / advance * spreadPercent / 100 : vertical;
+        FT_Size_RequestRec request{FT_SIZE_REQUEST_TYPE_NOMINAL, horizontal, vertical, 0, 0};
+        FT_Request_Size(face_, &request);
+
+        int above = 0, below = 0;
+        for (const char character : tallest) {
+            if (FT_Load_Char(face_, toUnicode(character), FT_LOAD_DEFAULT) != 0)
+                continue;
+            const auto &metrics = face_->glyph->metrics;
+            above = std::max(above, static_cast<int>((metrics.horiBearingY + 63) >> 6));
+            below = std::max(below,
+                             static_cast<int>((metrics.height - metrics.horiBearingY + 63) >> 6));
+        }
+        baseline_ = above;
+        if (above + below <= cell_.height)
+            return;
+    }
+}
+
+int Font::width(std::string_view text) {
+    int width = 0;
+    for (const char character : text)
+        width += glyph(character).width;
+    return width;
+}
+
+Font::Glyph &Font::glyph(char character) {
+    Glyph &wanted = glyphs_[static_cast<unsigned char>(character)];
+    if (!wanted.coverage)
+        render(wanted, character);
+    return wanted;
+}
+
+void Font::render(Glyph &glyph, char character) {
+    const bool hasUnicode =
+        face_ && face_->charmap && face_->charmap->encoding == FT_ENCODING_UNICODE;
+    const FT_ULong code = hasUnicode ? FT_ULong{toUnicode(character)}
+                                     : FT_ULong{static_cast<unsigned char>(character)};
+    const bool shown = face_ && static_cast<unsigned char>(character) >= ' ' &&
+                       FT_Load_Char(face_, code, FT_LOAD_RENDER) == 0;
+
+    const int advance =
+        shown ? std::clamp(fromFixed(face_->glyph->advance.x), 0, largestCell) : cell_.width;
+    glyph.width = cell_.width > 0 ? cell_.width : advance;
+    glyph.coverage = std::make_unique<uint8_t[]>(
+        static_cast<std::size_t>(std::max(glyph.width * cell_.height, 1)));
+    if (!shown)
+        return;
+
+    const FT_GlyphSlot slot = face_->glyph;
+    const int left = (glyph.width - advance) / 2 + slot->bitmap_left;
+    const int top = baseline_ - slot->bitmap_top;
+    uint8_t *out = glyph.coverage.get();
+    for (int y = 0; y < cell_.height; ++y)
+        for (int x = 0; x < glyph.width; ++x)
+            *out++ = static_cast<uint8_t>(coverageAt(slot->bitmap, x - left, y - top));
+    if (character == capitalIo && !FT_IS_SCALABLE(face_))
+        addMissingDots(glyph);
+}
+
+// The smallest bitmap fonts draw the letter like the one without dots, below an empty row.
+void Font::addMissingDots(Glyph &io) {
+    const Glyph &ie = glyph(capitalIe);
+    const auto count = static_cast<std::size_t>(io.width * cell_.height);
+    if (io.width == ie.width &&
+        std::equal(io.coverage.get(), io.coverage.get() + count, ie.coverage.get()))
+        for (const int x : {io.width / 6, io.width / 2})
+            io.coverage[static_cast<std::size_t>(x)] = 255;
+}
+
+Font::Sheet &Font::sheet(Color ink, Color ground) {
+    for (Sheet &sheet : sheets_)
+        if (sheet.ink == ink && sheet.ground == ground)
+            return sheet;
+    if (sheets_.size() == mostSheets)
+        sheets_.pop_front();
+    return sheets_.emplace_back(Sheet{ink, ground, {}});
+}
+
+const Color *Font::pixels(Sheet &sheet, char character) {
+    auto &cell = sheet.cells[static_cast<unsigned char>(character)];
+    if (cell)
+        return cell.get();
+
+    const Glyph &source = glyph(character);
+    const auto count = static_cast<std::size_t>(source.width * cell_.height);
+    cell = std::make_unique<Color[]>(std::max<std::size_t>(count, 1));
+    for (std::size_t i = 0; i < count; ++i)
+        cell[i] = mix(sheet.ink, sheet.ground, source.coverage[i]);
+    return cell.get();
+}
+
+Fonts::Fonts() {
+    if (FT_Init_FreeType(&library_) != 0)
+        library_ = nullptr;
+
+    std::set<std::string_view> missing;
+    for (const auto &[slot, cell, file] : builtIn) {
+        fonts_[slot] = open(file.name, cell);
+        if (fonts_[slot])
+            continue;
+        fonts_[slot] = std::make_unique<Font>(nullptr, cell);
+        if (missing.insert(file.name).second)
+            std::fprintf(stderr,
+                         "uti: the font %s is missing, so some texts stay empty: install the "
+                         "package %s or name the file's folder in UTI_FONT_PATH\n",
+                         file.name, file.package);
+    }
+}
+
+Fonts::~Fonts() {
+    for (auto &font : fonts_)
+        font.reset(); // the faces end before their library
+    FT_Done_FreeType(library_);
+}
+
+std::unique_ptr<Font> Fonts::open(const std::string &name, Size cell) {
+    const auto path = findFile(name);
+    FT_Face face = nullptr;
+    if (!path || !library_ || FT_New_Face(library_, path->c_str(), 0, &face) != 0)
+        return nullptr;
+    if (!face->charmap && face->num_charmaps > 0)
+        FT_Set_Charmap(face, face->charmaps[0]);
+    return std::make_unique<Font>(face, cell);
+}
+
+bool Fonts::load(std::size_t slot, const std::string &path) {
+    if (slot >= slots)
+        return false;
+    Size cell{};
+    for (const auto &row : builtIn)
+        if (row.slot == slot)
+            cell = row.cell;
+    std::unique_ptr<Font> font = open(path, cell);
+    if (!font)
+        return false;
+    fonts_[slot] = std::move(font);
+    return true;
+}
+
+Font &Fonts::at(std::size_t slot) {
+    return slot < slots && fonts_[slot] ? *fonts_[slot] : *fonts_[1];
+}
+
+} // namespace uti::host

@@ -1,0 +1,94 @@
+// fonts.h: the twelve font slots of the display, the one place that knows how large characters are.
+// Every character is a cell: as high as its font, and as wide as the pen moves on for it. Stands on
+// FreeType.
+#pragma once
+
+#include "surface.h"
+
+#include <array>
+#include <deque>
+#include <memory>
+#include <string>
+#include <string_view>
+
+struct FT_FaceRec_;
+struct FT_LibraryRec_;
+
+namespace uti::host {
+
+class Font {
+public:
+    // All cells of one pair of colours, laid out as pixels, so that a character on a plain ground
+    // is copied and not mixed.
+    struct Sheet {
+        Color ink;
+        Color ground;
+        std::array<std::unique_ptr<Color[]>, 256> cells;
+    };
+
+    // `cell` is the size that every character takes; a width of 0 leaves each its own width, and a
+    // height of 0 leaves the font its own size. The face becomes the font's.
+    Font(FT_FaceRec_ *face, Size cell);
+    ~Font();
+    Font(const Font &) = delete;
+    Font &operator=(const Font &) = delete;
+
+    int height() const { return cell_.height; }
+    int width(char character) { return glyph(character).width; }
+    int width(std::string_view text);
+
+    // The coverage of a cell, 0 to 255, row by row.
+    const uint8_t *coverage(char character) { return glyph(character).coverage.get(); }
+
+    // A sheet stays valid until the next call.
+    Sheet &sheet(Color ink, Color ground);
+    const Color *pixels(Sheet &sheet, char character);
+
+private:
+    struct Glyph {
+        int width = 0;
+        std::unique_ptr<uint8_t[]> coverage; // null until the character is drawn first
+    };
+
+    void scale();
+    void fillCell();
+    Glyph &glyph(char character);
+    void render(Glyph &glyph, char character);
+    void addMissingDots(Glyph &io);
+
+    FT_FaceRec_ *face_;
+    Size cell_;
+    int baseline_ = 0; // from the top of the cell
+    std::array<Glyph, 256> glyphs_;
+    std::deque<Sheet> sheets_;
+};
+
+class Fonts {
+public:
+    static constexpr std::size_t slots = 12;
+
+    // Loads the built-in fonts: slots 0 to 2 hold "6x8", "12x16" and "16x24", 3 to 5 their sisters
+    // for digits, the larger two of them bold. Says on standard error which package is missing.
+    Fonts();
+    ~Fonts();
+    Fonts(const Fonts &) = delete;
+    Fonts &operator=(const Fonts &) = delete;
+
+    // Loads a font file into a slot. The slots 0 to 5 keep their cells; the others take the size of
+    // a bitmap font, or 16 pixels to the em. False, with the slot unchanged, when that fails.
+    bool load(std::size_t slot, const std::string &path);
+
+    // The font of a slot; slot 1 for one that is empty or does not exist.
+    Font &at(std::size_t slot);
+
+    // A small proportional font for the status line.
+    Font &label() { return *fonts_[slots]; }
+
+private:
+    std::unique_ptr<Font> open(const std::string &name, Size cell);
+
+    FT_LibraryRec_ *library_ = nullptr;
+    std::array<std::unique_ptr<Font>, slots + 1> fonts_;
+};
+
+} // namespace uti::host

@@ -1,0 +1,37 @@
+// images.h: the images of the application by their handles. Each file is loaded once, and again
+// when it has changed.
+#pragma once
+
+#include "image.h"
+
+#include <filesystem>
+#include <map>
+#include <string>
+
+namespace uti::host {
+
+// The file of an image: the name itself, or below the folder in UTI_IMAGES when it is not to be
+// found from here.
+std::filesystem::path imagePath(const std::string &name);
+
+class Images {
+public:
+    // Returns the handle, or a negative code when the file cannot be loaded. The image of a file
+    // keeps its handle, `next` if it has none yet.
+    int32_t load(const std::string &name, int32_t next);
+
+    // Null for an unknown handle.
+    const Image *find(int32_t handle) const;
+    // The name of the file without its folder; empty for an unknown handle.
+    std::string name(int32_t handle) const;
+
+private:
+    struct Entry {
+        std::filesystem::path path;
+        std::filesystem::file_time_type changed;
+        Image image;
+    };
+    std::map<int32_t, Entry> entries_;
+};
+
+} // namespace uti::host

@@ -1,0 +1,109 @@
+// textLayout.cpp: measuring texts by the cells of their fonts.
+#include "textLayout.h"
+
+#include "toolkit.h"
+
+namespace uti::host {
+
+namespace {
+
+constexpr char ellipsis = '\x85';
+
+// How many of the text's first characters fit the width, at least one of any.
+std::size_t countFitting(std::string_view text, Font &font, int width) {
+    std::size_t count = 0;
+    for (int used = 0; count < text.size(); ++count) {
+        used += font.width(text[count]);
+        if (used > width && count > 0)
+            break;
+    }
+    return count;
+}
+
+} // namespace
+
+Point justified(Size size, const Rect &area, uint32_t justify) {
+    const auto place = [justify](int room, uint32_t start, uint32_t end) {
+        if (justify & start || room < 0)
+            return 0;
+        return justify & end ? room : room / 2;
+    };
+    return {area.x + place(area.width - size.width, IG_JUSTIFY_LEFT, IG_JUSTIFY_RIGHT),
+            area.y + place(area.height - size.height, IG_JUSTIFY_TOP, IG_JUSTIFY_BOTTOM)};
+}
+
+std::vector<std::string_view> linesOf(std::string_view text, Font &font, int width, Wrap wrap) {
+    std::vector<std::string_view> lines;
+    for (bool more = true; more;) {
+        const std::size_t feed = text.find('\n');
+        std::string_view line = text.substr(0, feed);
+        more = feed != std::string_view::npos;
+        text.remove_prefix(more ? feed + 1 : text.size());
+
+        for (std::size_t fitting;
+             wrap == Wrap::atWords && (fitting = countFitting(line, font, width)) < line.size();) {
+            const std::size_t space = line.rfind(' ', fitting);
+            const bool atSpace = space != std::string_view::npos && space > 0;
+            lines.push_back(line.substr(0, atSpace ? space : fitting));
+            line.remove_prefix(atSpace ? space + 1 : fitting);
+        }
+        lines.push_back(line);
+    }
+    return lines;
+}
+
+std::string shortened(std::string_view text, Font &font, int width) {
+    if (font.width(text) <= width)
+        return std::string(text);
+    const std::size_t count = countFitting(text, font, width - font.width(ellipsis));
+    return std::string(text.substr(0, count)) + ellipsis;
+}
+
+std::string_view endOf(std::string_view text, Font &font, int width) {
+    std::size_t first = text.size();
+    for (int used = 0; first > 0; --first) {
+        used += font.width(text[first - 1]);
+        if (used > width)
+            break;
+    }
+    return text.substr(first);
+}
+
+Point drawLines(Painter &painter, const Rect &area, const std::vector<std::string_view> &lines,
+                Font &font, Color ink, uint32_t justify, int scrolled) {
+    const int height = static_cast<int>(lines.size()) * font.height();
+    Rect row{area.x, justified({0, height}, area, justify).y - scrolled, area.width, font.height()};
+    Point end = row.origin();
+    for (const std::string_view line : lines) {
+        end = justified({font.width(line), row.height}, row, justify);
+        painter.text(end, line, font, ink);
+        end.x += font.width(line);
+        row.y += row.height;
+    }
+    return end;
+}
+
+void drawText(Painter &painter, const Rect &area, std::string_view text, Font &font, Color ink,
+              uint32_t justify) {
+    auto lines = linesOf(text, font, area.width, Wrap::atWords);
+    const auto room = static_cast<std::size_t>(std::max(area.height / font.height(), 1));
+    std::string last;
+    if (lines.size() > room) {
+        lines.resize(room);
+        last = std::string(lines.back()) + ' ' + ellipsis;
+        while (font.width(last) > area.width && last.size() > 1)
+            last.erase(last.size() - 2, 1);
+        lines.back() = last;
+    }
+    drawLines(painter, area, lines, font, ink, justify);
+}
+
+void drawLine(Painter &painter, const Rect &area, std::string_view text, Font &font, Color ink,
+              uint32_t justify) {
+    const std::string shown = shortened(text, font, area.width);
+    const Size size{font.width(shown), font.height()};
+    painter.within(area).text(justified(size, {0, 0, area.width, area.height}, justify), shown,
+                              font, ink);
+}
+
+} // namespace uti::host
