@@ -14,5 +14,6 @@ enum ExitCode : int {
 
 void addCompileCommand(CLI::App &app, int &result);
 void addDumpCommand(CLI::App &app, int &result);
+void addLogCommand(CLI::App &app, int &result);
 
 } // namespace uti::tool

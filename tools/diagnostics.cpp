@@ -44,6 +44,11 @@ bool Diagnostics::hasErrors() const {
     return std::ranges::any_of(findings_, &Finding::isError);
 }
 
+void Diagnostics::add(Finding finding) {
+    if (std::ranges::find(findings_, finding) == findings_.end())
+        findings_.push_back(std::move(finding));
+}
+
 std::string_view Diagnostics::line(uint32_t number) const {
     std::string_view rest = text_;
     if (rest.starts_with(byteOrderMark))

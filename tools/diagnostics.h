@@ -52,11 +52,11 @@ public:
 
     template <class... Parts>
     void error(Position position, const Parts &...parts) {
-        findings_.push_back({position, true, concat(parts...)});
+        add({position, true, concat(parts...)});
     }
     template <class... Parts>
     void warning(Position position, const Parts &...parts) {
-        findings_.push_back({position, warnings_ == Warnings::areErrors, concat(parts...)});
+        add({position, warnings_ == Warnings::areErrors, concat(parts...)});
     }
     bool hasErrors() const;
 
@@ -72,8 +72,11 @@ private:
         Position position;
         bool isError;
         std::string message;
+        bool operator==(const Finding &) const = default;
     };
 
+    // What is read once for every language is reported once.
+    void add(Finding finding);
     std::string_view line(uint32_t number) const;
 
     std::string path_;

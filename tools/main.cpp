@@ -14,6 +14,7 @@ int main(int argc, char **argv) try {
     int result = exitDone;
     addCompileCommand(app, result);
     addDumpCommand(app, result);
+    addLogCommand(app, result);
 
     try {
         app.parse(argc, argv);

@@ -2,8 +2,8 @@
 // reported at its place.
 #include "resource_source.h"
 
-#include "toml_reader.h"
-#include "utf8.h"
+#include "dialog_source.h"
+#include "source_text.h"
 
 #include <algorithm>
 #include <set>
@@ -20,15 +20,12 @@ bool isIdentifier(std::string_view name) {
     return !name.empty() && !isDigit(name[0]) && std::ranges::all_of(name, isNamePart);
 }
 
-int hexDigit(char c) {
-    if (isDigit(c))
-        return c - '0';
-    const char letter = static_cast<char>(c | 0x20);
-    return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
-}
+// What an id may stand for. Dialogs of different languages may share one.
+enum class EntryKind : uint8_t { string, dialog };
 
-// A string by language, and where it is named.
+// A string or dialog by language, and where it is named.
 struct Entry {
+    EntryKind kind;
     std::string name;
     Position position;
     std::map<std::string, std::string, std::less<>> bytes;
@@ -49,11 +46,17 @@ private:
     void readSections(const toml::table &table);
     void readStrings(const toml::table &table);
     void readString(const toml::key &key, const toml::table &table);
-    std::optional<uint16_t> readId(const TomlInteger *value, const toml::key &key);
+    void readDialogs(const toml::table &table, DialogReader &reader);
+    void readDialog(const toml::key &key, const toml::table &table, DialogReader &reader);
+    std::vector<Language> readLanguageList(const toml::array &list,
+                                           const std::vector<Language> &known);
+    void checkName(const toml::key &key);
+    std::optional<uint16_t> readId(const toml::key &key, const toml::node *node);
+    Entry *claim(uint16_t id, EntryKind kind, const toml::key &key, const toml::table &table,
+                 const std::vector<Language> &languages);
     void readTexts(TableReader &reader, const std::vector<Language> &languages, Entry &entry);
     std::string readBytes(const toml::node &node, std::string_view name);
-    std::string encode(const TomlText &text);
-    std::string decodeHex(const TomlText &text);
+    const CodePage *codePage() const { return codePage_ ? &*codePage_ : nullptr; }
     const std::vector<Language> &languagesOf(std::optional<uint16_t> id) const;
     void fillSection(uint8_t section);
 
@@ -81,6 +84,13 @@ ResourceSource SourceReader::read() {
         readSections(*sections);
     if (const auto *strings = reader.find<toml::table>("strings"))
         readStrings(*strings);
+    DialogReader dialogs(codePage(), languages_, diagnostics_);
+    if (const auto *colors = reader.find<toml::table>("colors"))
+        dialogs.readColors(*colors);
+    if (const auto *styles = reader.find<toml::table>("styles"))
+        dialogs.readStyles(*styles);
+    if (const auto *tables = reader.find<toml::table>("dialogs"))
+        readDialogs(*tables, dialogs);
     reader.reportUnknownKeys();
 
     for (uint8_t section = 0; section <= sectionOf(lastStringId); ++section)
@@ -161,26 +171,58 @@ void SourceReader::readStrings(const toml::table &table) {
     }
 }
 
-void SourceReader::readString(const toml::key &key, const toml::table &table) {
+void SourceReader::checkName(const toml::key &key) {
     if (!isIdentifier(key.str()))
         diagnostics_.error(begin(key), '"', key.str(), "\" is no identifier of C");
+}
 
-    TableReader reader(table, diagnostics_);
-    const std::optional<uint16_t> id = readId(reader.find<TomlInteger>("id"), key);
-    const TomlText *hex = reader.find<TomlText>("hex");
-    if (!id && !table.contains("id"))
+std::optional<uint16_t> SourceReader::readId(const toml::key &key, const toml::node *node) {
+    if (!node)
         diagnostics_.error(begin(key), key.str(), " has no id");
+    const auto *value = node ? expect<TomlInteger>(*node, "id", diagnostics_) : nullptr;
+    if (!value)
+        return std::nullopt;
+    if (value->get() >= 0 && value->get() <= lastStringId)
+        return static_cast<uint16_t>(value->get());
+    diagnostics_.error(begin(*value), "id must be 0x0000 to 0x5FFF: a section, 0 to 5, and a "
+                                      "three-digit index");
+    return std::nullopt;
+}
+
+// The entry of an id, or null and an error when it is taken.
+Entry *SourceReader::claim(uint16_t id, EntryKind kind, const toml::key &key,
+                           const toml::table &table, const std::vector<Language> &languages) {
+    const std::string name(key.str());
+    const auto [place, isFree] = strings_.try_emplace(id, Entry{kind, name, begin(key), {}});
+    Entry &entry = place->second;
+    const bool areDialogs = kind == EntryKind::dialog && entry.kind == EntryKind::dialog;
+    const auto isTaken = [&](const Language &each) { return entry.bytes.contains(each.code); };
+    if (!isFree && (!areDialogs || std::ranges::any_of(languages, isTaken))) {
+        diagnostics_.error(begin(*table.get("id")), "id ", Hex{id, 4}, " is taken by ", entry.name,
+                           " in line ", entry.position.line);
+        return nullptr;
+    }
+    source_.names.push_back({name, id, begin(key)});
+    return &entry;
+}
+
+void SourceReader::readString(const toml::key &key, const toml::table &table) {
+    checkName(key);
+    TableReader reader(table, diagnostics_);
+    const std::optional<uint16_t> id = readId(key, reader.find("id"));
+    const TomlText *hex = reader.find<TomlText>("hex");
     if (languages_.empty())
         return;
 
-    Entry unnumbered;
-    Entry &entry = id ? strings_[*id] : unnumbered;
+    Entry unnumbered{};
+    Entry *claimed = id ? claim(*id, EntryKind::string, key, table, {}) : nullptr;
+    Entry &entry = claimed ? *claimed : unnumbered;
     const std::vector<Language> &languages = languagesOf(id);
     readTexts(reader, languages, entry);
     reader.reportUnknownKeys();
     if (hex && !entry.bytes.empty())
         diagnostics_.error(begin(*hex), "hex stands for every language; no text goes with it");
-    const std::string bytes = hex ? decodeHex(*hex) : "";
+    const std::string bytes = hex ? decodeHex(*hex, diagnostics_) : "";
     for (const Language &language : languages) {
         if (hex)
             entry.bytes[language.code] = bytes;
@@ -191,24 +233,46 @@ void SourceReader::readString(const toml::key &key, const toml::table &table) {
         diagnostics_.error(begin(key), key.str(), " has neither a text nor hex");
 }
 
-std::optional<uint16_t> SourceReader::readId(const TomlInteger *value, const toml::key &key) {
-    if (!value)
-        return std::nullopt;
-    if (value->get() < 0 || value->get() > lastStringId) {
-        diagnostics_.error(begin(*value), "id must be 0x0000 to 0x5FFF: a section, 0 to 5, and a "
-                                          "three-digit index");
-        return std::nullopt;
+void SourceReader::readDialogs(const toml::table &table, DialogReader &reader) {
+    if (languages_.empty() && !table.empty())
+        diagnostics_.error(begin(table), "dialogs need languages: [languages] and en = 0");
+    for (const auto &[key, node] : entriesInOrder(table)) {
+        if (const auto *dialog = expect<toml::table>(*node, key->str(), diagnostics_))
+            readDialog(*key, *dialog, reader);
     }
-    const auto id = static_cast<uint16_t>(value->get());
-    const std::string name(key.str());
-    const auto [taken, isFree] = strings_.try_emplace(id, Entry{name, begin(key), {}});
-    if (!isFree) {
-        diagnostics_.error(begin(*value), "id ", Hex{id, 4}, " is taken by ", taken->second.name,
-                           " in line ", taken->second.position.line);
-        return std::nullopt;
+}
+
+void SourceReader::readDialog(const toml::key &key, const toml::table &table,
+                              DialogReader &reader) {
+    checkName(key);
+    const std::optional<uint16_t> id = readId(key, table.get("id"));
+    std::vector<Language> languages = languagesOf(id);
+    if (const toml::node *list = table.get("languages")) {
+        if (const auto *array = expect<toml::array>(*list, "languages", diagnostics_))
+            languages = readLanguageList(*array, languages);
     }
-    source_.names.push_back({name, id, begin(key)});
-    return id;
+    Entry *entry = id ? claim(*id, EntryKind::dialog, key, table, languages) : nullptr;
+    for (const Language &language : languages) {
+        std::string description = reader.read(table, language.code);
+        if (entry)
+            entry->bytes.emplace(language.code, std::move(description));
+    }
+}
+
+std::vector<Language> SourceReader::readLanguageList(const toml::array &list,
+                                                     const std::vector<Language> &known) {
+    std::vector<Language> languages;
+    for (const toml::node &node : list) {
+        const auto *code = expect<TomlText>(node, "a language", diagnostics_);
+        const auto found = std::ranges::find(known, code ? code->get() : "", &Language::code);
+        if (found != known.end())
+            languages.push_back(*found);
+        else if (code)
+            diagnostics_.error(begin(node), '"', code->get(), "\" is no language of this section");
+    }
+    if (list.empty())
+        diagnostics_.error(begin(list), "a dialog needs a language");
+    return languages;
 }
 
 // Takes the texts of a string: `en = ...`, or `text.id = ...` where the key alone would mean
@@ -237,7 +301,7 @@ std::string SourceReader::readBytes(const toml::node &node, std::string_view lan
     const toml::table *table = node.as_table();
     if (!table) {
         const auto *text = expect<TomlText>(node, language, diagnostics_);
-        return text ? encode(*text) : "";
+        return text ? encodeText(*text, codePage(), diagnostics_) : "";
     }
 
     TableReader reader(*table, diagnostics_);
@@ -245,42 +309,7 @@ std::string SourceReader::readBytes(const toml::node &node, std::string_view lan
     if (!table->contains("hex"))
         diagnostics_.error(begin(node), language, " must be a text or { hex = \"...\" }");
     reader.reportUnknownKeys();
-    return hex ? decodeHex(*hex) : "";
-}
-
-std::string SourceReader::encode(const TomlText &text) {
-    std::string bytes;
-    std::set<char32_t> lacking;
-    for (std::string_view rest = text.get(); codePage_ && !rest.empty();) {
-        const std::string_view before = rest;
-        const char32_t character = takeCharacter(rest);
-        if (const std::optional<char> byte = codePage_->encode(character)) {
-            bytes += *byte;
-        } else if (lacking.insert(character).second) {
-            const std::string_view spelled = before.substr(0, before.size() - rest.size());
-            diagnostics_.error(diagnostics_.find(spelled, begin(text), end(text)),
-                               describe(character), " is not in ", codePage_->name());
-        }
-    }
-    return bytes;
-}
-
-std::string SourceReader::decodeHex(const TomlText &text) {
-    constexpr std::string_view blanks = " \t\r\n";
-    const std::string &digits = text.get();
-    std::string bytes;
-    for (std::size_t at = 0; (at = digits.find_first_not_of(blanks, at)) != digits.npos; at += 2) {
-        const int high = hexDigit(digits[at]);
-        const int low = at + 1 < digits.size() ? hexDigit(digits[at + 1]) : -1;
-        if (high < 0 || low < 0) {
-            const std::string_view wrong = std::string_view(digits).substr(at, 2);
-            diagnostics_.error(diagnostics_.find(wrong, begin(text), end(text)),
-                               "a byte is two hex digits");
-            break;
-        }
-        bytes += static_cast<char>(high << 4 | low);
-    }
-    return bytes;
+    return hex ? decodeHex(*hex, diagnostics_) : "";
 }
 
 const std::vector<Language> &SourceReader::languagesOf(std::optional<uint16_t> id) const {

@@ -1,7 +1,9 @@
 // resource_source_writer.cpp: a resource file as source. Short strings stand one a line under
-// [strings], the others as tables of their own behind them, as TOML has it.
+// [strings], the others as tables of their own behind them, as TOML has it; dialogs come last.
 #include "resource_source.h"
 
+#include "dialog_source.h"
+#include "source_text.h"
 #include "utf8.h"
 
 #include <algorithm>
@@ -12,72 +14,12 @@ namespace uti::tool {
 namespace {
 
 constexpr std::size_t longestLine = 100;
-constexpr std::size_t hexBytesInLine = 32;
-
-// The control characters that make a text unreadable, by their bytes in UTF-8.
-bool isControl(char byte) {
-    const auto value = static_cast<unsigned char>(byte);
-    return (value < ' ' && value != '\n' && value != '\r' && value != '\t') || value == 0x7F;
-}
-
-// Characters that a reader could not see or tell from others: C1 controls, special blanks, and the
-// marks of joining and direction.
-bool isHidden(char32_t character) {
-    return (character >= 0x80 && character <= 0xA0) || character == 0xAD ||
-           (character >= 0x2000 && character <= 0x200F) ||
-           (character >= 0x2028 && character <= 0x202F) ||
-           (character >= 0x2060 && character <= 0x206F) || character == 0xFEFF;
-}
-
-std::string quote(std::string_view text) {
-    std::string quoted = "\"";
-    while (!text.empty()) {
-        const char32_t character = takeCharacter(text);
-        if (character == '\n')
-            quoted += "\\n";
-        else if (character == '\r')
-            quoted += "\\r";
-        else if (character == '\t')
-            quoted += "\\t";
-        else if (isHidden(character))
-            quoted += "\\u" + concat(Hex{character, 4}).substr(2);
-        else {
-            if (character == '"' || character == '\\')
-                quoted += '\\';
-            appendCharacter(quoted, character);
-        }
-    }
-    return quoted + '"';
-}
-
-// Bytes in hex as a text of one line, or of several when there are many.
-std::string quoteHex(std::string_view bytes) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    const bool isLong = bytes.size() > hexBytesInLine;
-    std::string quoted = isLong ? "'''" : "\"";
-    for (std::size_t at = 0; at < bytes.size(); ++at) {
-        const bool startsLine = at % hexBytesInLine == 0;
-        if (isLong || !startsLine)
-            quoted += startsLine ? '\n' : ' ';
-        const auto byte = static_cast<unsigned char>(bytes[at]);
-        quoted += digits[byte >> 4];
-        quoted += digits[byte & 0xF];
-    }
-    return quoted + (isLong ? "\n'''" : "\"");
-}
 
 std::size_t countCharacters(std::string_view text) {
     std::size_t count = 0;
     for (; !text.empty(); ++count)
         takeCharacter(text);
     return count;
-}
-
-std::string join(const std::vector<std::string> &parts, std::string_view separator) {
-    std::string joined;
-    for (const std::string &part : parts)
-        joined += concat(joined.empty() ? "" : separator, part);
-    return joined;
 }
 
 std::vector<Language> languagesOf(const std::vector<LanguageTable> &tables) {
@@ -111,16 +53,18 @@ private:
 
     void collectLanguages();
     Section describe(const std::vector<LanguageTable> &tables) const;
+    void writeEntry(uint16_t id, const Section &section);
     void writeString(uint16_t id, const Section &section);
+    std::optional<std::string> findDialog(uint16_t id, const Section &section) const;
     const std::string *findShared(uint16_t id, const Section &section) const;
     std::string writeBytes(const std::string &bytes) const;
-    std::optional<std::string> readableText(const std::string &bytes) const;
 
     const ResourceFile &file_;
     const CodePage &codePage_;
     std::vector<Language> languages_; // of all sections, in the order of their first appearance
     std::string lines_;               // strings of one line
     std::string tables_;              // strings with a table of their own
+    std::string dialogs_;
 };
 
 void SourceWriter::collectLanguages() {
@@ -160,7 +104,7 @@ std::string SourceWriter::write(std::string_view module) {
                 indexes.insert(index);
         }
         for (const uint16_t index : indexes)
-            writeString(stringId(number, index), section);
+            writeEntry(stringId(number, index), section);
     }
 
     std::string source = concat("module = ", quote(module), '\n');
@@ -175,7 +119,25 @@ std::string SourceWriter::write(std::string_view module) {
         source += "\n[sections]\n" + lists;
     if (!lines_.empty())
         source += "\n[strings]\n" + lines_;
-    return source + tables_;
+    return source + tables_ + dialogs_;
+}
+
+void SourceWriter::writeEntry(uint16_t id, const Section &section) {
+    if (const std::optional<std::string> dialog = findDialog(id, section))
+        dialogs_ += *dialog;
+    else
+        writeString(id, section);
+}
+
+std::optional<std::string> SourceWriter::findDialog(uint16_t id, const Section &section) const {
+    std::vector<DialogText> texts;
+    for (const auto &[language, strings] : section.tables) {
+        if (const auto found = strings.find(indexOf(id)); found != strings.end())
+            texts.push_back({language.code, found->second});
+    }
+    const Coverage coverage =
+        texts.size() == section.languageCount ? Coverage::everyLanguage : Coverage::someLanguages;
+    return writeDialog(id, texts, coverage, codePage_);
 }
 
 void SourceWriter::writeString(uint16_t id, const Section &section) {
@@ -210,19 +172,12 @@ const std::string *SourceWriter::findShared(uint16_t id, const Section &section)
         shared = &found->second;
     }
     const bool isEverywhere = section.tables.size() == section.languageCount;
-    return shared && isEverywhere && !readableText(*shared) ? shared : nullptr;
+    return shared && isEverywhere && !readableText(*shared, codePage_) ? shared : nullptr;
 }
 
 std::string SourceWriter::writeBytes(const std::string &bytes) const {
-    const std::optional<std::string> text = readableText(bytes);
+    const std::optional<std::string> text = readableText(bytes, codePage_);
     return text ? quote(*text) : "{ hex = " + quoteHex(bytes) + " }";
-}
-
-std::optional<std::string> SourceWriter::readableText(const std::string &bytes) const {
-    std::optional<std::string> text = codePage_.decode(bytes);
-    if (text && std::ranges::any_of(*text, isControl))
-        return std::nullopt;
-    return text;
 }
 
 } // namespace

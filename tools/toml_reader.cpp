@@ -139,6 +139,24 @@ void reportType(const toml::node &node, std::string_view name, toml::node_type w
                       typeName(node.type()));
 }
 
+std::string hint(std::string_view wrong, std::span<const std::string_view> known) {
+    std::string_view nearest;
+    std::size_t least = std::max<std::size_t>(1, (wrong.size() + 1) / 3) + 1;
+    for (const std::string_view word : known) {
+        const std::size_t steps = distance(wrong, word);
+        if (steps < least) {
+            least = steps;
+            nearest = word;
+        }
+    }
+    return nearest.empty() ? "" : concat("; did you mean \"", nearest, "\"?");
+}
+
+void reportUnknownKey(const toml::key &key, std::span<const std::string_view> known,
+                      Diagnostics &diagnostics) {
+    diagnostics.error(begin(key), "unknown key \"", key.str(), '"', hint(key.str(), known));
+}
+
 std::optional<uint16_t> expectNumber(const toml::node &node, std::string_view name, uint16_t most,
                                      Diagnostics &diagnostics) {
     const auto *number = expect<TomlInteger>(node, name, diagnostics);
@@ -162,25 +180,9 @@ std::optional<uint16_t> TableReader::findNumber(std::string_view key, uint16_t m
 
 void TableReader::reportUnknownKeys() const {
     for (auto &&[key, node] : table_) {
-        if (std::ranges::find(known_, key.str()) != known_.end())
-            continue;
-        const std::string_view nearest = nearestKnown(key.str());
-        const std::string hint = nearest.empty() ? "" : concat("; did you mean \"", nearest, "\"?");
-        diagnostics_.error(begin(key), "unknown key \"", key.str(), '"', hint);
+        if (std::ranges::find(known_, key.str()) == known_.end())
+            reportUnknownKey(key, known_, diagnostics_);
     }
-}
-
-std::string_view TableReader::nearestKnown(std::string_view key) const {
-    std::string_view nearest;
-    std::size_t least = std::max<std::size_t>(1, key.size() / 3) + 1;
-    for (const std::string_view known : known_) {
-        const std::size_t steps = distance(key, known);
-        if (steps < least) {
-            least = steps;
-            nearest = known;
-        }
-    }
-    return nearest;
 }
 
 } // namespace uti::tool

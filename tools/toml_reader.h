@@ -12,6 +12,7 @@
 #include <toml++/toml.h>
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -49,6 +50,12 @@ const Type *expect(const toml::node &node, std::string_view name, Diagnostics &d
     return found;
 }
 
+// "; did you mean ..." with the known word that is nearest to a wrong one; empty when none is near.
+std::string hint(std::string_view wrong, std::span<const std::string_view> known);
+
+void reportUnknownKey(const toml::key &key, std::span<const std::string_view> known,
+                      Diagnostics &diagnostics);
+
 // A number of 0 to `most`, or nothing and an error.
 std::optional<uint16_t> expectNumber(const toml::node &node, std::string_view name, uint16_t most,
                                      Diagnostics &diagnostics);
@@ -75,8 +82,6 @@ public:
     void reportUnknownKeys() const;
 
 private:
-    std::string_view nearestKnown(std::string_view key) const;
-
     const toml::table &table_;
     Diagnostics &diagnostics_;
     std::vector<std::string_view> known_;
