@@ -2,6 +2,7 @@
 #pragma once
 
 #include "fakes/terminal.h"
+#include "streams.h"
 #include "uti.h"
 
 #include <gtest/gtest.h>
@@ -65,58 +66,6 @@ void forEachTruncation(std::string_view bytes, Feed feed) {
         const ExactBlock block(std::string_view(bytes.data(), size));
         feed(block);
     }
-}
-
-// Little-endian numbers.
-inline std::string number(uint64_t value, int size) {
-    std::string bytes;
-    for (int i = 0; i < size; ++i)
-        bytes += static_cast<char>(value >> 8 * i);
-    return bytes;
-}
-
-// A node with a `tagSize`-byte tag and a `lengthSize`-byte length.
-inline std::string node(uint32_t tag, std::string_view value, int tagBytes, int lengthBytes) {
-    return number(tag, tagBytes) + number(value.size(), lengthBytes) + std::string(value);
-}
-
-// A language of a section for `resourceFile`: strings by index.
-struct Language {
-    std::string code;
-    uint16_t info;
-    std::vector<std::string> strings;
-};
-
-// The bytes of a resource file: sections by number, each with its languages.
-inline std::string resourceFile(uint16_t version,
-                                const std::vector<std::pair<int, std::vector<Language>>> &sections) {
-    const auto build = [&](uint32_t tablesAt) {
-        std::string header = node(0x0001, "\4" + number(version, 2), 2, 4);
-        std::string tables;
-        for (const auto &[section, languages] : sections) {
-            std::string blocks;
-            for (const Language &language : languages) {
-                const auto at = static_cast<uint32_t>(tablesAt + tables.size());
-                blocks += node(0x8020,
-                               node(0x0021, "\1" + language.code, 2, 4) +
-                                   node(0x0022, "\4" + number(language.info, 2), 2, 4) +
-                                   node(0x0023, "\5" + number(at, 4), 2, 4),
-                               2, 4);
-                std::string index;
-                std::string bytes;
-                for (const std::string &text : language.strings) {
-                    index += number(4 * language.strings.size() + bytes.size(), 2) +
-                             number(text.size(), 2);
-                    bytes += text;
-                }
-                tables += index + bytes;
-            }
-            header += node(0x8100u + static_cast<uint32_t>(section), blocks, 2, 4);
-        }
-        const std::string tree = node(0x8001, node(0x8002, header, 2, 4), 2, 4);
-        return std::pair(tree, tree + tables);
-    };
-    return build(static_cast<uint32_t>(build(0).first.size())).second;
 }
 
 // Forgets every module, stored string and language, as if the library had just been loaded.

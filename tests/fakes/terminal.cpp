@@ -1,8 +1,11 @@
 #include "terminal.h"
 
+#include "toolkit.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <utility>
 
 namespace fake {
 
@@ -56,6 +59,7 @@ Terminal &terminal() {
 
 void reset() {
     state() = State{};
+    resetToolkit();
 }
 
 void failCall(Call kind, int nth, Persistence persistence) {
@@ -217,6 +221,32 @@ void Wait(uint32_t milliseconds) {
 
 void WaitSleep(uint32_t milliseconds) {
     terminal().ticks += milliseconds;
+    if (const auto wake = terminal().onWait)
+        wake();
+}
+
+int32_t Display_GetHandle(void) {
+    return fails(Call::display) ? noDisplay : 1;
+}
+
+int32_t Display_CheckEvent(void) {
+    return terminal().displayEvent;
+}
+
+void Display_SetCursorPosition(uint8_t column, uint8_t row) {
+    terminal().cursor = std::to_string(column) + ' ' + std::to_string(row);
+}
+
+uint8_t Keyboard_GetLastKey(void) {
+    return std::exchange(terminal().lastKey, uint8_t{0});
+}
+
+void Keyboard_Reset(void) {
+    terminal().lastKey = 0;
+}
+
+int32_t Terminal_GetType(void) {
+    return terminal().type;
 }
 
 namespace {

@@ -1,10 +1,12 @@
 // terminal.h (fakes): the controllable terminal of the tests. Files live in memory, the clock stands
 // still until it is set, what is printed or sent is captured, and the n-th call of any kind can be
-// made to fail, once or from then on. fakes/heap.cpp does the same for malloc and realloc.
+// made to fail, once or from then on. fakes/heap.cpp does the same for malloc and realloc, and
+// fakes/toolkit.cpp for the widget toolkit.
 #pragma once
 
 #include "../../platform/terminal.h"
 
+#include <functional>
 #include <initializer_list>
 #include <map>
 #include <string>
@@ -26,6 +28,8 @@ enum class Call {
     comWrite,
     printerOpen,
     print,
+    display,
+    toolkit, // any call of the widget toolkit
     malloc,
     realloc,
     count
@@ -49,12 +53,18 @@ struct Terminal {
     std::string applicationName = "app";
     Stamp now{{2026, 11, 16, {}}, {11, 49, 35}};
     uint32_t ticks = 0;
+    std::function<void()> onWait; // called at every `WaitSleep`
 
     std::string serial;               // bytes sent to serial ports
     ComPortParameters port{};         // of the last ComPort_Open
     std::vector<std::string> printed; // one entry a Printer_PrintString
     std::string calls;                // "open app.log 2; write 4; ..." of the file calls
     int openFiles = 0;
+
+    int32_t type = 0;
+    int32_t displayEvent = 0; // of Display_CheckEvent
+    uint8_t lastKey = 0;      // taken by Keyboard_GetLastKey
+    std::string cursor;       // column and row of the last Display_SetCursorPosition
 
     std::string printedText() const;
 };
@@ -64,7 +74,7 @@ Terminal &terminal();
 void reset();
 
 // Makes the nth call of a kind from now fail; kinds with no fault armed succeed.
-void failCall(Call kind, int nth, Persistence persistence);
+void failCall(Call kind, int nth, Persistence persistence = Persistence::once);
 void disarm();
 // True when an armed fault has struck.
 bool faultStruck();

@@ -1,0 +1,93 @@
+// dialog_support.h: what the tests of the dialogs share: a clean dialog room for every test, and
+// descriptions served from a resource module.
+#pragma once
+
+#include "fakes/toolkit.h"
+#include "support.h"
+#include "utiDialogsForm.h"
+
+#include <cstdlib>
+
+namespace support {
+
+// A fresh toolkit and fresh records for every test; no block, no wrong handle left at its end.
+class Dialogs : public Terminal {
+protected:
+    Dialogs() {
+        openLog();
+        TraceExAssert("", 0); // the log keeps a table from its first record on
+        clear();
+        terminal.serial.clear();
+        blocks_ = fake::liveBlocks();
+        request.resourceId = 1;
+        request.module = "m";
+    }
+    ~Dialogs() override {
+        fake::disarm();
+        clear();
+        EXPECT_EQ(toolkit.mistakes, "");
+        EXPECT_EQ(fake::liveBlocks(), blocks_);
+    }
+
+    // Everything that a dialog may leave behind in the library.
+    static void clear() {
+        TraceExClose();
+        forgetResources();
+        uti::currentForm = -1;
+        uti::Dialogs_ResetControls();
+        for (int slot = 6; slot < FONT_SLOTS; ++slot) {
+            std::free(const_cast<char *>(fontTable[slot]));
+            fontTable[slot] = nullptr;
+        }
+        currentDialogType = currentDialogTimeout = currentDialogPositionType = 0;
+        currentDialogAreaRectangle = {};
+        UserDialogResult = EndDialog = 0;
+        dialogDeactivate = 0;
+        NeedToBreakFunction = nullptr;
+        RefreshDialogFunction = nullptr;
+        KeyPostProcessingFunction = nullptr;
+        currentKeyPressedCallback = nullptr;
+        refLabelData = nullptr;
+    }
+
+    // Makes a description string 1 of the module m.
+    void serve(const std::string &description) {
+        forgetResources();
+        terminal.environment["default_lang"] = "en";
+        terminal.files["m.res"] = resourceFile(1, {{0, {{"en", 0, {"", description}}}}});
+    }
+
+    // A fresh toolkit and library in the middle of a test, with such a description.
+    void renew(const std::string &description) {
+        EXPECT_EQ(toolkit.mistakes, "");
+        fake::reset();
+        clear();
+        serve(description);
+    }
+
+    // Starts a log as text on the serial port.
+    static void openLog() {
+        TraceExSettings settings{};
+        settings.output = TRACE_OUTPUT_SERIAL;
+        settings.mode = 3;
+        settings.text = 1;
+        EXPECT_EQ(TraceExOpen(&settings), 0);
+    }
+
+    // How often the log holds a text; the log is then empty.
+    int reports(const std::string &text) {
+        int count = 0;
+        for (std::size_t at = 0; (at = terminal.serial.find(text, at) + 1) > 0;)
+            ++count;
+        terminal.serial.clear();
+        return count;
+    }
+
+    fake::Toolkit &toolkit = fake::toolkit();
+    DialogRequest request{}; // of that string
+
+private:
+    int blocks_;
+};
+
+} // namespace support
