@@ -31,10 +31,10 @@ function(uti_add_resources target)
   add_custom_command(
     OUTPUT ${stamp}
     BYPRODUCTS ${made}
-    COMMAND uti-tool compile ${sources} -o ${CMAKE_CURRENT_BINARY_DIR}
+    COMMAND uti::uti-tool compile ${sources} -o ${CMAKE_CURRENT_BINARY_DIR}
       --header ${CMAKE_CURRENT_BINARY_DIR}/${arg_HEADER}
     COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
-    DEPENDS ${sources} uti-tool
+    DEPENDS ${sources} uti::uti-tool
     COMMENT "Making ${arg_HEADER} and the resources of ${target}"
     VERBATIM)
   cmake_path(GET arg_HEADER STEM name)
