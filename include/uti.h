@@ -418,17 +418,23 @@ UTI_API void List_Intitialize(List *list);
 /** Removes every node and frees the List object, not the items. A null list is ignored. */
 UTI_API void List_Destroy(List *list);
 
-UTI_API int32_t GetCount(List *list); /**< Returns the number of nodes. */
-UTI_API int32_t IsEmpty(List *list);  /**< Returns 1 when there is no node, else 0. */
-UTI_API int32_t IsDone(List *list);   /**< Returns 1 when the index is below 0 or not below the
-                                           count, else 0. */
-UTI_API void *First(List *list);      /**< Goes to the head, index 0. Returns its item or null. */
-UTI_API void *Last(List *list); /**< Goes to the tail, index count - 1. Returns its item or null. */
-UTI_API void *Current(List *list); /**< Returns the current node's item or null. */
-UTI_API void *Next(List *list);    /**< Goes one on; does nothing when the index is not below the
-                                        count. Returns the new current item or null. */
-UTI_API void *Prev(List *list);    /**< Goes one back; does nothing when the index is below 0.
-                                        Returns the new current item or null. */
+/** Returns the number of nodes. */
+UTI_API int32_t GetCount(List *list);
+/** Returns 1 when there is no node, else 0. */
+UTI_API int32_t IsEmpty(List *list);
+/** Returns 1 when the index is below 0 or not below the count, else 0. */
+UTI_API int32_t IsDone(List *list);
+/** Goes to the head, index 0. Returns its item or null. */
+UTI_API void *First(List *list);
+/** Goes to the tail, index count - 1. Returns its item or null. */
+UTI_API void *Last(List *list);
+/** Returns the current node's item or null. */
+UTI_API void *Current(List *list);
+/** Goes one on; does nothing when the index is not below the count. Returns the new current item or
+ *  null. */
+UTI_API void *Next(List *list);
+/** Goes one back; does nothing when the index is below 0. Returns the new current item or null. */
+UTI_API void *Prev(List *list);
 
 /** Goes to `position` (0 or less is the head) by walking from the head. Returns its item, or null
  *  when the list ends before it. */
@@ -438,15 +444,18 @@ UTI_API void *GetDataInPosition(List *list, int32_t position);
  *  changes nothing. */
 UTI_API void UpDate(List *list, void *item);
 
-UTI_API ListNode *AddHead(List *list, void *item);      /**< Inserts before the head. */
-UTI_API ListNode *AddTail(List *list, void *item);      /**< Inserts after the tail. */
-UTI_API ListNode *InsertAfter(List *list, void *item);  /**< Inserts after the current node. */
-UTI_API ListNode *InsertBefore(List *list, void *item); /**< Inserts before the current node. */
-/* The four inserts make the new node current and return it. A null item, an insert relative to no
-   current node, or a lack of memory inserts nothing, returns null and leaves no current node. */
+/** Insert before the head, after the tail, after and before the current node. The new node becomes
+ *  current and is returned. A null item, an insert relative to no current node, or a lack of memory
+ *  inserts nothing, returns null and leaves no current node. */
+UTI_API ListNode *AddHead(List *list, void *item);
+UTI_API ListNode *AddTail(List *list, void *item);
+UTI_API ListNode *InsertAfter(List *list, void *item);
+UTI_API ListNode *InsertBefore(List *list, void *item);
 
-UTI_API void Remove(List *list);    /**< Frees the current node, which leaves none current. */
-UTI_API void RemoveAll(List *list); /**< Frees every node. */
+/** Frees the current node, which leaves none current. */
+UTI_API void Remove(List *list);
+/** Frees every node. */
+UTI_API void RemoveAll(List *list);
 
 /** Internal: allocates a node and links it between `prev` and `next`, either of them null at an
  *  end. Returns the node, or null for a null item or when memory is short. */
@@ -1471,8 +1480,8 @@ UTI_API int32_t DialogMessage_Show(const DialogRequest *request, uint32_t mode);
 /** Asks for a confirmation with a description of type 3. */
 UTI_API int32_t DialogConfirmation_DoModal(const ConfirmationRequest *request);
 
-/** Like a confirmation between two image buttons: each of the two buttons gets its suffix appended to
- *  the name of its image (name and suffix up to 127 characters; the rest is cut off and
+/** Like a confirmation between two image buttons: each of the two buttons gets its suffix appended
+ *  to the name of its image (name and suffix up to 127 characters; the rest is cut off and
  *  reported). Of the callbacks and labels nothing is used. */
 UTI_API int32_t DialogSelect_DoModal_IG(const ConfirmationRequest *request, const char *firstSuffix,
                                         const char *secondSuffix);
