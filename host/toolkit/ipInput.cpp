@@ -125,7 +125,7 @@ void IpInput::draw(Painter &painter) const {
     const Color pattern = patternColors().foreground;
     for (std::size_t i = 0; i < fields_.size(); ++i) {
         const Rect field = fieldArea(i);
-        const bool isTyped = showsCursor() && i == at_;
+        const bool isTyped = hasFocus() && i == at_;
         painter.fill({field.x, field.bottom() - (isTyped ? 3 : 1), field.width, isTyped ? 3 : 1},
                      isTyped ? colors().foreground : soft());
         const Rect above{field.x, field.y, field.width, field.height - 3};

@@ -6,6 +6,8 @@ namespace uti::host {
 
 namespace {
 
+constexpr int padding = 4;
+
 class Progress final : public Widget {
 public:
     Progress(Display &on, const Rect &place) : Widget(on, place) {}
@@ -36,8 +38,9 @@ void Progress::draw(Painter &painter) const {
         return;
     const Rect all{0, 0, room.width, room.height};
     Painter left = painter.within({room.x + done, room.y, room.width - done, room.height});
-    drawLine(left, all.moved({-done, 0}), text(), textFont(), passive.foreground, justify);
-    drawLine(part, all, text(), textFont(), active.foreground, justify);
+    const Rect line = all.inset(padding, 0);
+    drawLine(left, line.moved({-done, 0}), text(), textFont(), passive.foreground, justify);
+    drawLine(part, line, text(), textFont(), active.foreground, justify);
 }
 
 } // namespace
