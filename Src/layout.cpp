@@ -19,6 +19,7 @@ SIZE(ComPortParameters, 12);
 FIELD(ComPortParameters, speed, 4);
 FIELD(ComPortParameters, format, 8);
 
+SIZE(TraceExDevice, 36);
 SIZE(TraceExSettings, 180);
 FIELD(TraceExSettings, mode, 4);
 FIELD(TraceExSettings, modules, 8);
@@ -55,6 +56,8 @@ FIELD(StorageEntry, type, 4);
 FIELD(StorageEntry, data, 8);
 FIELD(StorageEntry, length, 12);
 FIELD(StorageEntry, next, 16);
+SIZE(StorageBytes, 8);
+FIELD(StorageBytes, length, 4);
 SIZE(StorageTable, 8 + 97 * 4);
 FIELD(StorageTable, totalSize, 4);
 FIELD(StorageTable, buckets, 8);
@@ -202,6 +205,7 @@ FIELD(GraphicCaption, fontName, 12);
 FIELD(GraphicCaption, font, 142);
 FIELD(GraphicCaption, colors, 144);
 FIELD(GraphicCaption, count, 156);
+SIZE(GraphicDialogParameters, 16);
 
 SIZE(EditParameters, 464);
 FIELD(EditParameters, shortName, 8);

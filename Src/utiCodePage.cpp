@@ -15,7 +15,7 @@ constexpr Table makeTable() {
     Table table{};
     for (unsigned byte = 0; byte < table.size(); ++byte)
         table[byte] = static_cast<char>(byte < 0x20 ? 0x20 : byte);
-    for (const unsigned byte : {0x81, 0x8D, 0x8F, 0x90, 0x9D})
+    for (const unsigned byte : {0x81u, 0x8Du, 0x8Fu, 0x90u, 0x9Du})
         table[byte] = ' ';
     return table;
 }

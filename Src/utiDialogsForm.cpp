@@ -25,14 +25,18 @@ constexpr Assertions asserts{"Src/utiDialogs"};
 constexpr int32_t lineOfUnknownInput = 637;
 constexpr int32_t lineOfUnknownJustify = 1000;
 
-constexpr uint16_t headerForeground = 0xF79E;
-constexpr uint16_t headerBackground = 0x2DBD;
 constexpr uint16_t black = 0x0000;
 constexpr uint16_t white = 0xFFFF;
 
 // At most one pattern for each edit and label, and the text of an IP edit.
 constinit char *keptTexts[2 * DIALOG_CONTROLS + 1] = {};
 constinit bool firstReset = true;
+
+// The toolkit's colour of a colour of the description.
+uint16_t rgb565(const RgbColor &color) {
+    return static_cast<uint16_t>(((color.red & 0xF8) << 8) + ((color.green & 0xFC) << 3) +
+                                 (color.blue >> 3));
+}
 
 enum class Justified : bool { no, yes };
 
@@ -46,26 +50,15 @@ void dressShape(const Entry &entry, Justified justified = Justified::yes) {
     igWidget_SetFont(entry.handle, entry.font);
 }
 
-using SetColors = int32_t (*)(int32_t, uint16_t, uint16_t);
-
 template <class Entry>
-void dressColors(const Entry &entry, SetColors setActive = igWidget_SetActiveColor,
-                 SetColors setPassive = igWidget_SetPassiveColor) {
-    const ColorSet &colors = entry.colors;
-    setActive(entry.handle, rgb565(colors.activeForeground), rgb565(colors.activeBackground));
-    setPassive(entry.handle, rgb565(colors.passiveForeground), rgb565(colors.passiveBackground));
+void dressColors(const Entry &entry) {
+    setColors(entry.handle, entry.colors, igWidget_SetActiveColor, igWidget_SetPassiveColor);
 }
 
 template <class Entry>
 void dressPatternColors(const Entry &entry) {
-    dressColors(entry, igPatternInput_SetPatternActiveColor, igPatternInput_SetPatternPassiveColor);
-}
-
-// Adds the widget of an entry to the form. Returns 0 or a negative result.
-template <class Entry>
-int32_t addToForm(const Entry &entry) {
-    const int32_t result = igForm_Add(currentForm, entry.handle);
-    return result < 0 ? toolkitFailure(result) : UTI_OK;
+    setColors(entry.handle, entry.colors, igPatternInput_SetPatternActiveColor,
+              igPatternInput_SetPatternPassiveColor);
 }
 
 bool isInput(int32_t handle) {
@@ -93,39 +86,28 @@ void splitKeyScheme(char *text) {
 
 // The style bits of a single-line, pattern or multi-line input.
 uint16_t IG_GetInputStyle(const GraphicEditEntry &entry) {
-    const bool single = entry.multiLine == 0;
-    const bool multi = entry.multiLine == 1;
-    uint32_t style = 0;
-    switch (entry.inputType) {
-    case 0:
-        if (single)
-            style = IG_INPUT_NO_LETTERS | IG_INPUT_DIGITS;
-        if (single && entry.inputFlagE != 0)
-            style |= IG_INPUT_UPPER_CASE;
-        break;
-    case 1:
-        break;
-    case 2:
-        if (single)
-            style = IG_INPUT_DIGITS | IG_INPUT_AMOUNT;
-        break;
-    default:
+    static constexpr uint16_t types[] = {IG_INPUT_NO_LETTERS | IG_INPUT_DIGITS, 0,
+                                         IG_INPUT_DIGITS | IG_INPUT_AMOUNT};
+    uint32_t type = 0;
+    if (entry.inputType < std::size(types))
+        type = types[entry.inputType];
+    else
         asserts.report(lineOfUnknownInput);
-        break;
-    }
 
-    if (single && entry.inputFlagB != 0)
-        style |= IG_INPUT_RIGHT;
-    if (single && entry.inputFlagF == 1)
-        style |= IG_INPUT_FRACTION;
-    if (multi && entry.inputFlagD == 0)
-        style |= IG_MULTI_LINE_WRAP;
-    if (multi && entry.inputFlagC != 0)
-        style |= IG_MULTI_LINE_SCROLL_BAR;
-    if (entry.inputFlagA != 0)
-        style |= single ? uint32_t{IG_INPUT_READ_ONLY} : uint32_t{IG_MULTI_LINE_READ_ONLY};
-    if (single)
-        style |= IG_INPUT_CURSOR;
+    const auto bitsIf = [](bool condition, uint32_t bits) { return condition ? bits : 0; };
+    uint32_t style = 0;
+    if (entry.multiLine == 0) {
+        style = type | IG_INPUT_CURSOR |
+                bitsIf(entry.inputType == 0 && entry.inputFlagE != 0, IG_INPUT_UPPER_CASE) |
+                bitsIf(entry.inputFlagB != 0, IG_INPUT_RIGHT) |
+                bitsIf(entry.inputFlagF == 1, IG_INPUT_FRACTION) |
+                bitsIf(entry.inputFlagA != 0, IG_INPUT_READ_ONLY);
+    } else {
+        const bool plain = entry.multiLine == 1;
+        style = bitsIf(plain && entry.inputFlagD == 0, IG_MULTI_LINE_WRAP) |
+                bitsIf(plain && entry.inputFlagC != 0, IG_MULTI_LINE_SCROLL_BAR) |
+                bitsIf(entry.inputFlagA != 0, IG_MULTI_LINE_READ_ONLY);
+    }
     return static_cast<uint16_t>(style);
 }
 
@@ -176,20 +158,26 @@ int32_t IG_CreateInput(GraphicEditEntry *entry, int32_t keyScheme) {
             handle, entry->fillSymbol ? static_cast<char>(entry->fillSymbol) : '.');
     }
     dressColors(*entry);
-    return addToForm(*entry);
+    return addToForm(entry->handle);
+}
+
+// Dresses the widget that was created for an entry and adds it to the form. Returns 0 or a negative
+// code.
+template <class Entry>
+int32_t placeWidget(Entry &entry, int32_t handle, Justified justified = Justified::yes) {
+    if (handle < 0)
+        return handle;
+    entry.handle = handle;
+    dressShape(entry, justified);
+    dressColors(entry);
+    return addToForm(handle);
 }
 
 int32_t createStaticText(GraphicStaticTextEntry &entry) {
     const Frame at = frameOf(entry.area);
     const int32_t image = igImage_CreateFromFile(entry.image);
-    const int32_t handle =
-        igStatic_Create(at.x, at.y, at.width, at.height, entry.valueBuffer, image);
-    if (handle < 0)
-        return handle;
-    entry.handle = handle;
-    dressShape(entry);
-    dressColors(entry);
-    return addToForm(entry);
+    return placeWidget(entry,
+                       igStatic_Create(at.x, at.y, at.width, at.height, entry.valueBuffer, image));
 }
 
 int32_t createButton(GraphicButtonEntry &entry) {
@@ -199,36 +187,21 @@ int32_t createButton(GraphicButtonEntry &entry) {
         igButton_Create(at.x, at.y, at.width, at.height, entry.valueBuffer, image, entry.key);
     if (handle < 0)
         return handle;
-    entry.handle = handle;
     igWidget_SetActiveBackImage(handle, igImage_CreateFromFile(entry.activeBackImage));
     igWidget_SetPassiveBackImage(handle, igImage_CreateFromFile(entry.passiveBackImage));
     if (entry.option == 0)
         igButton_SetOption(handle, IG_BUTTON_END);
-    dressShape(entry);
-    dressColors(entry);
-    return addToForm(entry);
+    return placeWidget(entry, handle);
 }
 
 int32_t createSignatureBox(GraphicBoxEntry &entry) {
     const Frame at = frameOf(entry.area);
-    const int32_t handle = igSignBox_Create(at.x, at.y, at.width, at.height);
-    if (handle < 0)
-        return handle;
-    entry.handle = handle;
-    dressShape(entry, Justified::no);
-    dressColors(entry);
-    return addToForm(entry);
+    return placeWidget(entry, igSignBox_Create(at.x, at.y, at.width, at.height), Justified::no);
 }
 
 int32_t createProgressBar(GraphicBoxEntry &entry) {
     const Frame at = frameOf(entry.area);
-    const int32_t handle = igProgress_Create(at.x, at.y, at.width, at.height);
-    if (handle < 0)
-        return handle;
-    entry.handle = handle;
-    dressShape(entry);
-    dressColors(entry);
-    return addToForm(entry);
+    return placeWidget(entry, igProgress_Create(at.x, at.y, at.width, at.height));
 }
 
 int32_t createIpEdit(GraphicIpEditEntry &entry) {
@@ -240,7 +213,7 @@ int32_t createIpEdit(GraphicIpEditEntry &entry) {
     dressShape(entry);
     dressColors(entry);
     dressPatternColors(entry);
-    return addToForm(entry);
+    return addToForm(entry.handle);
 }
 
 // Creates the widgets of a record in its order. False at the first that fails.
@@ -313,7 +286,8 @@ void setFormTransparency(uint32_t transparency) {
         igForm_SetOption(currentForm, IG_FORM_OPAQUE);
         break;
     case 1:
-        igForm_ClearOption(currentForm, IG_FORM_TRANSPARENT | IG_FORM_OPAQUE);
+        igForm_ClearOption(currentForm, IG_FORM_TRANSPARENT);
+        igForm_ClearOption(currentForm, IG_FORM_OPAQUE);
         break;
     case 2:
         igForm_SetOption(currentForm, IG_FORM_TRANSPARENT);
@@ -336,9 +310,14 @@ Frame frameOf(const Rectangle &area) {
             static_cast<int16_t>(area.bottom - area.top)};
 }
 
-uint16_t rgb565(const RgbColor &color) {
-    return static_cast<uint16_t>(((color.red & 0xF8) << 8) + ((color.green & 0xFC) << 3) +
-                                 (color.blue >> 3));
+void setColors(int32_t handle, const ColorSet &colors, SetColors setActive, SetColors setPassive) {
+    setActive(handle, rgb565(colors.activeForeground), rgb565(colors.activeBackground));
+    setPassive(handle, rgb565(colors.passiveForeground), rgb565(colors.passiveBackground));
+}
+
+int32_t addToForm(int32_t handle) {
+    const int32_t result = igForm_Add(currentForm, handle);
+    return result < 0 ? toolkitFailure(result) : UTI_OK;
 }
 
 void Dialogs_ResetControls() {

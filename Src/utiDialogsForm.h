@@ -40,13 +40,21 @@ struct Frame {
 };
 Frame frameOf(const Rectangle &area);
 
-// The toolkit's colour of a colour of the description.
-uint16_t rgb565(const RgbColor &color);
+// The library's own colours of form headers.
+inline constexpr uint16_t headerForeground = 0xF79E;
+inline constexpr uint16_t headerBackground = 0x2DBD;
 
 // A toolkit code as the result of a dialog call.
 constexpr int32_t toolkitFailure(int32_t code) {
     return code - DIALOG_TOOLKIT_OFFSET;
 }
+
+// Gives a widget its active colours and then its passive ones by two operations of the toolkit.
+using SetColors = int32_t (*)(int32_t handle, uint16_t foreground, uint16_t background);
+void setColors(int32_t handle, const ColorSet &colors, SetColors setActive, SetColors setPassive);
+
+// Adds a widget to the form. Returns 0 or the toolkit's code minus 5000.
+int32_t addToForm(int32_t handle);
 
 // Frees the last dialog's texts and clears all records.
 void Dialogs_ResetControls();

@@ -1,18 +1,19 @@
 // utiDialogsImages.cpp: full-screen pictures, the background image, and where a description places
 // the signal indicator. Shares the dialogs' one form.
+#include "assertions.h"
+#include "heap.h"
 #include "terminal.h"
 #include "toolkit.h"
 #include "utiDialogsForm.h"
 
-#include <iterator>
+#include <utility>
 
 namespace uti {
 namespace {
 
-constexpr int32_t pictureNotSettled = -2102; // passed on without the offset, like a bad image
+constexpr Assertions asserts{"Src/utiDialogs"};
 
-constexpr uint16_t headerForeground = 0xF79E;
-constexpr uint16_t headerBackground = 0x2DBD;
+constexpr int32_t pictureNotSettled = -2102; // passed on without the offset, like a bad image
 
 int32_t pictureFailure(int32_t code) {
     return code == UTI_IMAGE_NOT_VALID || code == pictureNotSettled ? code : toolkitFailure(code);
@@ -32,12 +33,12 @@ void setPictureStyle(const char *caption) {
 int32_t addPicture(int32_t display, int16_t x, int16_t y, const char *fileName) {
     int32_t code = 0;
     const auto fails = [&](int32_t result) { return (code = result) < 0; };
-    int32_t width, height, picture;
-    if (fails(width = igUI_GetWidth(display)) || fails(height = igUI_GetHeight(display)))
+    int32_t width, height, image, picture;
+    if (fails(width = igUI_GetWidth(display)) || fails(height = igUI_GetHeight(display)) ||
+        fails(image = igImage_CreateFromFile(fileName)))
         return code;
     if (fails(picture = igStatic_Create(x, y, static_cast<int16_t>(width - x),
-                                        static_cast<int16_t>(height - y), nullptr,
-                                        igImage_CreateFromFile(fileName))))
+                                        static_cast<int16_t>(height - y), nullptr, image)))
         return code;
     if (fails(igWidget_SetBorder(picture, 0)) || fails(igWidget_SetTransparency(picture, 1)) ||
         fails(igWidget_SetJustify(picture, IG_JUSTIFY_LEFT | IG_JUSTIFY_TOP)) ||
@@ -88,18 +89,27 @@ int32_t SetBackgroundImage_IG(const char *fileName) {
 int32_t GetSignalPosition(const DialogRequest *request) {
     if (!request)
         return -1;
-    // The controls that the description may have must not add up over many calls, nor those of a
-    // dialog on the display be lost: the counts are put back.
-    uint32_t counts[8];
-    uint32_t *count = counts;
-    forEachControlRecord([&](const auto &record) { *count++ = record.count; });
-    const uint32_t captions = currentGraphicCaptionParameters.count;
+    // The records belong to the last dialog, whose form may go on reading its texts: they are kept
+    // aside while the description fills cleared ones.
+    std::size_t size = 0;
+    forEachControlRecord([&](const auto &record) { size += sizeof record; });
+    const HeapPointer<char> kept = allocateBytes(size);
+    if (!kept)
+        return asserts.fail(-1);
+    char *place = kept.get();
+    forEachControlRecord([&](auto &record) {
+        std::memcpy(std::exchange(place, place + sizeof record), &record, sizeof record);
+        std::memset(&record, 0, sizeof record);
+    });
+    const GraphicCaption caption = std::exchange(currentGraphicCaptionParameters, {});
 
     const int32_t result = GetDialogParameters(request->module, request->resourceId, 0);
 
-    count = counts;
-    forEachControlRecord([&](auto &record) { record.count = *count++; });
-    currentGraphicCaptionParameters.count = captions;
+    place = kept.get();
+    forEachControlRecord([&](auto &record) {
+        std::memcpy(&record, std::exchange(place, place + sizeof record), sizeof record);
+    });
+    currentGraphicCaptionParameters = caption;
     return result == UTI_OK ? static_cast<int16_t>(currentSignalParameters.area.left) : -1;
 }
 

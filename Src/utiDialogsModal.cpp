@@ -51,38 +51,28 @@ void refreshEntries(std::span<GraphicEditEntry> entries) {
     }
 }
 
-// What the end of one modal run means; `refresh` asks for another one with the time left.
-struct RunEnd {
-    int32_t result;
-    bool refresh;
-    bool timeOver;
-};
-
-RunEnd judgeState(int32_t state, uint32_t &allowed) {
+// The result of a run whose form ended in a state; `stateRefresh` asks for another run with the
+// time that is left, which `allowed` then holds.
+int32_t resultOfState(int32_t state, uint32_t &allowed) {
     switch (state) {
     case stateBroken:
-        return {UTI_DIALOG_BROKEN_OFF, false, false};
+        return UTI_DIALOG_BROKEN_OFF;
     case IG_STATE_CANCELLED:
-        return {UTI_DIALOG_CANCELLED, false, false};
+        return UTI_DIALOG_CANCELLED;
     case IG_STATE_TIME_OUT:
-        return {UTI_DIALOG_TIME_OUT, false, true};
+        return UTI_DIALOG_TIME_OUT;
     case stateRefresh:
         allowed = currentDialogTimeout + currentStartTime - GetTicks();
-        if (allowed > currentDialogTimeout)
-            return {UTI_DIALOG_TIME_OUT, false, true};
-        return {UTI_OK, true, false};
+        return allowed > currentDialogTimeout ? UTI_DIALOG_TIME_OUT : stateRefresh;
     default:
-        return {UTI_OK, false, false};
+        return UTI_OK;
     }
 }
 
 // True when an Escape was pressed that the form did not end with.
 bool escapePressed() {
     const uint8_t key = Keyboard_GetLastKey();
-    const bool escape = key == keyEscape || (key == 0 && EndDialog == UTI_DIALOG_CANCELLED);
-    if (escape)
-        EndDialog = 0;
-    return escape;
+    return key == keyEscape || (key == 0 && EndDialog == UTI_DIALOG_CANCELLED);
 }
 
 int32_t Dialogs_RunForm(uint32_t mode) {
@@ -94,11 +84,11 @@ int32_t Dialogs_RunForm(uint32_t mode) {
     currentShowType = mode;
     currentStartTime = GetTicks();
 
-    RunEnd end{};
+    int32_t result = UTI_OK;
     do {
         if (currentShowType != SHOW_UNLIMITED)
             igForm_SetTimeOut(currentForm, allowed);
-        if (end.refresh) {
+        if (result == stateRefresh) {
             refreshEntries(entriesOf(currentGraphicLabelParameters));
             refreshEntries(entriesOf(currentGraphicEditParameters));
         }
@@ -112,13 +102,13 @@ int32_t Dialogs_RunForm(uint32_t mode) {
             WaitSleep(pollMilliseconds);
         }
 
-        end = judgeState(igForm_GetState(currentForm), allowed);
-        if (end.timeOver && mode == SHOW_WITH_TIMEOUT)
-            return end.result;
+        result = resultOfState(igForm_GetState(currentForm), allowed);
+        if (result == UTI_DIALOG_TIME_OUT && mode == SHOW_WITH_TIMEOUT)
+            return result;
         if ((mode == SHOW_UNLIMITED || mode == SHOW_WITH_TIMEOUT) && escapePressed())
             return UTI_DIALOG_CANCELLED;
-    } while (end.refresh);
-    return end.result;
+    } while (result == stateRefresh);
+    return result;
 }
 
 // --- the road of every dialog
@@ -150,7 +140,6 @@ struct PlainSteps {
     void assignValues() {}
     int32_t afterControls() { return UTI_OK; }
     void afterTimeout() {}
-    void beforeRun() {}
     int32_t run() { return Dialogs_RunForm(SHOW_WITH_TIMEOUT); }
 };
 
@@ -198,15 +187,14 @@ int32_t performDialog(const DialogRequest &request, DialogType type, Steps steps
 
     int32_t result = prepareDialog(request, type, steps);
     const bool prepared = result >= 0;
-    if (prepared) {
-        steps.beforeRun();
+    if (prepared)
         result = steps.run();
-    }
     if (prepared || Steps::clearsOnFailure)
         clearCallbacks();
     if (result == UTI_DIALOG_BROKEN_OFF && UserDialogResult < 0)
         result = UserDialogResult;
     UserDialogResult = 0;
+    EndDialog = 0; // an Escape of this dialog does not cancel the next
     return result;
 }
 
@@ -219,12 +207,10 @@ struct MessageSteps : PlainSteps {
     MessageSteps(const DialogRequest &wanted, uint32_t showMode)
         : request(wanted), mode(showMode) {}
 
-    int32_t afterDescription() {
-        if (currentGraphicStaticTextParameters.count > 0) {
-            char(&image)[DIALOG_TEXT + 1] = currentGraphicStaticTextParameters.entries[0].image;
+    void assignValues() const {
+        char(&image)[DIALOG_TEXT + 1] = currentGraphicStaticTextParameters.entries[0].image;
+        if (currentGraphicStaticTextParameters.count > 0)
             IG_GetFullImagePath(request.imageName, image, sizeof image);
-        }
-        return UTI_OK;
     }
 
     void afterTimeout() {
@@ -269,6 +255,7 @@ void appendSuffix(GraphicButtonEntry &button, const char *suffix) {
 }
 
 struct SelectionSteps : ConfirmationSteps {
+    static constexpr bool clearsOnFailure = true;
     static constexpr bool takesLabels = false;
     static constexpr bool takesCallbacks = false;
     const char *const suffixes[2];
@@ -294,9 +281,8 @@ struct SignatureSteps : PlainSteps {
 
     static int32_t box() { return currentGraphicSignatureParameters.entries[0].handle; }
 
-    void beforeRun() { igSignBox_SetLineWidth(box(), 2); }
-
-    int32_t run() {
+    int32_t run() const {
+        igSignBox_SetLineWidth(box(), 2);
         const int32_t result = Dialogs_RunForm(SHOW_WITH_TIMEOUT);
         if (result < 0)
             return result;
@@ -356,12 +342,9 @@ struct EditSteps : PlainSteps {
 
     int32_t afterControls() const {
         igForm_SetFocused(currentForm, main().handle);
-        if (request.keyPressed) {
-            if (igWidget_GetType(main().handle) == IG_WIDGET_INPUT &&
-                (main().radix == 0 || main().inputFlagF == 1))
-                igInput_SetUserFunc(main().handle, Dialogs_EditKeyHook, 0, 0, 0);
-            currentKeyPressedCallback = request.keyPressed;
-        }
+        if (request.keyPressed && igWidget_GetType(main().handle) == IG_WIDGET_INPUT &&
+            (main().radix == 0 || main().inputFlagF == 1))
+            igInput_SetUserFunc(main().handle, Dialogs_EditKeyHook, 0, 0, 0);
         return UTI_OK;
     }
 
@@ -389,6 +372,8 @@ struct EditSteps : PlainSteps {
     }
 
     int32_t run() {
+        if (request.keyPressed)
+            currentKeyPressedCallback = request.keyPressed;
         int32_t result;
         do {
             installCallbacks(request.dialog);
@@ -445,16 +430,10 @@ struct ListSteps : PlainSteps {
 
     void dressMenu() const {
         const ColorSet &colors = entry().colors;
-        const uint16_t active[] = {rgb565(colors.activeForeground),
-                                   rgb565(colors.activeBackground)};
-        const uint16_t passive[] = {rgb565(colors.passiveForeground),
-                                    rgb565(colors.passiveBackground)};
         igMenuBox_SetItemsTransparency(menu, entry().transparency);
         igWidget_SetBorder(menu, entry().border);
-        igWidget_SetActiveColor(menu, active[0], active[1]);
-        igWidget_SetPassiveColor(menu, passive[0], passive[1]);
-        igMenuBox_SetItemsActiveColor(menu, active[0], active[1]);
-        igMenuBox_SetItemsPassiveColor(menu, passive[0], passive[1]);
+        setColors(menu, colors, igWidget_SetActiveColor, igWidget_SetPassiveColor);
+        setColors(menu, colors, igMenuBox_SetItemsActiveColor, igMenuBox_SetItemsPassiveColor);
         igMenuBox_SetItemsActiveBorder(menu, 1);
     }
 
@@ -488,9 +467,9 @@ struct ListSteps : PlainSteps {
             element.handle = handle;
             igWidget_SetBorder(handle, 0);
             igWidget_SetTransparency(handle, 1);
-            const int32_t result = igForm_Add(currentForm, handle);
-            if (result < 0)
-                return toolkitFailure(result);
+            const int32_t added = addToForm(handle);
+            if (added < 0)
+                return added;
         }
         return UTI_OK;
     }
@@ -512,9 +491,9 @@ struct ListSteps : PlainSteps {
         dressMenu();
         setKeys();
         setRows();
-        const int32_t added = igForm_Add(currentForm, menu);
+        const int32_t added = addToForm(menu);
         if (added < 0)
-            return toolkitFailure(added);
+            return added;
         const int32_t indicated = addElements();
         if (indicated < 0)
             return indicated;

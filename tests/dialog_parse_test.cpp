@@ -1,14 +1,12 @@
 // Dialog descriptions into records: which tag fills which field and nothing else, what ends a node,
-// fonts, and descriptions of every damage.
+// and fonts.
 #include "dialog_support.h"
-#include "utiDialogFormat.h"
+
+#include <sstream>
 
 using namespace support;
 using namespace support::describe;
 using fake::Call;
-using uti::dialog::Field;
-using uti::dialog::Kind;
-using uti::dialog::Row;
 
 namespace {
 
@@ -23,67 +21,99 @@ int32_t parse(ParserCallback parser, const std::string &children) {
     return Parser_ParseNode(&root, parser);
 }
 
-// A kind of node: its parser, the record that it fills, its count, and the rows of its tags.
+// A field of a record, the tag that fills it (0 for none) and how.
+struct Field {
+    uint32_t tag;
+    char kind;
+    std::size_t limit; // of a text
+    std::size_t offset;
+};
+
+// The fields of a record in their order, each as its tag, its kind and a text's limit: b a byte, d
+// a byte in 32 bits, w a word, k a key, a area, c colors, p a pointer, t a text that may fill its
+// field, z a text with a zero behind it, f that of a font.
+std::vector<Field> fieldsOf(const std::string &record) {
+    std::vector<Field> fields;
+    std::istringstream tokens(record);
+    std::size_t end = 0;
+    for (Field field{}; tokens >> field.tag >> field.kind; fields.push_back(field)) {
+        const char kind = field.kind;
+        field.limit = 0;
+        if (kind == 't' || kind == 'z' || kind == 'f')
+            tokens >> field.limit;
+        const std::size_t alignment = kind == 'p'                  ? sizeof(void *)
+                                      : kind == 'd'                ? 4
+                                      : kind == 'w' || kind == 'a' ? 2
+                                                                   : 1;
+        const std::size_t size = kind == 'a'        ? 8
+                                 : kind == 'c'      ? 12
+                                 : field.limit == 0 ? alignment
+                                                    : field.limit + (kind != 't');
+        field.offset = (end + alignment - 1) / alignment * alignment;
+        end = field.offset + size;
+    }
+    return fields;
+}
+
+// A kind of node: its parser, the record that it fills, and its count.
 struct Node {
     ParserCallback parser;
+    std::string fields;
     void *record;
     std::size_t size;
     void *count; // its low byte, or null
-    std::vector<Row> rows;
 };
 
-const Row &rowOf(const Field &field) {
-    return field.row;
+template <class Record>
+Node counted(ParserCallback parser, Record &record, const std::string &fields) {
+    return {parser, fields, record.entries, sizeof record.entries[0], &record.count};
 }
-const Row &rowOf(const Row &row) {
-    return row;
-}
-
-// An array's first entry, or a record without entries.
-template <class Record, class Table>
-Node entry(ParserCallback parser, Record &record, void *count, const Table &table) {
-    std::vector<Row> rows;
-    for (const auto &each : table)
-        rows.push_back(rowOf(each));
-    return {parser, &record, sizeof record, count, rows};
-}
-template <class Record, class Table>
-Node counted(ParserCallback parser, Record &record, const Table &table) {
-    return entry(parser, record.entries[0], &record.count, table);
-}
-template <class Record, class Table>
-Node single(ParserCallback parser, Record &record, const Table &table) {
-    return entry(parser, record, nullptr, table);
+template <class Record>
+Node single(ParserCallback parser, Record &record, const std::string &fields) {
+    return {parser, fields, &record, sizeof record, nullptr};
 }
 
 std::vector<Node> everyNode() {
-    using namespace uti::dialog;
+    const std::string box = "136a 1d 2f128 0w ", text = "0d 0p " + box, look = "8b 9b 155c ",
+                      input = "8b 9b 87d 79w 80w 88b 65d 89b 86b 68b 78b 75z256 81z256 155c 0b 0b "
+                              "90b ";
     auto &menu = currentGraphicMenuParameters.entries[0];
+    auto &caption = currentGraphicCaptionParameters;
     return {
-        counted(ParseGraphicIpEdit, currentGraphicIpEditParameters, ipEditFields),
-        counted(ParseGraphicProgressBar, currentGraphicProgressBarParameters, boxFields),
-        counted(ParseGraphicSignature, currentGraphicSignatureParameters, boxFields),
-        counted(ParseGraphicStaticText, currentGraphicStaticTextParameters, staticTextFields),
-        counted(ParseGraphicButton, currentGraphicButtonParameters, buttonFields),
-        counted(ParseGraphicLabel, currentGraphicLabelParameters, labelFields),
-        counted(ParseGraphicEdit, currentGraphicEditParameters, editFields),
-        counted(ParseGraphicMenu, currentGraphicMenuParameters, menuFields),
-        entry(ParseGraphicMenuElement, menu.elements[0], &menu.elementCount, menuElementFields),
-        counted(ParseLabelParameters, currentLabelsParameters, labelRecordRows),
-        counted(ParseImageParameters, currentImagesParameters, imageRecordRows),
-        single(ParseEditParameters, currentEditParameters, editRecordRows),
-        single(ParseListBoxParameters, currentListBoxParameters, listBoxRecordRows),
-        single(ParseCaptionParameters, currentCaptionParameters, captionRecordRows),
-        single(ParseBorderParameters, currentBorderParameters, borderRecordRows),
-        single(ParseFrameParameters, currentFrameParameters, frameRecordRows),
-        single(ParseFooterParameters, currentFooterParameters, footerRecordRows),
-        single(ParseBatteryParameters, currentBatteryParameters, batteryRecordRows),
-        single(ParseSignalParameters, currentSignalParameters, signalRecordRows),
-        single(ParseEthLinkParameters, currentEthLinkStatusParameters, ethLinkRecordRows),
+        counted(ParseGraphicIpEdit, currentGraphicIpEditParameters, text + look),
+        counted(ParseGraphicProgressBar, currentGraphicProgressBarParameters, "0d " + box + look),
+        counted(ParseGraphicSignature, currentGraphicSignatureParameters, "0d " + box + look),
+        counted(ParseGraphicStaticText, currentGraphicStaticTextParameters,
+                text + "117z128 11z128 " + look),
+        counted(ParseGraphicButton, currentGraphicButtonParameters,
+                text + "117z128 56z128 55z128 8b 54b 9b 53k 155c"),
+        counted(ParseGraphicLabel, currentGraphicLabelParameters,
+                text + input + "0d 122d 0b 11z128"),
+        counted(ParseGraphicEdit, currentGraphicEditParameters, text + input + "73d 0d 76b 11z128"),
+        counted(ParseGraphicMenu, currentGraphicMenuParameters,
+                "0d " + box + "104z128 8b 9b 105b 107d 103d 155c 96k 97k 98k 99k 106b"),
+        {ParseGraphicMenuElement, "0d 136a 123b 117z128", menu.elements, sizeof menu.elements[0],
+         &menu.elementCount},
+        {ParseGraphicCaption, box + "155c", &caption, offsetof(GraphicCaption, count),
+         &caption.count},
+        counted(ParseLabelParameters, currentLabelsParameters, "118t32 136a 6t8 1d 7d 10d 122d"),
+        counted(ParseImageParameters, currentImagesParameters, "136a 117t33"),
+        single(ParseEditParameters, currentEditParameters,
+               "136a 6t8 1d 69d 70d 71d 72d 73d 74d 66d 75t256 76b 77t4 65d 67d 78b 79w 80w "
+               "81z128 64b 82b 83b 84b 85b 86b 91b"),
+        single(ParseListBoxParameters, currentListBoxParameters,
+               "136a 6t8 1d 96d 97d 98d 99d 100d 101b 102b 103d"),
+        single(ParseCaptionParameters, currentCaptionParameters, "136a 6t8 32d 1d"),
+        single(ParseBorderParameters, currentBorderParameters, "136a 48d 6t8"),
+        single(ParseFrameParameters, currentFrameParameters, "136a 48d"),
+        single(ParseFooterParameters, currentFooterParameters, "136a 6t8 112d 1d 7d"),
+        single(ParseBatteryParameters, currentBatteryParameters, "136a 6t8 119d"),
+        single(ParseSignalParameters, currentSignalParameters, "136a 6t8 120d"),
+        single(ParseEthLinkParameters, currentEthLinkStatusParameters, "136a 6t8 121d"),
     };
 }
 
-// A child of a row's tag, the result, and the bytes of the field afterwards.
+// A child of a field's tag, the result, and the bytes of the field afterwards.
 struct Case {
     std::string child;
     int32_t result;
@@ -91,43 +121,40 @@ struct Case {
     uint16_t font = 0;
 };
 
-std::vector<Case> casesOf(const Row &row) {
-    const std::string full(row.limit, 'x');
-    const Case empty{group(row.tag), 0};
-    switch (row.kind) {
-    case Kind::area:
+std::vector<Case> casesOf(const Field &field) {
+    const std::string full(field.limit, 'x');
+    const Case empty{group(field.tag), 0};
+    switch (field.kind) {
+    case 'a':
         return {{area(1, 2, 0xFEDC, 4), 0, hex("0100 0200 DCFE 0400")},
                 empty,
                 {group(136, group(135, byte(4, 9))), -3002, "\0\0"s}};
-    case Kind::colors:
+    case 'c':
         return {{colors({0x010203, 0x040506, 0x070809, 0x0A0B0C}), 0,
                  hex("040506 0A0B0C 010203 070809")},
                 empty,
                 {group(155, group(154, word(1, 9))), -3002, hex("A5A5A5 A5A5A5 00")}};
-    case Kind::font:
-        return {{text(2, "dig12x16"), 0, "dig12x16", 4},
-                {text(2, full), 0, full, 1},
-                {group(2), 0, "", 1},
-                {text(2, full + "x"), -3001},
-                {group(2, "\3" + full), -3002}};
-    case Kind::text:
-    case Kind::lines:
-        return {{text(row.tag, full), 0, full},
-                {group(row.tag, "\2" + full), 0, full},
-                empty,
-                {text(row.tag, full + "x"), -3001},
-                {group(row.tag, "\3x"), -3002}};
-    case Kind::word:
-        return {{word(row.tag, 0xFEDC), 0, "\xDC\xFE"},
-                {group(row.tag), 0, "\0\0"s},
-                {byte(row.tag, 1), -3002, "\0\0"s},
-                {group(row.tag, "\3xx"), -3002, "\0\0"s}};
+    case 't':
+    case 'z':
+    case 'f': {
+        const uint16_t font = field.kind == 'f'; // 1 is in place of a font that cannot be had
+        return {{text(field.tag, full), 0, full, font},
+                {group(field.tag, "\2" + full), 0, full, font},
+                {group(field.tag), 0, "", font},
+                {text(field.tag, full + "x"), -3001},
+                {group(field.tag, "\3x"), -3002}};
+    }
+    case 'w':
+        return {{word(field.tag, 0xFEDC), 0, "\xDC\xFE"},
+                {group(field.tag), 0, "\0\0"s},
+                {byte(field.tag, 1), -3002, "\0\0"s},
+                {group(field.tag, "\3xx"), -3002, "\0\0"s}};
     default:
-        const std::string wide(row.kind == Kind::wide ? 3 : 0, 0);
-        return {{byte(row.tag, 129), 0, (row.kind == Kind::key ? "\x3B" : "\x81") + wide},
-                {group(row.tag), 0, "\0"s + wide},
-                {word(row.tag, 1), -3002, "\0"s + wide},
-                {group(row.tag, "\4x"), -3002, "\0"s + wide}};
+        const std::string wide(field.kind == 'd' ? 3 : 0, 0);
+        return {{byte(field.tag, 129), 0, (field.kind == 'k' ? "\x3B" : "\x81") + wide},
+                {group(field.tag), 0, "\0"s + wide},
+                {word(field.tag, 1), -3002, "\0"s + wide},
+                {group(field.tag, "\4x"), -3002, "\0"s + wide}};
     }
 }
 
@@ -137,23 +164,24 @@ TEST_F(Parse, EveryTagFillsItsFieldAndNothingElse) {
     toolkit.answers["igUI_SetFileFont"] = -4; // other fonts fall back to slot 1
     for (const Node &node : everyNode()) {
         auto *record = static_cast<char *>(node.record);
+        const std::vector<Field> fields = fieldsOf(node.fields);
         for (uint32_t tag = 1; tag <= 255; ++tag) {
             if (tag == 160 && node.parser == ParseGraphicMenu)
                 continue;
-            const auto row = std::find_if(node.rows.begin(), node.rows.end(),
-                                          [&](const Row &each) { return each.tag == tag; });
-            const bool known = row != node.rows.end();
+            const auto field = std::find_if(fields.begin(), fields.end(),
+                                            [&](const Field &each) { return each.tag == tag; });
+            const bool known = field != fields.end();
             const std::vector<Case> skipped{{group(tag, "\7any"), 0}, {group(tag), 0}};
-            for (const Case &each : known ? casesOf(*row) : skipped) {
-                SCOPED_TRACE(std::to_string(node.rows.size()) + " rows: " + toHex(each.child));
+            for (const Case &each : known ? casesOf(*field) : skipped) {
+                SCOPED_TRACE(node.fields + ": " + toHex(each.child));
                 std::memset(record, 0xA5, node.size);
-                if (known && row->limit > 0)
-                    std::memset(record + row->offset, 0, row->limit + (row->kind == Kind::font));
+                if (known && field->limit > 0)
+                    std::memset(record + field->offset, 0, field->limit + (field->kind == 'f'));
                 std::string expected(record, node.size);
                 if (known)
-                    expected.replace(row->offset, each.field.size(), each.field);
+                    expected.replace(field->offset, each.field.size(), each.field);
                 if (each.font != 0)
-                    expected.replace(row->offset + DIALOG_TEXT + 2u, 2, number(each.font, 2));
+                    expected.replace(field[1].offset, 2, number(each.font, 2));
                 EXPECT_EQ(parse(node.parser, each.child + byte(0, 1)), each.result);
                 EXPECT_EQ(std::string_view(record, node.size), expected);
                 std::memset(record, 0, node.size);
@@ -283,7 +311,7 @@ TEST_F(Parse, LabelAndImageNodesAreCountedPastTheirRecords) {
 TEST_F(Parse, TenControlsOfAKind) {
     const std::vector<Node> nodes = everyNode();
     for (const Node &node : std::span(nodes).first(8)) {
-        SCOPED_TRACE(std::to_string(node.rows.size()) + " tags");
+        SCOPED_TRACE(node.fields);
         auto &count = *static_cast<uint32_t *>(node.count);
         auto *entries = static_cast<char *>(node.record);
         for (uint32_t i = 0; i < 10; ++i) {
@@ -417,60 +445,6 @@ TEST_F(Parse, DescriptionsFromTheResources) {
         EXPECT_EQ(reports("File: Src/utiDialogs "), 1);
     }
     EXPECT_EQ(GetDialogParameters(nullptr, 1, 0), -3200);
-}
-
-enum class Then { nothing, form };
-
-// Loads a description from a block of its exact size and, when it is sound, builds its form.
-bool load(const std::string &description, Then then) {
-    const ExactBlock block(description);
-    ParserNode root{};
-    uti::Dialogs_ResetControls();
-    Parser_Initialize(1, 2);
-    if (Parser_GetRootNodeInBlock(block.data(), block.size(), &root) != 0 ||
-        Parser_ParseNode(&root, ParseDialog) != 0)
-        return false;
-    if (then == Then::form) {
-        fake::resetToolkit();
-        uti::currentForm = -1;
-        uti::IG_CreateForm("", currentDialogTrasparency, currentDialogPositionType, 0);
-        uti::IG_CreateControls();
-    }
-    return true;
-}
-
-// Every truncation and every other value of each byte of three rich descriptions.
-TEST_F(Parse, DamagedDescriptionsAreReadOrRefused) {
-    const std::string shape = area(10, 20, 110, 60) + text(2, "dig6x8") + byte(1, 2) +
-                              colors({0xFF0000, 0xFF00, 0xFF, 0x808080});
-    const std::string one = byte(8, 1) + byte(9, 1);
-    const std::string descriptions[] = {
-        dialog(0,
-               group(159, shape) + group(151, shape + text(11, "title") + text(117, "a.png")) +
-                   group(148, one + byte(53, 13) + text(56, "b.png") + byte(54, 1)) +
-                   group(149, shape) + group(157, text(11, "l") + byte(87, 1) + byte(86, 1)),
-               byte(22, 1) + byte(23, 1) + area(0, 0, 200, 100) + dword(18, 500)),
-        dialog(1, group(150, shape + text(75, "abc\\ndef\\n") + word(79, 20) + byte(73, 13)) +
-                      group(150, one + text(81, "__.__") + byte(76, '_') + byte(65, 2)) +
-                      group(156, shape + one)),
-        dialog(2, group(153, shape + byte(96, 189) + byte(105, 1) + text(104, "m") +
-                                 group(160, byte(123, 1) + text(117, "up.png")) +
-                                 group(160, area(1, 2, 3, 4))) +
-                      group(152, one) + text(77, "skipped")),
-    };
-    for (const std::string &description : descriptions) {
-        EXPECT_TRUE(load(description, Then::form));
-        for (std::size_t size = 0; size < description.size(); ++size)
-            load(description.substr(0, size), Then::form);
-        for (std::size_t at = 0; at < description.size(); ++at) {
-            std::string damaged = description;
-            for (int value = 1; value < 256; ++value) {
-                ++damaged[at];
-                const bool oneBit = (value & (value - 1)) == 0;
-                load(damaged, oneBit ? Then::form : Then::nothing);
-            }
-        }
-    }
 }
 
 } // namespace

@@ -147,6 +147,54 @@ TEST_F(DialogSource, FillsEveryField) {
         "0,0,0,0 styled goods 59.60.103.13 1562 1,2,4,6up1 5,6,12,140\n");
 }
 
+// Loads a description from a block of its exact size.
+bool load(const std::string &description) {
+    const ExactBlock block(description);
+    ParserNode root{};
+    uti::Dialogs_ResetControls();
+    Parser_Initialize(1, 2);
+    return Parser_GetRootNodeInBlock(block.data(), block.size(), &root) == 0 &&
+           Parser_ParseNode(&root, ParseDialog) == 0;
+}
+
+void buildForm() {
+    uti::IG_CreateForm("", currentDialogTrasparency, currentDialogPositionType, 0);
+    uti::IG_CreateControls();
+}
+
+// Every truncation and every other value of each byte of three descriptions.
+TEST_F(DialogSource, DamagedDescriptionsAreReadOrRefused) {
+    for (const std::string source :
+         {"type = 'message'\ntimeout = 500\narea = [0, 0, 200, 100]\n"
+          "caption = { font = 'dig6x8', colors = ['#000001', '#FFFFFF'] }\n"
+          "static_text = { area = [1, 2, 3, 4], name = 't', image = 'a.png' }\n"
+          "label = { area = [1, 2, 3, 4], name = 'l', multi_line = true }\n",
+          "type = 'edit'\nedit = [{ area = [1, 2, 3, 4], key_scheme = ['abc', 'd', 'e'] }, "
+          "{ area = [1, 2, 3, 4], pattern = '__.__', fill_symbol = '_' }]\n",
+          "type = 'list'\nsignature = { area = [1, 2, 3, 4] }\nmenu = { up_key = 'F1', text = 'm', "
+          "elements = [{ area = [1, 2, 3, 4], image = 'up' }] }\n"}) {
+        const std::string whole =
+            compiled(head + "[dialogs.A]\nid = 0x3001\n" + source).sections.at(3)[0].strings.at(1);
+        EXPECT_TRUE(load(whole));
+        for (std::size_t size = 0; size < whole.size(); ++size) {
+            if (load(whole.substr(0, size)))
+                buildForm();
+        }
+        for (std::size_t at = 0; at < whole.size(); ++at) {
+            std::string damaged = whole;
+            for (int value = 1; value < 256; ++value) {
+                ++damaged[at];
+                const bool oneBit = (value & (value - 1)) == 0;
+                if (load(damaged) && oneBit)
+                    buildForm();
+            }
+            EXPECT_EQ(toolkit.mistakes, "");
+            fake::resetToolkit();
+            uti::currentForm = -1;
+        }
+    }
+}
+
 TEST_F(DialogSource, ReportsEveryMistakeAtItsPlace) {
     const std::string start = "[dialogs.A]\nid = 0x3001\ntype = 'message'\n";
     const std::string longText = "'" + std::string(129, 'x') + "'\n";

@@ -10,6 +10,13 @@
 
 namespace support {
 
+inline int countOf(const std::string &text, const std::string &piece) {
+    int count = 0;
+    for (std::size_t at = 0; (at = text.find(piece, at) + 1) > 0;)
+        ++count;
+    return count;
+}
+
 // A fresh toolkit and fresh records for every test; no block, no wrong handle left at its end.
 class Dialogs : public Terminal {
 protected:
@@ -76,11 +83,7 @@ protected:
 
     // How often the log holds a text; the log is then empty.
     int reports(const std::string &text) {
-        int count = 0;
-        for (std::size_t at = 0; (at = terminal.serial.find(text, at) + 1) > 0;)
-            ++count;
-        terminal.serial.clear();
-        return count;
+        return countOf(std::exchange(terminal.serial, {}), text);
     }
 
     fake::Toolkit &toolkit = fake::toolkit();

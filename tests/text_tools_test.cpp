@@ -12,9 +12,9 @@ using Tools = support::Dialogs;
 TEST_F(Tools, KeyCodes) {
     std::map<uint32_t, int32_t> expected{{26, 69},   {129, 59},  {130, 60},  {188, 139},
                                          {189, 103}, {190, 108}, {191, 103}, {192, 108}};
-    for (const uint32_t same : {8,   13,  27,  35,  42,  90,  91,  92,  93,  94,  128,
-                                131, 132, 133, 134, 135, 136, 177, 178, 193, 194, 195})
-        expected[same] = static_cast<int32_t>(same);
+    for (const int32_t same : {8,   13,  27,  35,  42,  90,  91,  92,  93,  94,  128,
+                               131, 132, 133, 134, 135, 136, 177, 178, 193, 194, 195})
+        expected[static_cast<uint32_t>(same)] = same;
     for (uint32_t code = 0; code < 300; ++code)
         EXPECT_EQ(IG_GetIGKeyCode(code), expected.count(code) ? expected[code] : 0) << code;
     EXPECT_EQ(IG_GetIGKeyCode(UINT32_MAX), 0);
@@ -176,6 +176,9 @@ TEST_F(Columns, CharactersOfAText) {
 
 TEST_F(Columns, LinesOfText) {
     const std::string wide = std::string(20, 'w') + std::string(90, 'v');
+    std::string cyrillic; // characters that take two bytes stand in the line whole or not at all
+    for (int i = 0; i < 63; ++i)
+        cyrillic += "\xD0\x90";
     const struct {
         std::string text;
         int32_t justify, left, right;
@@ -200,6 +203,8 @@ TEST_F(Columns, LinesOfText) {
         {"abc", TEXT_RIGHT, 0, 100, "", 0},
         {"abc", TEXT_RIGHT, INT32_MIN, INT32_MAX, "", 0},
         {"", TEXT_RIGHT, 0, 10, "", 0},
+        {'x' + cyrillic, TEXT_LEFT, 0, 64, 'x' + cyrillic.substr(0, 62), 63},
+        {cyrillic, TEXT_RIGHT, 0, 70, std::string(7, ' ') + cyrillic.substr(0, 56), 56},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.text + " in " + std::to_string(row.right - int64_t{row.left}));
@@ -212,11 +217,6 @@ TEST_F(Columns, LinesOfText) {
         EXPECT_EQ(std::string(line.data(), TEXT_LINE), expected);
     }
     const ExactBlock line(std::string(TEXT_LINE, '?'));
-    std::string cyrillic;
-    for (int i = 0; i < 63; ++i)
-        cyrillic += "\xD0\x90";
-    EXPECT_EQ(Text_LayoutLine(line.data(), ("x" + cyrillic).c_str(), 127, TEXT_LEFT, 0, 64), 63)
-        << "64 columns of two bytes have no room: whole characters stand in the line";
     EXPECT_EQ(Text_LayoutLine(line.data(), nullptr, 5, TEXT_LEFT, 0, 64), 0);
     EXPECT_EQ(Text_LayoutLine(line.data(), "abc", -1, TEXT_LEFT, 0, 64), 0);
 }
@@ -286,27 +286,36 @@ TEST_F(Tools, Pictures) {
 }
 
 TEST_F(Tools, PlaceOfTheSignal) {
+    const LabelValue labels[] = {{"l", "read by the form"}, {nullptr, nullptr}};
+    request.labelValues = labels;
+    std::string controls = group(159);
+    for (int i = 0; i < 10; ++i)
+        controls += group(157, text(11, "l") + byte(87, 1));
+    serve(dialog(0, controls));
+    EXPECT_EQ(DialogMessage_Show(&request, SHOW_AND_RETURN), 0);
+    const GraphicEditEntry label = currentGraphicLabelParameters.entries[0];
+    toolkit.take();
+
     currentSignalParameters.area.left = 0xFFFE;
     const std::string element = group(160, byte(123, 1));
-    serve(dialog(0, group(151) + group(159) + group(153, element + element)));
-    for (int i = 0; i < 12; ++i)
-        EXPECT_EQ(GetSignalPosition(&request), -2) << "call " << i;
-    EXPECT_EQ(currentGraphicStaticTextParameters.count, 0u);
-    EXPECT_EQ(currentGraphicCaptionParameters.count, 0u);
-    EXPECT_EQ(toolkit.take(), "");
+    for (const char *font : {"dig12x16", "6x8"}) { // shorter than the one before
+        serve(dialog(0, group(157, text(2, font)) + group(159, text(2, font)) +
+                            group(153, element + element)));
+        for (int i = 0; i < 12; ++i)
+            EXPECT_EQ(GetSignalPosition(&request), -2) << "call " << i;
+    }
+    EXPECT_EQ(toolkit.take(), "") << "no font file is asked for";
+    EXPECT_EQ(currentGraphicLabelParameters.count, 10u) << "the records are the shown dialog's";
+    EXPECT_EQ(std::memcmp(&currentGraphicLabelParameters.entries[0], &label, sizeof label), 0);
+    EXPECT_EQ(currentGraphicCaptionParameters.count, 1u);
+    EXPECT_EQ(currentGraphicMenuParameters.count, 0u);
+
     EXPECT_EQ(GetSignalPosition(nullptr), -1);
+    fake::failCall(Call::malloc, 1);
+    EXPECT_EQ(GetSignalPosition(&request), -1);
     serve(dialog(1, ""));
     EXPECT_EQ(GetSignalPosition(&request), -1);
     currentSignalParameters = {};
-}
-
-// A font name may be shorter than the one that an earlier call left in the same entry.
-TEST_F(Tools, PlaceOfTheSignalLeavesNoTexts) {
-    for (const char *font : {"dig12x16", "6x8"}) {
-        serve(dialog(0, group(151, text(2, font)) + group(159, text(2, font))));
-        EXPECT_EQ(GetSignalPosition(&request), 0);
-        EXPECT_EQ(toolkit.take(), "") << "no font file is asked for";
-    }
 }
 
 } // namespace

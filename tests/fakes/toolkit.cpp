@@ -83,7 +83,7 @@ int32_t asked(const std::string &function, Args... args) {
         if (const auto given = toolkit().answers.find(key); given != toolkit().answers.end())
             return given->second;
     }
-    return (accepts(function, args) & ... & true) ? 0 : refused;
+    return ((accepts(function, args) ? 0 : 1) + ... + 0) == 0 ? 0 : refused;
 }
 
 // The same for a call that is written.
@@ -302,8 +302,7 @@ CREATE(igStatic_Create, (FRAME, const char *text, int32_t image), "static", IG_W
        x, y, w, h, text, anImage(image))
 CALL(igStatic_SetImage, (int32_t widget, int32_t image), aWidget(widget, "static "), anImage(image))
 CREATE(igButton_Create, (FRAME, const char *text, int32_t image, uint8_t key),
-       "button", IG_WIDGET_BUTTON, text,
-       x, y, w, h, text, anImage(image), key)
+       "button", IG_WIDGET_BUTTON, text, x, y, w, h, text, anImage(image), key)
 CALL(igButton_SetOption, (int32_t widget, uint32_t bits), aWidget(widget, "button "), bits)
 
 #define INPUT aWidget(widget, "input pattern ")
@@ -318,17 +317,14 @@ ASK(igInput_GetMaxLen, (int32_t widget), 9, INPUT)
 CALL(igInput_SetControlCodes, (int32_t widget, uint8_t a, uint8_t b, uint8_t c, uint8_t d),
      aWidget(widget, "input pattern ip "), a, b, c, d)
 SET(igInput_SetUserFunc, (int32_t widget, IgInputFunction function, int32_t a, int32_t b, int32_t c),
-    
     find(widget)->function = function, INPUT, a, b, c)
 CREATE(igMultiLine_Create, (FRAME, uint32_t style, const char *text),
-       "multiLine", IG_WIDGET_MULTI_LINE, text,
-       x, y, w, h, Hex{style}, text)
+       "multiLine", IG_WIDGET_MULTI_LINE, text, x, y, w, h, Hex{style}, text)
 CALL(igMultiLine_SetMaxLen, (int32_t widget, uint16_t most), aWidget(widget, "multiLine "), most)
 SET(igMultiLine_SetValue, (int32_t widget, const char *text), find(widget)->texts[0] = text,
     aWidget(widget, "multiLine "), text)
 CREATE(igPatternInput_Create, (FRAME, uint32_t style, const char *pattern),
-       "pattern", IG_WIDGET_PATTERN_INPUT, pattern,
-       x, y, w, h, Hex{style}, pattern)
+       "pattern", IG_WIDGET_PATTERN_INPUT, pattern, x, y, w, h, Hex{style}, pattern)
 CALL(igPatternInput_SetMaxLen, (int32_t widget, uint16_t most), aWidget(widget, "pattern "), most)
 COLORS(igPatternInput_SetPatternActiveColor, PATTERN_OR_IP)
 COLORS(igPatternInput_SetPatternPassiveColor, PATTERN_OR_IP)
@@ -342,8 +338,7 @@ ASK(igIPInput_GetIPtext, (int32_t widget, char *buffer, uint32_t size),
     snprintf(buffer, size, "%s", textOf(widget)), aWidget(widget, "ip "))
 
 CREATE(igMenuBox_Create, (FRAME, uint32_t columns, uint32_t style),
-       "menuBox", IG_WIDGET_MENU_BOX, nullptr,
-       x, y, w, h, columns, Hex{style})
+       "menuBox", IG_WIDGET_MENU_BOX, nullptr, x, y, w, h, columns, Hex{style})
 #define MENU aWidget(menu, "menuBox ")
 CALL(igMenuBox_AddItemExt2, (int32_t menu, const IgMenuItem *item, int32_t image, uint16_t font),
      MENU, item->text, item->detail, item->data, item->selected, anImage(image), font)
