@@ -99,11 +99,8 @@ void *GetDataInPosition(List *list, int32_t position) {
     if (list->IsEmpty(list))
         return nullptr;
     void *item = list->First(list);
-    for (int32_t i = 0; i < position; ++i) {
+    for (int32_t i = 0; item && i < position; ++i)
         item = list->Next(list);
-        if (list->IsDone(list))
-            break;
-    }
     return item;
 }
 

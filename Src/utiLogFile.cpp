@@ -1,8 +1,6 @@
 // utiLogFile.cpp: appending to a log file, with or without a write buffer.
 #include "utiLogFile.h"
 
-#include <cstring>
-
 namespace uti {
 
 int32_t LogFile::open(const LogFileName &name) {
@@ -32,14 +30,6 @@ int32_t LogFile::write(const void *bytes, uint32_t count) {
     if (File_Write(handle, bytes, count) != static_cast<int32_t>(count))
         return UTI_TRACE_NOT_WRITTEN;
     fileLength += count;
-    return UTI_OK;
-}
-
-int32_t LogFile::append(const void *bytes, uint32_t count) {
-    if (count >= bufferSize)
-        return write(bytes, count);
-    std::memcpy(buffer + buffered, bytes, count);
-    buffered += count;
     return UTI_OK;
 }
 

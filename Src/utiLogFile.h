@@ -6,6 +6,8 @@
 #include "terminal.h"
 #include "uti.h"
 
+#include <cstring>
+
 namespace uti {
 
 // Room for the name of a log file: base name, number, extension and terminator.
@@ -36,7 +38,13 @@ struct LogFile {
 
     // Puts a piece into the buffer, or writes it when it is as long as the buffer. Returns 0 or
     // UTI_TRACE_NOT_WRITTEN.
-    int32_t append(const void *bytes, uint32_t count);
+    int32_t append(const void *bytes, uint32_t count) {
+        if (count >= bufferSize)
+            return write(bytes, count);
+        std::memcpy(buffer + buffered, bytes, count);
+        buffered += count;
+        return UTI_OK;
+    }
 
     // Writes what is buffered. The bytes count as written in any case; false when some were not.
     bool flush();

@@ -74,7 +74,9 @@ int32_t writeRecord(uint32_t messageId, uint32_t level, const char *module, Word
         return UTI_MONITOR_CLOSED;
     RecordItems items(argumentTable);
     if (!items.addHeader(Stamp::now(), level, static_cast<uint16_t>(messageId), module) ||
-        !items.addList(list) || items.size() > INT32_MAX)
+        !items.addList(list))
+        return asserts.fail(UTI_TRACE_NOT_WRITTEN);
+    if (items.size() > INT32_MAX)
         return UTI_TRACE_NOT_WRITTEN;
 
     const int32_t result = writeBinaryRecord<ByteOrder::little>(items, monitorWriteOut);

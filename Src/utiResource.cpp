@@ -276,6 +276,9 @@ void Resource_Close(const char *module) {
             continue;
         }
 
+        // Of several records with this name it is this one whose strings are to be released.
+        CurrentModule = loaded;
+        setField(CurrentModuleName, fieldText(loaded->name));
         Resource_ReleaseAll(loaded->name);
         freeStoredStrings(loaded->name);
         if (loaded == CurrentModule) {

@@ -18,63 +18,40 @@ constexpr Assertions asserts{"Src/utiResource"};
 constexpr std::size_t languageLength = 2;
 constexpr uint32_t storedLimit = 2048;
 
-// The key of a language and module in `ResourceStorageList`, zeros behind it. Not valid without a
-// language or when the name is too long.
-class StoredKey {
-public:
-    StoredKey(std::string_view language, const char *module) {
-        if (language.size() < languageLength)
-            return;
-        std::memcpy(text_, language.data(), languageLength);
-        std::size_t length = 0;
-        for (; module[length] != 0; ++length) {
-            if (length == RESOURCE_NAME_LENGTH)
-                return;
-            text_[languageLength + length] = module[length];
-        }
-        valid_ = true;
-    }
-
-    bool valid() const { return valid_; }
-    bool operator==(const char (&key)[sizeof(ResourceStoredStrings::key)]) const {
-        return std::memcmp(text_, key, sizeof text_) == 0;
-    }
-    void copyTo(char (&key)[sizeof(ResourceStoredStrings::key)]) const {
-        std::memcpy(key, text_, sizeof text_);
-    }
-
-private:
-    char text_[sizeof(ResourceStoredStrings::key)] = {};
-    bool valid_ = false;
-};
+constexpr bool isLanguageCode(const char *language) {
+    return language && language[0] != 0 && language[1] != 0 && language[2] == 0;
+}
 
 std::string_view emptyString() {
     return {ResourceEmptyStr, 0};
 }
 
-ResourceStoredStrings *findStored(const StoredKey &key) {
+// The entry of a module and a language, of which two characters count; null when there is none.
+ResourceStoredStrings *findStored(const char *module, const char *language) {
     List *list = ResourceStorageList;
     for (void *item = list->First(list); item; item = list->Next(list)) {
         auto *stored = static_cast<ResourceStoredStrings *>(item);
-        if (key == stored->key)
+        if (std::memcmp(stored->key, language, languageLength) == 0 &&
+            std::strcmp(stored->key + languageLength, module) == 0)
             return stored;
     }
     return nullptr;
 }
 
-// The entry for a key, created when there is none; null when memory is short.
-ResourceStoredStrings *findOrAddStored(const StoredKey &key) {
+// The same entry, created when there is none; null when memory is short.
+ResourceStoredStrings *findOrAddStored(const char *module, const char *language) {
     if (!ResourceStorageList)
         ResourceStorageList = List_Create();
     if (!ResourceStorageList)
         return nullptr;
-    if (ResourceStoredStrings *stored = findStored(key))
+    if (ResourceStoredStrings *stored = findStored(module, language))
         return stored;
 
     HeapPointer<ResourceStoredStrings> entry = allocateZeroed<ResourceStoredStrings>();
     if (!entry)
         return asserts.fail(nullptr);
-    key.copyTo(entry->key);
+    std::memcpy(entry->key, language, languageLength);
+    std::strcpy(entry->key + languageLength, module);
     entry->strings = Storage_Create();
     if (!entry->strings)
         return nullptr;
@@ -86,17 +63,16 @@ ResourceStoredStrings *findOrAddStored(const StoredKey &key) {
 }
 
 // The stored copy of a string, its terminator not counted. A view without an address: not stored.
-std::string_view findStoredString(const char *module, std::string_view language, uint32_t id) {
+std::string_view findStoredString(const char *module, const char *language, uint32_t id) {
     if (!module || !ResourceStorageList)
         return {};
     char defaultLanguage[3];
-    if (language.size() != languageLength) {
+    if (!isLanguageCode(language)) {
         readDefaultLanguage(defaultLanguage);
-        language = {defaultLanguage, languageLength};
+        language = defaultLanguage;
     }
 
-    const StoredKey key(language, module);
-    const ResourceStoredStrings *stored = key.valid() ? findStored(key) : nullptr;
+    const ResourceStoredStrings *stored = findStored(module, language);
     if (!stored)
         return {};
     if (!stored->strings)
@@ -113,6 +89,8 @@ std::string_view readSmallString(const char *module, uint16_t id, uint16_t lengt
     for (ResourceSmallString &slot : CurrentModule->smallStrings) {
         if (slot.text[0] != 0)
             continue;
+        // A string that begins with a zero leaves its slot free but not empty.
+        slot = {};
         if (File_Read(CurrentModule->handle, slot.text, length) != length) {
             slot = {};
             return asserts.fail(emptyString());
@@ -148,7 +126,7 @@ std::string_view readLargeString(const char *module, uint16_t id, uint16_t lengt
 // `resource_GetString` with the string's length.
 std::string_view getModuleString(const char *module, uint32_t stringId) {
     const auto id = static_cast<uint16_t>(stringId);
-    const std::string_view stored = findStoredString(module, fieldText(CurrentLanguage), id);
+    const std::string_view stored = findStoredString(module, CurrentLanguage, id);
     if (stored.data())
         return stored;
     if (Resource_Initialize(module) != UTI_OK)
@@ -217,17 +195,16 @@ void freeStoredStrings(const char *module) {
 using namespace uti;
 
 const char *resource_FindStoredString(const char *module, const char *language, uint32_t id) {
-    const std::size_t length = language ? strnlen(language, languageLength + 1) : 0;
-    return findStoredString(module, {language, length}, id).data();
+    return findStoredString(module, language, static_cast<uint16_t>(id)).data();
 }
 
 int32_t resource_StoreString(const char *module, uint32_t id, const void *bytes, uint32_t length) {
     if (!module || !bytes)
         return 0;
-    const StoredKey key(fieldText(CurrentLanguage), module);
-    if (!key.valid())
+    if (fieldText(CurrentLanguage).size() < languageLength ||
+        strnlen(module, RESOURCE_NAME_LENGTH + 1) > RESOURCE_NAME_LENGTH)
         return asserts.fail(0);
-    ResourceStoredStrings *stored = findOrAddStored(key);
+    ResourceStoredStrings *stored = findOrAddStored(module, CurrentLanguage);
     if (!stored)
         return 0;
     if (!stored->strings)
@@ -236,7 +213,7 @@ int32_t resource_StoreString(const char *module, uint32_t id, const void *bytes,
         return 0;
     char text[storedLimit] = {};
     std::memcpy(text, bytes, length);
-    return Storage_PutString(stored->strings, id, text, length + 1);
+    return Storage_PutString(stored->strings, static_cast<uint16_t>(id), text, length + 1);
 }
 
 const char *resource_GetString(const char *module, uint32_t id) {
@@ -261,13 +238,14 @@ const char *Resource_GetStringEx(const char *module, const char *language, uint3
     return text;
 }
 
-void resource_Release(const char *module, uint32_t id) {
+void resource_Release(const char *module, uint32_t stringId) {
     if (Resource_Initialize(module) != UTI_OK) {
         asserts.report();
         return;
     }
+    const auto id = static_cast<uint16_t>(stringId);
     for (ResourceSmallString &slot : CurrentModule->smallStrings) {
-        if (slot.id != id)
+        if (slot.id != id) [[likely]]
             continue;
         // A free slot may bear the same id, above all 0.
         const bool used = slot.text[0] != 0;

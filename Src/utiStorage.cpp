@@ -94,9 +94,7 @@ int32_t putScalar(Storage storage, uint32_t key, StorageType type, Value value) 
 
 // The entry of a key that holds at least `size` bytes of this type, or null.
 const StorageEntry *findValue(Storage storage, uint32_t key, int32_t type, uint32_t size) {
-    if (!isOpen(storage))
-        return nullptr;
-    const StorageEntry *entry = *findLink(storage, key);
+    const StorageEntry *entry = FindEntry(storage, key);
     return entry && entry->type == type && entry->length >= size ? entry : nullptr;
 }
 
@@ -119,7 +117,12 @@ uint32_t CalcHash(uint32_t key) {
 }
 
 StorageEntry *FindEntry(Storage storage, uint32_t key) {
-    return isOpen(storage) ? *findLink(storage, key) : nullptr;
+    if (!isOpen(storage))
+        return nullptr;
+    StorageEntry *entry = (*storage)->buckets[bucketOf(key)];
+    while (entry && entry->key != key)
+        entry = entry->next;
+    return entry;
 }
 
 Storage Storage_Create(void) {

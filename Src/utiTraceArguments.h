@@ -93,6 +93,9 @@ struct ArgumentTable {
     Argument *entries;
     uint32_t capacity;
     uint32_t used;
+
+    // Makes room for more entries. False when memory is short.
+    bool grow();
 };
 
 // The items of one record: its five header items, then its arguments.
@@ -118,8 +121,21 @@ public:
     uint64_t size() const { return size_; }
 
 private:
-    Argument *add(uint32_t type);
-    void addData(Argument &argument, const char *data, uint64_t length);
+    // The next entry, zeroed; null when the table cannot grow.
+    Argument *add(uint32_t type) {
+        if (table_.used == table_.capacity && !table_.grow())
+            return nullptr;
+        Argument &argument = table_.entries[table_.used++];
+        argument = Argument{.type = static_cast<uint8_t>(type), .length = 0, .bits = 0};
+        size_ += 1u + argumentTypes[type].valueSize;
+        return &argument;
+    }
+
+    void addData(Argument &argument, const char *data, uint64_t length) {
+        argument.data = data;
+        argument.length = static_cast<uint32_t>(length);
+        size_ += length;
+    }
 
     ArgumentTable &table_;
     uint32_t first_;

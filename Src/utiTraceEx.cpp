@@ -31,7 +31,7 @@ constinit int recordDepth = 0;
 constinit int32_t shortFlushLine = 0;
 // Set while a report is being written whose own failure must not be reported again.
 constinit bool reportingShortFlush = false;
-constinit bool reportingLargeRecord = false;
+constinit bool reportingLostRecord = false;
 
 void defaultFileSettings(TraceExSettings &settings, uint32_t mode) {
     settings.output = TRACE_OUTPUT_FILE;
@@ -127,42 +127,49 @@ int32_t rotate() {
 
 void reportShortFlush(int32_t line) {
     reportingShortFlush = true;
-    TraceExAssert("Src/utiTraceEx", line);
+    asserts.report(line);
     reportingShortFlush = false;
+}
+
+// Reports a record whose arguments found no room; the report needs less.
+void reportShortMemory() {
+    if (reportingLostRecord)
+        return;
+
+    reportingLostRecord = true;
+    asserts.report();
+    reportingLostRecord = false;
 }
 
 // Writes an error record in place of one that does not fit a file.
 void reportLargeRecord(const char *module, uint16_t messageId, const RecordItems &items) {
-    if (reportingLargeRecord)
+    if (reportingLostRecord)
         return;
 
     const uint64_t arguments = items.size() - RecordItems::headerSize - items[4].length;
     char message[1024];
     snprintf(message, sizeof message, "BLOCK SIZE=%ld FROM '%s' ID=%d TOO LARGE",
              static_cast<long>(arguments), module ? module : "", messageId);
-    reportingLargeRecord = true;
+    reportingLostRecord = true;
     TraceExError("TRACE", 0, String, static_cast<const char *>(message), 0);
-    reportingLargeRecord = false;
+    reportingLostRecord = false;
 }
 
 // Places and writes a record whose items are complete.
 int32_t writeItems(const char *module, uint16_t messageId, const RecordItems &items) {
     const TraceExSettings &settings = traceContext->settings;
+    const LogFile &file = traceContext->file;
+    const uint32_t limit = traceContext->fileLimit();
+    if (settings.output == TRACE_OUTPUT_FILE && limit <= items.size()) {
+        reportLargeRecord(module, messageId, items);
+        return UTI_TRACE_NOT_WRITTEN;
+    }
     if (items.size() > INT32_MAX)
         return UTI_TRACE_NOT_WRITTEN;
-
-    if (writesFiles(settings)) {
-        const uint32_t limit = traceContext->fileLimit();
-        const LogFile &file = traceContext->file;
-        if (settings.output == TRACE_OUTPUT_FILE && limit <= items.size()) {
-            reportLargeRecord(module, messageId, items);
-            return UTI_TRACE_NOT_WRITTEN;
-        }
-        if (file.fileLength + items.size() + file.buffered > limit) {
-            const int32_t result = rotate();
-            if (result < 0)
-                return result;
-        }
+    if (writesFiles(settings) && file.fileLength + items.size() + file.buffered > limit) {
+        const int32_t result = rotate();
+        if (result < 0)
+            return result;
     }
 
     if (settings.text || settings.output == TRACE_OUTPUT_PRINTER)
@@ -178,14 +185,18 @@ int32_t traceWriteRecord(uint32_t level, const char *module, uint32_t messageId,
 
     const auto id = static_cast<uint16_t>(messageId);
     int32_t result = UTI_TRACE_NOT_WRITTEN;
+    bool complete;
     {
         RecordItems items(argumentTable);
-        if (items.addHeader(Stamp::now(), level, id, module) && items.addList(list)) {
+        complete = items.addHeader(Stamp::now(), level, id, module) && items.addList(list);
+        if (complete) {
             ++recordDepth;
             result = writeItems(module, id, items);
             --recordDepth;
         }
     }
+    if (!complete)
+        reportShortMemory();
 
     if (recordDepth == 0 && shortFlushLine != 0) {
         const int32_t line = shortFlushLine;
@@ -198,10 +209,10 @@ int32_t traceWriteRecord(uint32_t level, const char *module, uint32_t messageId,
 } // namespace
 
 bool traceModuleEnabled(const char *module) {
-    const std::string_view filter = fieldText(traceContext->settings.modules);
-    if (filter.empty())
+    if (traceContext->settings.modules[0] == 0)
         return true;
 
+    const std::string_view filter = fieldText(traceContext->settings.modules);
     const std::size_t length = module ? strnlen(module, longestFilteredName + 1) : 0;
     if (length == 0 || length > longestFilteredName)
         return false;

@@ -12,15 +12,17 @@ namespace {
 // What the caller's buffer gets, and how much of it is filled.
 class LogBuffer {
 public:
-    LogBuffer(char *out, int32_t size) : out_(out), size_(size) {}
+    LogBuffer(char *out, int32_t size) : out_(out), size_(size), left_(size) {}
 
     int32_t count() const { return count_; }
-    int32_t left() const { return size_ - count_; }
+    int32_t left() const { return left_; }
 
-    // Replaces all that was placed so far, cut to the buffer.
+    // Replaces all that was placed so far, cut to the buffer. The files it replaces still count
+    // for the space that is left.
     void setMessage(std::string_view message) {
         count_ = static_cast<int32_t>(std::min(message.size(), static_cast<std::size_t>(size_)));
         std::memcpy(out_, message.data(), static_cast<std::size_t>(count_));
+        left_ = std::min(left_, size_ - count_);
     }
 
     // Appends the first `length` bytes of an open file, which fit. False, with nothing appended,
@@ -29,12 +31,14 @@ public:
         if (length > 0 && File_Read(handle, out_ + count_, static_cast<uint32_t>(length)) != length)
             return false;
         count_ += length;
+        left_ -= length;
         return true;
     }
 
 private:
     char *out_;
     int32_t size_;
+    int32_t left_;
     int32_t count_ = 0;
 };
 

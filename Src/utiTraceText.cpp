@@ -6,6 +6,7 @@
 #include "utiTraceEx.h"
 
 #include <bit>
+#include <charconv>
 #include <cstdio>
 
 namespace uti {
@@ -17,6 +18,44 @@ constexpr std::size_t textSize = argumentTextSize;
 // The bytes of a byte array stand on one line but are written in pieces: 17, then 16 at a time.
 constexpr uint32_t firstPieceBytes = 17;
 constexpr uint32_t pieceBytes = 16;
+
+// The functions that put something at `out` return the address behind it. All of it fits the text
+// buffer many times over.
+
+char *putDecimal(char *out, int32_t number) {
+    constexpr std::size_t longest = sizeof "-2147483648" - 1;
+    return std::to_chars(out, out + longest, number).ptr;
+}
+
+// As "%02d" does.
+char *putTwoDigits(char *out, int32_t number) {
+    if (number < 0 || number > 99)
+        return putDecimal(out, number);
+    *out++ = static_cast<char>('0' + number / 10);
+    *out++ = static_cast<char>('0' + number % 10);
+    return out;
+}
+
+char *putTriple(char *out, int32_t first, int32_t second, int32_t third, char separator) {
+    out = putTwoDigits(out, first);
+    *out++ = separator;
+    out = putTwoDigits(out, second);
+    *out++ = separator;
+    return putTwoDigits(out, third);
+}
+
+char *putDate(char *out, const TerminalDate &date) {
+    return putTriple(out, date.year % 100, date.month, date.day, '-');
+}
+
+char *putTime(char *out, const TerminalTime &time) {
+    return putTriple(out, time.hour, time.minute, time.second, ':');
+}
+
+char *putText(char *out, std::string_view text) {
+    std::memcpy(out, text.data(), text.size());
+    return out + text.size();
+}
 
 bool printing() {
     return traceContext->settings.output == TRACE_OUTPUT_PRINTER;
@@ -33,10 +72,11 @@ int32_t writeTerminated(const char *text, uint32_t length) {
     return printing() ? tracePrintOut(text) : traceWriteOut(text, length);
 }
 
-// Writes or prints a slice of a longer text; the printer gets it in pieces of its own.
+// Writes or prints a slice of the wording. The end of it goes to the printer as it stands, what is
+// before a placeholder in pieces of its own.
 int32_t writeSlice(std::string_view slice) {
-    if (!printing())
-        return traceWriteOut(slice.data(), static_cast<uint32_t>(slice.size()));
+    if (!printing() || slice.data()[slice.size()] == 0)
+        return writeTerminated(slice.data(), static_cast<uint32_t>(slice.size()));
 
     int32_t result;
     do {
@@ -51,18 +91,24 @@ int32_t writeSlice(std::string_view slice) {
 }
 
 int32_t writeByteArray(const Argument &argument) {
-    const char *format = printing() ? "0x%02X " : "%02X ";
+    constexpr char digits[] = "0123456789ABCDEF";
+    const std::string_view prefix = printing() ? "0x" : "";
     uint32_t done = 0;
     int32_t result = UTI_OK;
     while (done < argument.length && result == UTI_OK) {
         const uint32_t most = done == 0 ? firstPieceBytes : pieceBytes;
         const uint32_t end = argument.length - done < most ? argument.length : done + most;
         char piece[textSize];
-        uint32_t length = 0;
-        for (; done < end; ++done)
-            length += static_cast<uint32_t>(snprintf(piece + length, textSize - length, format,
-                                                     static_cast<uint8_t>(argument.data[done])));
-        result = writeTerminated(piece, length);
+        char *out = piece;
+        for (; done < end; ++done) {
+            const auto byte = static_cast<uint8_t>(argument.data[done]);
+            out = putText(out, prefix);
+            *out++ = digits[byte >> 4];
+            *out++ = digits[byte & 0xF];
+            *out++ = ' ';
+        }
+        *out = 0;
+        result = writeTerminated(piece, static_cast<uint32_t>(out - piece));
     }
     return result;
 }
@@ -78,15 +124,24 @@ int32_t writeArgument(const Argument &argument) {
     return writeTerminated(text, length);
 }
 
-int32_t writeHeader(const char *module, const RecordItems &items) {
-    const TerminalDate date = items[0].date;
-    const TerminalTime time = items[1].time;
+int32_t writeHeader(const RecordItems &items) {
     char text[textSize];
-    const int length =
-        snprintf(text, textSize, "\r\n%02d-%02d-%02d %02d:%02d:%02d [%s] ", date.year % 100,
-                 date.month, date.day, time.hour, time.minute, time.second, module ? module : "");
-    const auto count = static_cast<std::size_t>(length);
-    return writeTerminated(text, static_cast<uint32_t>(count < textSize ? count : textSize - 1));
+    char *out = putText(text, "\r\n");
+    out = putDate(out, items[0].date);
+    *out++ = ' ';
+    out = putTime(out, items[1].time);
+    out = putText(out, " [");
+
+    // A name that does not fit is cut, and what follows it with it.
+    const Argument module = items[4];
+    const auto putCut = [&](std::string_view part) {
+        const std::size_t room = textSize - 1 - static_cast<std::size_t>(out - text);
+        out = putText(out, std::string_view(part.data(), std::min(part.size(), room)));
+    };
+    putCut(module.data ? std::string_view(module.data, module.length) : "");
+    putCut("] ");
+    *out = 0;
+    return writeTerminated(text, static_cast<uint32_t>(out - text));
 }
 
 int32_t writeMessage(const char *format, const RecordItems &items) {
@@ -102,28 +157,26 @@ const char *builtInWording(std::string_view module, uint16_t messageId) {
 }
 
 uint32_t formatValue(const Argument &argument, char (&out)[argumentTextSize]) {
-    const auto integer = [&](auto value) {
-        return snprintf(out, textSize, "%ld", static_cast<long>(value));
-    };
-    int length = 0;
+    char *end = out;
     switch (argument.type) {
     case Char:
-        length = snprintf(out, textSize, "'%c'", static_cast<char>(argument.bits));
+        *end++ = '\'';
+        *end++ = static_cast<char>(argument.bits);
+        *end++ = '\'';
         break;
     case Byte:
-        length = integer(static_cast<uint8_t>(argument.bits));
+        end = putDecimal(end, static_cast<uint8_t>(argument.bits));
         break;
     case Bool:
-        length =
-            snprintf(out, textSize, "%s", static_cast<uint8_t>(argument.bits) ? "true" : "false");
+        end = putText(end, static_cast<uint8_t>(argument.bits) ? "true" : "false");
         break;
     case Short:
     case Word:
-        length = integer(static_cast<int16_t>(argument.bits));
+        end = putDecimal(end, static_cast<int16_t>(argument.bits));
         break;
     case Long:
     case DWord:
-        length = integer(static_cast<int32_t>(argument.bits));
+        end = putDecimal(end, static_cast<int32_t>(argument.bits));
         break;
     case Int64:
         Int64ToStr(static_cast<int64_t>(argument.bits), out, textSize);
@@ -132,25 +185,24 @@ uint32_t formatValue(const Argument &argument, char (&out)[argumentTextSize]) {
         UInt64ToStr(argument.bits, out, textSize);
         return static_cast<uint32_t>(strnlen(out, textSize));
     case Double:
-        length = snprintf(out, textSize, "%f", std::bit_cast<double>(argument.bits));
-        break;
+        return static_cast<uint32_t>(
+            snprintf(out, textSize, "%f", std::bit_cast<double>(argument.bits)));
     case Date:
-        length = snprintf(out, textSize, "%02d-%02d-%02d", argument.date.year % 100,
-                          argument.date.month, argument.date.day);
+        end = putDate(end, argument.date);
         break;
     default:
-        length = snprintf(out, textSize, "%02d:%02d:%02d", argument.time.hour, argument.time.minute,
-                          argument.time.second);
+        end = putTime(end, argument.time);
         break;
     }
-    return static_cast<uint32_t>(length);
+    *end = 0;
+    return static_cast<uint32_t>(end - out);
 }
 
 int32_t traceWriteText(const char *module, uint16_t messageId, const RecordItems &items) {
     const char *builtIn = builtInWording(module ? module : "", messageId);
     const char *format = builtIn ? builtIn : Resource_GetString(module, messageId);
 
-    int32_t result = writeHeader(module, items);
+    int32_t result = writeHeader(items);
     if (result == UTI_OK)
         result = writeMessage(format, items);
 

@@ -28,21 +28,47 @@ protected:
     // Runs one operation by its letter.
     void operate(char operation, char *item) {
         switch (operation) {
-        case 'F': list->First(list); break;
-        case 'L': list->Last(list); break;
-        case 'N': list->Next(list); break;
-        case 'P': list->Prev(list); break;
-        case 'h': list->AddHead(list, item); break;
-        case 't': list->AddTail(list, item); break;
-        case 'a': list->InsertAfter(list, item); break;
-        case 'b': list->InsertBefore(list, item); break;
-        case 'u': list->UpDate(list, item); break;
-        case 'R': list->Remove(list); break;
-        case 'A': list->RemoveAll(list); break;
-        case '0': case '1': case '2': case '9':
+        case 'F':
+            list->First(list);
+            break;
+        case 'L':
+            list->Last(list);
+            break;
+        case 'N':
+            list->Next(list);
+            break;
+        case 'P':
+            list->Prev(list);
+            break;
+        case 'h':
+            list->AddHead(list, item);
+            break;
+        case 't':
+            list->AddTail(list, item);
+            break;
+        case 'a':
+            list->InsertAfter(list, item);
+            break;
+        case 'b':
+            list->InsertBefore(list, item);
+            break;
+        case 'u':
+            list->UpDate(list, item);
+            break;
+        case 'R':
+            list->Remove(list);
+            break;
+        case 'A':
+            list->RemoveAll(list);
+            break;
+        case '0':
+        case '1':
+        case '2':
+        case '9':
             list->GetDataInPosition(list, operation - '0');
             break;
-        default: ADD_FAILURE() << operation;
+        default:
+            ADD_FAILURE() << operation;
         }
     }
 
@@ -99,6 +125,8 @@ TEST_F(ListTest, FailedInsertLeavesNoCurrentNode) {
 
 TEST_F(ListTest, OperationsCallOneAnotherThroughTheTable) {
     operate('t', items[0]);
+    list->IsDone = nullptr; // which none of them calls
+    EXPECT_EQ(list->GetDataInPosition(list, 9), nullptr);
     list->Current = [](List *) -> void * { return const_cast<char *>("mine"); };
     EXPECT_STREQ(static_cast<char *>(list->First(list)), "mine");
     EXPECT_STREQ(static_cast<char *>(GetDataInPosition(list, 0)), "mine");
@@ -151,8 +179,18 @@ TEST_F(StorageTest, KeysFallIntoTheirBuckets) {
 
 TEST_F(StorageTest, EveryTypeRoundTripsAndMatchesExactly) {
     fill(storage);
-    char c; uint8_t byte, flag; int16_t s; uint16_t w; int32_t l; uint32_t d, length;
-    int64_t i; uint64_t u; double real; char *text; TerminalDate date; TerminalTime time;
+    char c;
+    uint8_t byte, flag;
+    int16_t s;
+    uint16_t w;
+    int32_t l;
+    uint32_t d, length;
+    int64_t i;
+    uint64_t u;
+    double real;
+    char *text;
+    TerminalDate date;
+    TerminalTime time;
     EXPECT_TRUE(Storage_GetChar(storage, 0, &c) && c == 'c');
     EXPECT_TRUE(Storage_GetByte(storage, 1, &byte) && byte == 0xFE);
     EXPECT_TRUE(Storage_GetShort(storage, 2, &s) && s == -2);
@@ -172,7 +210,8 @@ TEST_F(StorageTest, EveryTypeRoundTripsAndMatchesExactly) {
         EXPECT_EQ(Storage_CompareCell(storage, key, other, key + 100), 0);
         for (int32_t type = 0; type < 13; ++type) {
             StorageBytes value;
-            EXPECT_EQ(Storage_Get(storage, key, type, &value, 1), type == static_cast<int32_t>(key));
+            EXPECT_EQ(Storage_Get(storage, key, type, &value, 1),
+                      type == static_cast<int32_t>(key));
         }
     }
     EXPECT_EQ(Storage_PutLong(storage, 0, 7), 1) << "another type under the same key";
@@ -191,8 +230,8 @@ TEST_F(StorageTest, ExportBlockByteForByte) {
         return key;
     }();
     Storage_PutByte(storage, same, 9);
-    const std::string bucket0 = number(same, 4) + hex("01000000 01000000 09") +
-                                hex("00000000 0A000000 02000000") + "ab";
+    const std::string bucket0 =
+        number(same, 4) + hex("01000000 01000000 09") + hex("00000000 0A000000 02000000") + "ab";
     const std::string block = exported(storage);
     EXPECT_EQ(toHex(block.substr(0, bucket0.size())), toHex(bucket0)) << "the newest first";
     EXPECT_NE(block.find(hex("02000000 03000000 02000000 3412")), std::string::npos);
@@ -258,6 +297,9 @@ TEST_F(StorageTest, StringsCopyAppendAndAlias) {
     Storage_PutByte(storage, 3, 1);
     EXPECT_EQ(Storage_AppendString(storage, 3, "s", 1), 1) << "another type is replaced";
     EXPECT_EQ(Storage_GetType(storage, 3), STORAGE_STRING);
+    (*storage)->totalSize = UINT32_MAX - 12; // as if there were many values
+    EXPECT_EQ(Storage_AppendString(storage, 3, "thirteen more", 13), 0);
+    EXPECT_EQ(Storage_PutByte(storage, 4, 1), 0);
 }
 
 TEST_F(StorageTest, ComparesCopiesMergesSwaps) {

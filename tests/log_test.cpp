@@ -101,6 +101,10 @@ TEST_F(Retrieval, FilesThatCannotBeOpenedOrRead) {
     fake::failCall(Call::open, 3, Persistence::once); // the reopening of the current file
     EXPECT_EQ(get(200).size(), 106u);
     EXPECT_EQ(TraceExError("M", 1, 0), -3102);
+    file(2, std::string(50, 'c'), 3);
+    fake::failCall(Call::open, 2, Persistence::once);
+    EXPECT_EQ(get(79), "SIZE 79 TOO SMALL\r\nt.log(30) [49]\r\nt2.log(50) [-1]\r\n")
+        << "what a message replaced has taken room as well";
 }
 
 class Monitoring : public support::Terminal {
@@ -120,14 +124,19 @@ TEST_F(Monitoring, RecordIsTheBytesOfItsFormat) {
     ASSERT_EQ(open(MONITOR_MODE_DIRECT), 0);
     EXPECT_EQ(MonitorExWrite(7, Long, 5, 0), 0);
     const std::string start = hex("0B07EA0B10 0C0B3123 0202 050700 0D07000000") + "Monitor";
-    EXPECT_EQ(toHex(terminal.files["m.mlog"]),
-              toHex(hex("1F000000") + start + hex("06 05000000")));
+    EXPECT_EQ(toHex(terminal.files["m.mlog"]), toHex(hex("1F000000") + start + hex("06 05000000")));
 
     terminal.files["m.mlog"].clear();
     const TerminalDate date{2026, 1, 2, {}};
-    const TraceWord list[] = {Int64, 0x01020304, 0x05060708, Short, 0xFFFE, Double, 0x3FF80000, 0,
-                              Date, reinterpret_cast<TraceWord>(&date), String,
-                              reinterpret_cast<TraceWord>("hi"), ByteArray, 0, Byte, 9, 0};
+    const TraceWord list[] = {Int64,      0x01020304,
+                              0x05060708, Short,
+                              0xFFFE,     Double,
+                              0x3FF80000, 0,
+                              Date,       reinterpret_cast<TraceWord>(&date),
+                              String,     reinterpret_cast<TraceWord>("hi"),
+                              ByteArray,  0,
+                              Byte,       9,
+                              0};
     MonitorExClose();
     ASSERT_EQ(open(MONITOR_MODE_DIRECT), 0);
     EXPECT_EQ(traceMonitorWrite(0x0102, 3, "X", list), 0);
@@ -191,6 +200,14 @@ TEST_F(Monitoring, LimitIsReportedAndWritingGoesOn) {
         EXPECT_EQ(MonitorExWrite(1, String, big.c_str(), 0), -3108);
     EXPECT_EQ(MonitorExWrite(1, 0), -3108);
     EXPECT_EQ(terminal.files["m.mlog"].size(), size * 3 + 30);
+
+    for (const auto &[length, expected] : {std::pair(32735, 0), {32736, -3108}}) {
+        MonitorExClose();
+        fake::reset();
+        ASSERT_EQ(open(MONITOR_MODE_DIRECT), 0);
+        const std::string text(static_cast<std::size_t>(length), 'x');
+        EXPECT_EQ(MonitorExWrite(1, String, text.c_str(), 0), expected) << "4 + 2 * N bytes";
+    }
 }
 
 TEST_F(Monitoring, SurvivesEveryFault) {

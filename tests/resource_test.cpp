@@ -16,14 +16,19 @@ protected:
         terminal.files["m.res"] = module;
     }
 
-    // A module with sections 0 and 1 in English and Russian, 2 and 4 in neither.
-    const std::string module = resourceFile(
-        7, {{0, {{"en"s, 1, {"zero", "Hello"}}, {"ru\0"s, 2, {"nol", "Privet"}}}},
-            {1, {{"en", 1, {std::string(32, 's'), std::string(33, 'l'), std::string(2047, 'x'),
-                            std::string(2048, 'y'), "", "\0bin"s}},
-                 {"ru", 2, {"kratko"}}}},
-            {2, {{"fr", 9, {"deux"}}}},
-            {4, {{"fr", 9, {"bonjour"}}, {"de", 8, {"tag"}}}}});
+    // A module with sections 0 and 1 in English and Russian, the others in neither.
+    const std::string module =
+        resourceFile(7, {{0, {{"en"s, 1, {"zero", "Hello"}}, {"ru\0"s, 2, {"nol", "Privet"}}}},
+                         {1,
+                          {{"en",
+                            1,
+                            {std::string(32, 's'), std::string(33, 'l'), std::string(2047, 'x'),
+                             std::string(2048, 'y'), "", "\0bin"s, "x"}},
+                           {"ru", 2, {"kratko"}}}},
+                         {2, {{"fr", 9, {"deux"}}}},
+                         {3, {{"fr", 9, {"trois"}}}},
+                         {4, {{"fr", 9, {"bonjour"}}, {"de", 8, {"tag"}}}},
+                         {5, {{"fr", 9, {"cinq"}}}}});
 
     int reads() {
         int count = 0;
@@ -34,8 +39,8 @@ protected:
 };
 
 TEST_F(Resources, DefaultLanguage) {
-    for (const auto &[value, expected] : {std::pair("EN", "en"), {"en", "en"}, {"eng", "ru"},
-                                          {"e", "ru"}, {"", "ru"}}) {
+    for (const auto &[value, expected] :
+         {std::pair("EN", "en"), {"en", "en"}, {"eng", "ru"}, {"e", "ru"}, {"", "ru"}}) {
         SCOPED_TRACE(value);
         forgetResources();
         terminal.environment["default_lang"] = value;
@@ -49,9 +54,11 @@ TEST_F(Resources, ModulesLoadOnceAndFailuresChangeNothing) {
     terminal.files["cut.res"] = module.substr(0, 60);
     EXPECT_EQ(Resource_Initialize("m"), 0);
     const ResourceModule *loaded = CurrentModule;
-    for (const auto &[name, expected] :
-         {std::pair<const char *, int>("exactlythirte", -3055), {nullptr, -3055}, {"none", -3052},
-          {"cut", -3052}, {"", -3052}}) {
+    for (const auto &[name, expected] : {std::pair<const char *, int>("exactlythirte", -3055),
+                                         {nullptr, -3055},
+                                         {"none", -3052},
+                                         {"cut", -3052},
+                                         {"", -3052}}) {
         SCOPED_TRACE(name ? name : "null");
         EXPECT_EQ(Resource_Initialize(name), expected);
         EXPECT_EQ(CurrentModule, loaded);
@@ -69,6 +76,8 @@ TEST_F(Resources, ModulesLoadOnceAndFailuresChangeNothing) {
     EXPECT_EQ(Resource_IsValid("none", 7), -3052);
 
     Resource_Close("none");
+    Resource_GetString("m", 0x1001);
+    EXPECT_EQ(Resource_LoadInfo("m"), 0) << "once more, with its own copies of strings";
     Resource_Close(CurrentModule->name);
     EXPECT_EQ(ModuleList->GetCount(ModuleList), 1);
     EXPECT_EQ(CurrentModule, nullptr);
@@ -78,9 +87,10 @@ TEST_F(Resources, ModulesLoadOnceAndFailuresChangeNothing) {
 TEST_F(Resources, LanguagesOfASection) {
     ResourceLanguageInfo infos[3];
     EXPECT_EQ(Resource_GetLanguages("m", 0, infos, 2), 2);
-    EXPECT_EQ(toHex({reinterpret_cast<char *>(infos), 12}), toHex(hex("656E00000100 727500000200")));
+    EXPECT_EQ(toHex({reinterpret_cast<char *>(infos), 12}),
+              toHex(hex("656E00000100 727500000200")));
     EXPECT_EQ(Resource_GetLanguages("m", 0, infos, 1), -3051);
-    for (const uint32_t section : {3u, 15u, 1000u})
+    for (const uint32_t section : {6u, 15u, 1000u})
         EXPECT_EQ(Resource_GetLanguages("m", section, infos, 3), 0);
     EXPECT_EQ(Resource_GetLanguages("none", 0, infos, 3), -3052);
 }
@@ -92,10 +102,12 @@ TEST_F(Resources, StringsByLanguageSectionAndFallback) {
         uint32_t id;
         std::string expected;
     } rows[] = {
-        {"en", 0x0001, "Hello"},   {"ru", 0x0001, "Privet"}, {"fr", 0x0001, ""},
-        {"en", 0x1000, std::string(32, 's')}, {"ru", 0x1000, "kratko"},
-        {"en", 0x4000, "bonjour"}, {"de", 0x4000, "tag"},    {"en", 0x2000, ""},
-        {"en", 0xF001, ""},        {"en", 0x1004, ""},
+        {"en", 0x0001, "Hello"},  {"ru", 0x0001, "Privet"},
+        {"fr", 0x0001, ""},       {"en", 0x1000, std::string(32, 's')},
+        {"ru", 0x1000, "kratko"}, {"en", 0x4000, "bonjour"},
+        {"de", 0x4000, "tag"},    {"en", 0x2000, ""},
+        {"en", 0xF001, ""},       {"en", 0x1004, ""},
+        {"en", 0x3000, "trois"},  {"en", 0x5000, "cinq"},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(std::string(row.language) + " " + std::to_string(row.id));
@@ -106,6 +118,7 @@ TEST_F(Resources, StringsByLanguageSectionAndFallback) {
     }
     Resource_SetLanguage("en");
     EXPECT_EQ(std::string(Resource_GetString("m", 0x1005), 4), "\0bin"s);
+    EXPECT_STREQ(Resource_GetString("m", 0x1006), "x") << "in the slot that looks free";
     Resource_SetLanguage(Resource_GetCurrentLanguage());
     EXPECT_STREQ(CurrentLanguage, "en");
     Resource_SetLanguage(ExactBlock("e\0"s).data());
@@ -156,7 +169,7 @@ TEST_F(Resources, ShortStringsTakeSlotsAndLongOnesTheList) {
     EXPECT_TRUE(isSmall(0x1000)) << "32 bytes";
     EXPECT_FALSE(isSmall(0x1001)) << "33 bytes";
     EXPECT_NE(CurrentModule->largeStrings, nullptr);
-    Resource_Release("m", 0x1001);
+    Resource_Release("m", 0x71001);
     EXPECT_EQ(CurrentModule->largeStrings, nullptr) << "the last one out destroys the list";
 
     const char *stored = Resource_GetString("m", 0x1002), *again = Resource_GetString("m", 0x1002);

@@ -68,9 +68,9 @@ TEST_F(Text, PlaceholdersAreReadAsWritten) {
     const struct {
         const char *format, *expected;
     } rows[] = {
-        {"{1} {0}", "2 1"},   {"a{5}b", "ab"},   {"a{b", "a"},     {"a{-1}b", "ab"},
-        {"{}", "1"},          {"{ 1x}", "2"},    {"{+1}", "2"},    {"a}b", "a}b"},
-        {"{{1}}", "1}"},      {"", ""},          {"{0}{1}", "12"}, {"{99999999999999999999}", ""},
+        {"{1} {0}", "2 1"}, {"a{5}b", "ab"}, {"a{b", "a"},     {"a{-1}b", "ab"},
+        {"{}", "1"},        {"{ 1x}", "2"},  {"{+1}", "2"},    {"a}b", "a}b"},
+        {"{{1}}", "1}"},    {"", ""},        {"{0}{1}", "12"}, {"{99999999999999999999}", ""},
     };
     for (const auto &row : rows)
         EXPECT_EQ(message(row.format, Long, 1, Long, 2), row.expected) << row.format;
@@ -112,21 +112,23 @@ TEST_F(Text, PrinterGetsPieces) {
             text += "0xAB ";
         return text;
     };
-    const std::vector<std::string> expected = {header, "", "x", " and ", repeated(17), repeated(16),
-                                               repeated(1), "", "5", "."};
+    const std::vector<std::string> expected = {
+        header, "", "x", " and ", repeated(17), repeated(16), repeated(1), "", "5", "."};
     EXPECT_EQ(terminal.printed, expected);
 
     for (int nth = 1; nth <= 10; ++nth) {
         terminal.printed.clear();
         fake::failCall(Call::print, nth, Persistence::once);
-        EXPECT_EQ(TraceExError("m", 1, String, "x", ByteArray, bytes.data(), 34, Long, 5, 0), -3102);
+        EXPECT_EQ(TraceExError("m", 1, String, "x", ByteArray, bytes.data(), 34, Long, 5, 0),
+                  -3102);
         EXPECT_EQ(terminal.printed.size(), static_cast<std::size_t>(nth - 1));
     }
     const std::string wide(2500, 'w');
-    word(wide);
+    word(wide + "{9}" + wide);
     terminal.printed.clear();
     ASSERT_EQ(TraceExError("m", 1, 0), 0);
-    EXPECT_EQ(terminal.printedText(), header + wide) << "longer than one piece";
+    EXPECT_EQ(terminal.printedText(), header + wide + wide) << "longer than one piece";
+    EXPECT_EQ(terminal.printed.back(), wide) << "the end is one piece";
 }
 
 TEST_F(Text, LinesRotateByTheirBinarySize) {
@@ -151,6 +153,7 @@ TEST_F(Text, ReportInsideARecordLeavesItsArguments) {
     const std::string &log = terminal.files["t.log"];
     EXPECT_NE(log.find("[ASSERT]"), std::string::npos);
     EXPECT_NE(log.find(header + "1 2 3 4 5 6 seven"s), std::string::npos) << log;
+    EXPECT_STREQ(CurrentModule->smallStrings[0].text, "") << "the wording was released";
 }
 
 } // namespace

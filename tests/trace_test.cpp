@@ -52,10 +52,11 @@ TEST_F(Trace, OpenRefusesWhatItCannotServe) {
         std::string baseName;
         int32_t expected;
     } rows[] = {
-        {0, 256, "t", 0},          {0, 255, "t", -3100},    {0, -1, "t", -3100},
-        {0, 65536, "", -3100},     {3, 65536, "", -3100},   {3, 255, "t", -3100},
-        {4, 65536, "t", -3100},    {~0u, 65536, "t", -3100}, {0, 65536, thirty, 0},
-        {0, 65536, thirty + "n", -3100},
+        {0, 256, "t", 0},       {0, 255, "t", -3100},
+        {0, -1, "t", -3100},    {0, 65536, "", -3100},
+        {3, 65536, "", -3100},  {3, 255, "t", -3100},
+        {4, 65536, "t", -3100}, {~0u, 65536, "t", -3100},
+        {0, 65536, thirty, 0},  {0, 65536, thirty + "n", -3100},
     };
     for (const auto &row : rows) {
         SCOPED_TRACE(row.baseName + " " + std::to_string(row.output));
@@ -78,8 +79,8 @@ TEST_F(Trace, EnvironmentChoosesTheOutput) {
         const char *value, *calls;
         int port;
     } rows[] = {
-        {"C3", "close port", 3},    {"C12", "close port", 12}, {"C", "close port", 1},
-        {"CU", "close port", 100},  {"C0", "close port", 1},   {"P", "", 0},
+        {"C3", "close port", 3},           {"C12", "close port", 12}, {"C", "close port", 1},
+        {"CU", "close port", 100},         {"C0", "close port", 1},   {"P", "", 0},
         {"X", "open app.log 2; close", 0},
     };
     for (const auto &row : rows) {
@@ -136,10 +137,18 @@ TEST_F(Trace, ModeAndFilterSelectRecords) {
         const char *modules, *module;
         const char *levels; // of the records that are written
     } rows[] = {
-        {1, "", "M", "1"},          {2, "", "M", "12"},       {3, "", "M", "123"},
-        {0, "", "M", "1"},          {9, "", "M", "12"},       {3, "GUI,", "GUI", "123"},
-        {3, "GUI,", "UI", "123"},   {3, "GUI,", "ASSERT", ""}, {3, "GUI,", "", ""},
-        {3, "GUI", "GUI", ""},      {3, "a,GUI,", "a", "123"}, {3, "", "", "123"},
+        {1, "", "M", "1"},
+        {2, "", "M", "12"},
+        {3, "", "M", "123"},
+        {0, "", "M", "1"},
+        {9, "", "M", "12"},
+        {3, "GUI,", "GUI", "123"},
+        {3, "GUI,", "UI", "123"},
+        {3, "GUI,", "ASSERT", ""},
+        {3, "GUI,", "", ""},
+        {3, "GUI", "GUI", ""},
+        {3, "a,GUI,", "a", "123"},
+        {3, "", "", "123"},
         {3, "abcdefghijklmnopqrstuvwxyzABCDEF,", "abcdefghijklmnopqrstuvwxyzABCDEF", "123"},
         {3, "abcdefghijklmnopqrstuvwxyzABCDEFG,", "abcdefghijklmnopqrstuvwxyzABCDEFG", ""},
     };
@@ -168,7 +177,7 @@ TEST_F(Trace, ModeAndFilterSelectRecords) {
 }
 
 TEST_F(Trace, FilesRotateAndWrapAround) {
-    ASSERT_EQ(open(settings(0, 512)), 0); // 64 bytes a file: two records of 24
+    ASSERT_EQ(open(settings(0, 352)), 0); // 44 bytes a file: 24 and the 20 behind a length
     for (int id = 1; id <= 17; ++id)
         ASSERT_EQ(TraceExError("M", static_cast<uint32_t>(id), 0), 0);
     EXPECT_EQ(terminal.files.size(), 8u);
@@ -179,8 +188,8 @@ TEST_F(Trace, FilesRotateAndWrapAround) {
 }
 
 TEST_F(Trace, OpenContinuesTheNewestFile) {
-    const auto stamp = [](int16_t year, uint8_t hour) {
-        return fake::Stamp{{year, 1, 1, {}}, {hour, 0, 0}};
+    const auto stamp = [](int16_t year, uint8_t hour, uint8_t minute = 0) {
+        return fake::Stamp{{year, 1, 1, {}}, {hour, minute, 0}};
     };
     const struct {
         const char *name;
@@ -189,6 +198,7 @@ TEST_F(Trace, OpenContinuesTheNewestFile) {
     } rows[] = {
         {"later file", {{"t.log", stamp(2026, 1)}, {"t1.log", stamp(2026, 2)}}, "t1.log"},
         {"equal stamps", {{"t.log", stamp(2026, 1)}, {"t1.log", stamp(2026, 1)}}, "t.log"},
+        {"hours", {{"t.log", stamp(2026, 2)}, {"t1.log", stamp(2026, 1, 59)}}, "t.log"},
         {"the year first", {{"t.log", stamp(2027, 1)}, {"t1.log", stamp(2026, 9)}}, "t.log"},
         {"a gap ends the set", {{"t.log", stamp(2025, 1)}, {"t2.log", stamp(2027, 1)}}, "t.log"},
         {"no time: the first record", {{"t.log", {}}, {"t1.log", stamp(2025, 1)}}, "t.log"},
@@ -231,9 +241,12 @@ TEST_F(Trace, RecordTooLargeForItsFile) {
     const std::string big(200, 'x');
     ASSERT_EQ(open(settings(0, 1200)), 0); // 150 bytes a file
     EXPECT_EQ(TraceExError("M", 7, String, big.c_str(), 0), -3102);
-    EXPECT_NE(terminal.files["t.log"].find("BLOCK SIZE=205 FROM 'M' ID=7 TOO LARGE"), std::string::npos);
+    EXPECT_NE(terminal.files["t.log"].find("BLOCK SIZE=205 FROM 'M' ID=7 TOO LARGE"),
+              std::string::npos);
     EXPECT_EQ(TraceExError("M", 7, String, big.c_str() + 75, 0), -3102) << "N is the limit";
     EXPECT_EQ(TraceExError("M", 7, String, big.c_str() + 76, 0), 0);
+    EXPECT_EQ(TraceExError("L", 9, ByteArray, big.data(), 0x80000000u, 0), -3102);
+    EXPECT_NE(terminal.files.rbegin()->second.find(" FROM 'L' ID=9 TOO LARGE"), std::string::npos);
     TraceExClose();
 
     fake::reset();
@@ -246,6 +259,7 @@ TEST_F(Trace, RecordTooLargeForItsFile) {
     ASSERT_EQ(open(settings(3, 1200)), 0);
     EXPECT_EQ(TraceExError("M", 1, 0), 0);
     EXPECT_EQ(TraceExError("M", 7, String, big.c_str(), 0), 0) << "a file of its own";
+    EXPECT_EQ(TraceExError("M", 9, ByteArray, big.data(), 0x80000000u, 0), -3102);
     TraceExClose();
     EXPECT_EQ(terminal.files["t.log"], record(1, 1));
     EXPECT_EQ(terminal.files["t1.log"].size(), 24 + 5 + big.size());
@@ -318,6 +332,8 @@ TEST_F(Trace, SerialAndPrinterFailures) {
     ASSERT_EQ(open(settings(1)), 0);
     EXPECT_EQ(TraceExError("M", 7, 0), 0);
     EXPECT_EQ(terminal.serial, record(1, 7));
+    EXPECT_EQ(TraceExError("M", 7, ByteArray, "", 0x80000000u, 0), -3102) << "too large";
+    EXPECT_EQ(terminal.serial, record(1, 7));
     fake::failCall(Call::comWrite, 2, Persistence::once);
     EXPECT_EQ(TraceExError("M", 7, 0), -3102);
     EXPECT_EQ(terminal.serial, record(1, 7) + record(1, 7).substr(0, 4));
@@ -377,7 +393,8 @@ TEST_F(Trace, ArgumentTableThatCannotGrowLosesTheRecord) {
                             Long, 15, Long, 16, Long, 17, Long, 18, Long, 19, Long, 20, 0);
     };
     EXPECT_EQ(write(), -3102);
-    EXPECT_EQ(terminal.files["t.log"], "");
+    EXPECT_EQ(terminal.files["t.log"].substr(18, 30),
+              hex("0D00000006") + "ASSERT" + hex("0D0000000E") + "Src/utiTraceEx");
     EXPECT_EQ(write(), 0);
 }
 
