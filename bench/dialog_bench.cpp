@@ -1,13 +1,15 @@
 // dialog_bench.cpp: loading a dialog description, from the stored string to the filled records,
-// against a loop written for these very bytes. Stands on the tests' terminal, whose files and fonts
-// cost nothing. A case is named "what|who|aim"; bench/run makes ratios of them.
-#include "../tests/fakes/terminal.h"
+// against a loop written for these very bytes. A case is named "what|who|aim"; bench/run makes
+// ratios of them.
 #include "../tests/streams.h"
 #include "uti.h"
 
 #include <benchmark/benchmark.h>
 
+#include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <fstream>
 
 namespace {
 
@@ -16,11 +18,9 @@ using namespace support::describe;
 using benchmark::DoNotOptimize;
 using benchmark::State;
 
-// Ten labels, five static texts, three edits and two buttons with what they mostly have, short
-// enough to be stored.
+// Ten labels, five static texts, three edits and two buttons with what they mostly have.
 std::string description() {
-    const std::string shape =
-        area(10, 20, 110, 40) + text(2, "12x16") + byte(1, 2) + byte(8, 1) + byte(9, 1);
+    const std::string shape = area(10, 20, 110, 40) + text(2, "12x16") + byte(1, 2);
     const std::string focus = colors({0xFF0000, 0x00FF00, 0x0000FF, 0xFFFFFF});
     std::string controls;
     for (int i = 0; i < 10; ++i)
@@ -36,16 +36,20 @@ std::string description() {
 }
 
 void load(State &state) {
-    fake::reset();
-    fake::terminal().environment["default_lang"] = "en";
-    fake::terminal().files["bench.res"] = resourceFile(1, {{0, {{"en", 0, {"", description()}}}}});
+    const std::string bytes = description();
+    if (bytes.size() >= 2048)
+        return state.SkipWithError("too long to be stored");
+    setenv("default_lang", "en", 1);
+    std::ofstream("dialogs.res", std::ios::binary)
+        << resourceFile(1, {{0, {{"en", 0, {"", bytes}}}}});
     for (auto _ : state) {
         currentGraphicLabelParameters.count = currentGraphicStaticTextParameters.count = 0;
         currentGraphicEditParameters.count = currentGraphicButtonParameters.count = 0;
-        if (GetDialogParameters("bench", 1, DIALOG_MESSAGE) != 0)
+        if (GetDialogParameters("dialogs", 1, DIALOG_MESSAGE) != 0)
             return state.SkipWithError("not loaded");
     }
-    Resource_Close("bench");
+    Resource_Close("dialogs");
+    std::filesystem::remove("dialogs.res");
 }
 
 // The fields of one control, as someone would keep them who needs no more than these bytes hold.

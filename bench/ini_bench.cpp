@@ -1,6 +1,7 @@
 // ini_bench.cpp: INI files, each case once with uti and once with each of its peers: inih (through
 // its INIReader, which cannot write), iniparser and simpleini. All of them read from disk and write
-// into memory, so that the cases compare the libraries and not what a system call costs.
+// into memory, so that the cases compare the libraries and not what a system call costs. A case is
+// named "what|who|aim"; bench/run makes ratios of them.
 #include "terminal.h"
 #include "uti.h"
 
@@ -151,12 +152,11 @@ private:
 // A file of sections "section0", "section1" and so on, all with the keys "key0", "key1" and so on.
 class Sample {
 public:
-    explicit Sample(const benchmark::State &state)
-        : sections_(state.range(0)), keys_(state.range(1)) {
+    Sample(int sections, int keys) : sections_(sections), keys_(keys) {
         std::ofstream file(path_);
-        for (int64_t section = 0; section < sections_; ++section) {
+        for (int section = 0; section < sections_; ++section) {
             file << "[section" << section << "]\n";
-            for (int64_t key = 0; key < keys_; ++key)
+            for (int key = 0; key < keys_; ++key)
                 file << "key" << key << " = value number " << key << '\n';
         }
     }
@@ -167,7 +167,7 @@ public:
     // A thousand names all over the file.
     std::vector<Name> names() const {
         std::vector<Name> names;
-        for (int64_t i = 0; i < 1000; ++i)
+        for (int i = 0; i < 1000; ++i)
             names.emplace_back("section" + std::to_string(i * 7 % sections_),
                                "key" + std::to_string(i * 7 % keys_));
         return names;
@@ -176,20 +176,20 @@ public:
 private:
     const std::string path_ =
         std::filesystem::temp_directory_path() / ("uti-bench-" + std::to_string(getpid()) + ".ini");
-    int64_t sections_;
-    int64_t keys_;
+    int sections_;
+    int keys_;
 };
 
-template <class Library>
+template <class Library, int sections, int keys>
 void parse(benchmark::State &state) {
-    const Sample sample(state);
+    const Sample sample(sections, keys);
     for (auto _ : state)
         Library file(sample.path());
 }
 
-template <class Library>
+template <class Library, int sections, int keys>
 void get(benchmark::State &state) {
-    const Sample sample(state);
+    const Sample sample(sections, keys);
     Library file(sample.path());
     const std::vector<Name> names = sample.names();
     std::size_t next = 0;
@@ -200,9 +200,9 @@ void get(benchmark::State &state) {
     }
 }
 
-template <class Library>
+template <class Library, int sections, int keys>
 void set(benchmark::State &state) {
-    const Sample sample(state);
+    const Sample sample(sections, keys);
     Library file(sample.path());
     const Name name("section0", "key1");
     const char *values[] = {"a new value", "another one"};
@@ -214,29 +214,29 @@ void set(benchmark::State &state) {
 }
 
 // clang-format off
-BENCHMARK(parse<Uti>)->Name("ini/parse_20_lines/uti")->Args({2, 9});
-BENCHMARK(parse<Inih>)->Name("ini/parse_20_lines/inih")->Args({2, 9});
-BENCHMARK(parse<IniParser>)->Name("ini/parse_20_lines/iniparser")->Args({2, 9});
-BENCHMARK(parse<SimpleIni>)->Name("ini/parse_20_lines/simpleini")->Args({2, 9});
+BENCHMARK(parse<Uti, 2, 9>)->Name("ini: parse of 20 lines|uti|1");
+BENCHMARK(parse<Inih, 2, 9>)->Name("ini: parse of 20 lines|inih");
+BENCHMARK(parse<IniParser, 2, 9>)->Name("ini: parse of 20 lines|iniparser");
+BENCHMARK(parse<SimpleIni, 2, 9>)->Name("ini: parse of 20 lines|simpleini");
 
-BENCHMARK(parse<Uti>)->Name("ini/parse_1000_sections/uti")->Args({1000, 20});
-BENCHMARK(parse<Inih>)->Name("ini/parse_1000_sections/inih")->Args({1000, 20});
-BENCHMARK(parse<IniParser>)->Name("ini/parse_1000_sections/iniparser")->Args({1000, 20});
-BENCHMARK(parse<SimpleIni>)->Name("ini/parse_1000_sections/simpleini")->Args({1000, 20});
+BENCHMARK(parse<Uti, 1000, 20>)->Name("ini: parse of 1,000 sections|uti|1");
+BENCHMARK(parse<Inih, 1000, 20>)->Name("ini: parse of 1,000 sections|inih");
+BENCHMARK(parse<IniParser, 1000, 20>)->Name("ini: parse of 1,000 sections|iniparser");
+BENCHMARK(parse<SimpleIni, 1000, 20>)->Name("ini: parse of 1,000 sections|simpleini");
 
-BENCHMARK(get<Uti>)->Name("ini/get_in_200_keys/uti")->Args({1, 200});
-BENCHMARK(get<Inih>)->Name("ini/get_in_200_keys/inih")->Args({1, 200});
-BENCHMARK(get<IniParser>)->Name("ini/get_in_200_keys/iniparser")->Args({1, 200});
-BENCHMARK(get<SimpleIni>)->Name("ini/get_in_200_keys/simpleini")->Args({1, 200});
+BENCHMARK(get<Uti, 1, 200>)->Name("ini: get among 200 keys|uti|1");
+BENCHMARK(get<Inih, 1, 200>)->Name("ini: get among 200 keys|inih");
+BENCHMARK(get<IniParser, 1, 200>)->Name("ini: get among 200 keys|iniparser");
+BENCHMARK(get<SimpleIni, 1, 200>)->Name("ini: get among 200 keys|simpleini");
 
-BENCHMARK(get<Uti>)->Name("ini/get_in_1000_sections/uti")->Args({1000, 20});
-BENCHMARK(get<Inih>)->Name("ini/get_in_1000_sections/inih")->Args({1000, 20});
-BENCHMARK(get<IniParser>)->Name("ini/get_in_1000_sections/iniparser")->Args({1000, 20});
-BENCHMARK(get<SimpleIni>)->Name("ini/get_in_1000_sections/simpleini")->Args({1000, 20});
+BENCHMARK(get<Uti, 1000, 20>)->Name("ini: get among 1,000 sections of 20 keys|uti|1");
+BENCHMARK(get<Inih, 1000, 20>)->Name("ini: get among 1,000 sections of 20 keys|inih");
+BENCHMARK(get<IniParser, 1000, 20>)->Name("ini: get among 1,000 sections of 20 keys|iniparser");
+BENCHMARK(get<SimpleIni, 1000, 20>)->Name("ini: get among 1,000 sections of 20 keys|simpleini");
 
-BENCHMARK(set<Uti>)->Name("ini/set_in_200_keys/uti")->Args({1, 200});
-BENCHMARK(set<IniParser>)->Name("ini/set_in_200_keys/iniparser")->Args({1, 200});
-BENCHMARK(set<SimpleIni>)->Name("ini/set_in_200_keys/simpleini")->Args({1, 200});
+BENCHMARK(set<Uti, 1, 200>)->Name("ini: set and rewrite, 200 keys|uti|1");
+BENCHMARK(set<IniParser, 1, 200>)->Name("ini: set and rewrite, 200 keys|iniparser");
+BENCHMARK(set<SimpleIni, 1, 200>)->Name("ini: set and rewrite, 200 keys|simpleini");
 // clang-format on
 
 } // namespace

@@ -49,22 +49,29 @@ void writeTrace(State &state, uint32_t output, uint8_t text) {
     if (TraceExOpen(&wanted) != 0)
         return state.SkipWithError("no trace log");
     for (auto _ : state)
-        DoNotOptimize(TraceExError(BENCH_MODULE, BENCH_RECORD, Long, 12345, String, "a text", Word,
-                                   7, 0));
+        DoNotOptimize(
+            TraceExError(BENCH_MODULE, BENCH_RECORD, Long, 12345, String, "a text", Word, 7, 0));
     TraceExClose();
     removeLogs();
 }
 
-void traceBuffered(State &state) { writeTrace(state, TRACE_OUTPUT_BUFFERED, 0); }
-void traceUnbuffered(State &state) { writeTrace(state, TRACE_OUTPUT_FILE, 0); }
-void traceText(State &state) { writeTrace(state, TRACE_OUTPUT_BUFFERED, 1); }
+void traceBuffered(State &state) {
+    writeTrace(state, TRACE_OUTPUT_BUFFERED, 0);
+}
+void traceUnbuffered(State &state) {
+    writeTrace(state, TRACE_OUTPUT_FILE, 0);
+}
+void traceText(State &state) {
+    writeTrace(state, TRACE_OUTPUT_BUFFERED, 1);
+}
 
 // The bytes of the same record, in the pieces that the log writes.
 std::vector<std::string> recordPieces() {
     using namespace std::string_literals;
-    return {"\0\0\0\x31"s,  "\x0B\x07\xEA\x0B\x10"s, "\x0C\x0B\x31\x23"s, "\x02\x01"s,
-            "\x05\x00\x01"s, "\x0D\0\0\0\x05"s,       "bench"s,            "\x06\0\0\x30\x39"s,
-            "\x0D\0\0\0\x06"s, "a text"s,             "\x05\x00\x07"s};
+    return {"\0\0\0\x31"s, "\x0B\x07\xEA\x0B\x10"s, "\x0C\x0B\x31\x23"s,
+            "\x02\x01"s,   "\x05\x00\x01"s,         "\x0D\0\0\0\x05"s,
+            "bench"s,      "\x06\0\0\x30\x39"s,     "\x0D\0\0\0\x06"s,
+            "a text"s,     "\x05\x00\x07"s};
 }
 
 int openRaw() {
@@ -274,7 +281,7 @@ int walkByHand(const uint8_t *at, std::size_t size, Values &values) {
     at += 3;
     while (end - at > 3) {
         const uint8_t tag = at[0];
-        const std::size_t length = at[1] | at[2] << 8;
+        const auto length = static_cast<std::size_t>(at[1] | at[2] << 8);
         at += 3;
         if (length > static_cast<std::size_t>(end - at))
             return -1;
@@ -300,8 +307,8 @@ void tlvByHand(State &state) {
     const std::string stream = tlvStream();
     Values values{};
     for (auto _ : state) {
-        DoNotOptimize(walkByHand(reinterpret_cast<const uint8_t *>(stream.data()), stream.size(),
-                                 values));
+        DoNotOptimize(
+            walkByHand(reinterpret_cast<const uint8_t *>(stream.data()), stream.size(), values));
         DoNotOptimize(values);
     }
 }
