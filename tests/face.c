@@ -22,8 +22,7 @@ int main(void) {
            "the library reads a variable that the program wrote");
     expect(bytesReadInMemory == 5, "the program reads a variable that the library wrote");
 
-    expect(Parser_Initialize(2, 4) == UTI_OK && tagIdSize == 2 && lengthSize == 4,
-           "header sizes");
+    expect(Parser_Initialize(2, 4) == UTI_OK && tagIdSize == 2 && lengthSize == 4, "header sizes");
     Parser_DataRead = Memory_Read;
     bytesReadInMemory = 0;
     TlvHeader header;

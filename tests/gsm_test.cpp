@@ -17,7 +17,8 @@ std::string ussd(const std::string &m, std::string_view str, const std::string &
 }
 
 // Parses into buffers of every size; nothing behind the copied bytes may change.
-template <class Parse> void expectText(const Expected &expected, Parse parse) {
+template <class Parse>
+void expectText(const Expected &expected, Parse parse) {
     const std::string whole = expected.value_or("");
     const int length = static_cast<int>(whole.size());
     for (int i = -2; i <= length + 2; ++i) {

@@ -15,7 +15,7 @@ namespace {
 using namespace std::string_literals;
 
 class Host : public testing::Test {
-  protected:
+protected:
     Host() : path(mkdtemp((testing::TempDir() + "host-XXXXXX").data()) + "/f"s) {}
     ~Host() override { std::filesystem::remove_all(std::filesystem::path(path).parent_path()); }
 

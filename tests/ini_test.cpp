@@ -77,11 +77,21 @@ TEST_F(Ini, GrammarAsReadAndAsWritten) {
 
 TEST_F(Ini, EscapesInValues) {
     const std::pair<std::string, std::string> rows[] = {
-        {"a&#13;&#10;b", "a\r\nb"}, {"&#59;&#99;&#01;", ";c\1"}, {"a&#00;b", "a"},
-        {"a&b&&#13;", "a&b&&#13;"}, {"&#x&##13;", "&#x&##13;"},  {"&#1x", "&#1x"},
-        {"&#12x;", "&#12x;"},       {"&#123;", "&#123;"},        {"&#1&#65;&#66;", "&#1&#65;B"},
-        {"a&", "a"},                {"a&#", "a"},                {"a&#1", "a"},
-        {"a&#12", "a"},             {"\"&#34; \"", "\" "},       {"&#32;", " "},
+        {"a&#13;&#10;b", "a\r\nb"},
+        {"&#59;&#99;&#01;", ";c\1"},
+        {"a&#00;b", "a"},
+        {"a&b&&#13;", "a&b&&#13;"},
+        {"&#x&##13;", "&#x&##13;"},
+        {"&#1x", "&#1x"},
+        {"&#12x;", "&#12x;"},
+        {"&#123;", "&#123;"},
+        {"&#1&#65;&#66;", "&#1&#65;B"},
+        {"a&", "a"},
+        {"a&#", "a"},
+        {"a&#1", "a"},
+        {"a&#12", "a"},
+        {"\"&#34; \"", "\" "},
+        {"&#32;", " "},
     };
     for (const auto &[text, value] : rows) {
         file("k=" + text);
@@ -152,8 +162,9 @@ TEST_F(Ini, OutBuffersOfEverySize) {
         const auto start = [&](const ExactBlock &block, std::size_t count) {
             return std::string(block.data(), std::min(count, room));
         };
-        EXPECT_EQ(Ini_GetStr("f", "name", "a", value.data(), size),
-                  room < 1 ? -3500 : room < 6 ? -3505 : 0);
+        EXPECT_EQ(Ini_GetStr("f", "name", "a", value.data(), size), room < 1   ? -3500
+                                                                    : room < 6 ? -3505
+                                                                               : 0);
         EXPECT_EQ(start(value, 1), room < 1 ? "" : room < 6 ? "\0"s : "v");
         EXPECT_EQ(Ini_GetSectionName("f", 1, name.data(), name.size()), room < 5 ? -3500 : 0);
         EXPECT_EQ(start(name, 5), room < 5 ? old : "NAME\0"s);

@@ -39,7 +39,8 @@ TEST_F(Parser, HeaderSizes) {
     }
     ASSERT_EQ(Parser_Initialize(2, 4), 0);
     for (const auto &[tag, length] : {std::pair(3, 2), {0, 1}, {1, 0}, {8, 1}, {1, 3}})
-        EXPECT_EQ(Parser_Initialize(static_cast<uint8_t>(tag), static_cast<uint8_t>(length)), -3005);
+        EXPECT_EQ(Parser_Initialize(static_cast<uint8_t>(tag), static_cast<uint8_t>(length)),
+                  -3005);
     EXPECT_EQ(tagIdSize, 2);
     EXPECT_EQ(lengthSize, 4);
 }
@@ -90,8 +91,12 @@ TEST_F(Parser, BufferValues) {
         uint32_t size;
         int32_t expected;
     } rows[] = {
-        {"01 41 42 43", 3, 3},    {"02 41 42 43", 9, 3}, {"01 41 42 43", 2, -3001},
-        {"01", 0, 0},             {"", 0, 0},            {"03 41", 5, -3002},
+        {"01 41 42 43", 3, 3},
+        {"02 41 42 43", 9, 3},
+        {"01 41 42 43", 2, -3001},
+        {"01", 0, 0},
+        {"", 0, 0},
+        {"03 41", 5, -3002},
         {"01 41", UINT32_MAX, 1},
     };
     for (const auto &row : rows) {

@@ -51,7 +51,8 @@ void convertCase(const char *source, char *destination, uint32_t count, const Ca
         destination[i] = static_cast<char>(table[static_cast<uint8_t>(source[i])]);
 }
 
-template <class Number> char *formatDecimal(Number value, char *out, uint32_t size) {
+template <class Number>
+char *formatDecimal(Number value, char *out, uint32_t size) {
     char digits[20]; // of the longest, with its sign
     const char *end = std::to_chars(std::begin(digits), std::end(digits), value).ptr;
     copyText({digits, static_cast<std::size_t>(end - digits)}, out, size);
@@ -59,7 +60,8 @@ template <class Number> char *formatDecimal(Number value, char *out, uint32_t si
 }
 
 // The number at a byte address of any alignment, 0 at a null one.
-template <class Number> Number littleEndian(const void *buffer) {
+template <class Number>
+Number littleEndian(const void *buffer) {
     const auto *bytes = static_cast<const uint8_t *>(buffer);
     Number value = 0;
     if (!bytes)
@@ -69,7 +71,8 @@ template <class Number> Number littleEndian(const void *buffer) {
     return value;
 }
 
-template <class Number> void putBigEndian(Number value, void *buffer) {
+template <class Number>
+void putBigEndian(Number value, void *buffer) {
     auto *bytes = static_cast<uint8_t *>(buffer);
     if (!bytes)
         return;

@@ -3,6 +3,7 @@
 
 #include <chrono>
 #include <fcntl.h>
+#include <optional>
 #include <poll.h>
 
 namespace uti::host {
@@ -22,18 +23,20 @@ int64_t writeAll(int descriptor, const void *buffer, std::size_t count) {
 
     const auto *bytes = static_cast<const char *>(buffer);
     std::size_t done = 0;
-    auto deadline = Clock::now() + patience;
+    std::optional<Clock::time_point> deadline; // since the device last took nothing
     while (done < count) {
         const ssize_t written =
             uninterrupted([&] { return ::write(descriptor, bytes + done, count - done); });
         if (written > 0) {
             done += static_cast<std::size_t>(written);
-            deadline = Clock::now() + patience;
+            deadline.reset();
             continue;
         }
         if (written < 0 && errno != EAGAIN)
             return done > 0 ? static_cast<int64_t>(done) : -errno;
-        if (Clock::now() >= deadline)
+        if (!deadline)
+            deadline = Clock::now() + patience;
+        else if (Clock::now() >= *deadline)
             break;
 
         // Tried again after 50 ms even when the device does not call itself writable: a slow line

@@ -11,7 +11,8 @@
 namespace uti::host {
 
 // Makes a system call again for as long as a signal interrupts it.
-template <class Call> auto uninterrupted(Call call) {
+template <class Call>
+auto uninterrupted(Call call) {
     auto result = call();
     while (result == -1 && errno == EINTR)
         result = call();
@@ -24,10 +25,11 @@ enum class HandleKind : uint8_t { file, port };
 // handle stays unknown when its slot is used again, and no handle is mistaken for one of another
 // kind or for a descriptor. All failures are negative errno values.
 class HandleTable {
-  public:
+public:
     // Calls `open` for a descriptor (or a negative error) and gives it a handle. With no handle
     // left `open` is not called, so nothing is created or cut for a file that cannot be had.
-    template <class Open> int32_t open(HandleKind kind, Open open) {
+    template <class Open>
+    int32_t open(HandleKind kind, Open open) {
         std::size_t index = 0;
         while (index < capacity && slots_[index].descriptor >= 0)
             ++index;
@@ -65,7 +67,7 @@ class HandleTable {
         return ::close(open) == 0 || errno == EINTR ? 0 : -errno;
     }
 
-  private:
+private:
     static constexpr uint32_t capacity = 256;
     static constexpr uint32_t mostUses = (uint32_t{INT32_MAX} + 1) / capacity;
 

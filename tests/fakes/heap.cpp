@@ -1,5 +1,5 @@
-// heap.cpp (fakes): malloc, realloc and free of everything linked into the test program, through the
-// linker's --wrap. Counts live blocks; the n-th allocation can be made to fail.
+// heap.cpp (fakes): malloc, realloc and free of everything linked into the test program, through
+// the linker's --wrap. Counts live blocks; the n-th allocation can be made to fail.
 #include "terminal.h"
 
 #include <cstdlib>

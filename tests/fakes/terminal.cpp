@@ -300,9 +300,8 @@ void TextToLowercase(const char *source, char *destination, uint32_t count) {
 }
 
 void TextToUppercase(const char *source, char *destination, uint32_t count) {
-    convertCase(source, destination, count, [](unsigned char byte) {
-        return byte >= 0xE0 ? byte - 32 : std::toupper(byte);
-    });
+    convertCase(source, destination, count,
+                [](unsigned char byte) { return byte >= 0xE0 ? byte - 32 : std::toupper(byte); });
 }
 
 char *ltoa(int32_t value, char *out, int32_t) {

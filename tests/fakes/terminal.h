@@ -1,7 +1,7 @@
-// terminal.h (fakes): the controllable terminal of the tests. Files live in memory, the clock stands
-// still until it is set, what is printed or sent is captured, and the n-th call of any kind can be
-// made to fail, once or from then on. fakes/heap.cpp does the same for malloc and realloc, and
-// fakes/toolkit.cpp for the widget toolkit.
+// terminal.h (fakes): the controllable terminal of the tests. Files live in memory, the clock
+// stands still until it is set, what is printed or sent is captured, and the n-th call of any kind
+// can be made to fail, once or from then on. fakes/heap.cpp does the same for malloc and realloc,
+// and fakes/toolkit.cpp for the widget toolkit.
 #pragma once
 
 #include "../../platform/terminal.h"
@@ -35,8 +35,8 @@ enum class Call {
     count
 };
 
-inline constexpr Call fileCalls[] = {Call::open,     Call::read,    Call::write, Call::seek,
-                                     Call::length,   Call::fileTime, Call::isValid, Call::remove};
+inline constexpr Call fileCalls[] = {Call::open,   Call::read,     Call::write,   Call::seek,
+                                     Call::length, Call::fileTime, Call::isValid, Call::remove};
 inline constexpr Call heapCalls[] = {Call::malloc, Call::realloc};
 
 enum class Persistence { once, fromThenOn };
