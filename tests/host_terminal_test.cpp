@@ -239,4 +239,21 @@ TEST_F(Host, PrinterAppendsToItsFile) {
     }
 }
 
+TEST_F(Host, PaperHasColumns) {
+    setenv("UTI_PRINTER", path.c_str(), 1);
+    std::string expected;
+    for (const auto &[columns, width] : {std::pair("", 32u), {"48", 48u}, {"33", 32u}}) {
+        SCOPED_TRACE(columns);
+        setenv("UTI_PRINTER_COLUMNS", columns, 1);
+        const std::string line(width, '='), more(width - 1, '-');
+        EXPECT_EQ(Printer_Open(nullptr), 0);
+        EXPECT_EQ(Printer_PrintString((line + "\r\n" + line).c_str(), 0), 0);
+        EXPECT_EQ(Printer_PrintString("x", 0) + Printer_PrintString((more + "yz").c_str(), 0), 0);
+        Printer_Close();
+        expected += line + "\r\n" + line + "\nx" + more + "\nyz";
+        EXPECT_EQ(contents(), expected);
+    }
+    unsetenv("UTI_PRINTER_COLUMNS");
+}
+
 } // namespace

@@ -639,6 +639,19 @@ TEST_F(Toolkit, FailedScriptsCancelTheRun) {
     EXPECT_EQ(testing::internal::GetCapturedStderr().find("a form without a time-out") != 0, true);
 }
 
+TEST_F(Toolkit, ScriptsMayEndEarlyOrByGoingAway) {
+    answerWith("key ENTER\nadvance 9s");
+    EXPECT_EQ(run(form), IG_STATE_CONFIRMED);
+    answerWith("close");
+    EXPECT_EQ(run(form), IG_STATE_CANCELLED);
+    EXPECT_EQ(run(form), IG_STATE_CANCELLED) << "there is nobody any more";
+    Wait(1);
+    EXPECT_NE(Display_CheckEvent(), 0);
+    display().closed = false;
+    display().useFace(std::make_unique<Watcher>());
+    EXPECT_FALSE(failed);
+}
+
 TEST_F(Toolkit, ScriptsLookAtMessagesWithoutARun) {
     answerWith("wait text \"Form\" 1s\ndump shown\nadvance 2s\nkeyboard F1");
     igUI_Add(screen, form);
@@ -652,17 +665,23 @@ TEST_F(Toolkit, ScriptsLookAtMessagesWithoutARun) {
 TEST_F(Toolkit, RecordedEventsAreAScript) {
     const std::string path = folder / "recorded.script";
     {
-        Recorder recorder(path);
+        Recorder recorder(path, 0);
         recorder.add({.kind = Event::Kind::key, .key = IG_KEY_UP}, 7);
         recorder.add({.kind = Event::Kind::character, .character = '"'}, 7);
         recorder.add({.kind = Event::Kind::keyboard, .key = 131}, 1007);
         recorder.add({.kind = Event::Kind::penDown, .at = {1, -2}}, 1008);
         recorder.add({.kind = Event::Kind::penMove, .at = {3, 4}}, 1020);
         recorder.add({.kind = Event::Kind::penUp, .at = {3, 4}}, 1021);
+        recorder.add({.kind = Event::Kind::penDown, .at = {5, 6}}, 1021);
+        recorder.addPicture("p", 1021);
+        recorder.add({.kind = Event::Kind::penMove, .at = {7, 8}}, 1022);
+        recorder.add({.kind = Event::Kind::close}, 1022);
+        recorder.end(1022 + 2 * longestAdvance);
     }
-    EXPECT_EQ(contentsOf(path),
-              "key UP\ntype \"\\\"\"\nadvance 1000ms\nkeyboard 131\nadvance 1ms\npen 1,-2 3,4\n");
-    EXPECT_EQ(parseScript(path, contentsOf(path)).commands.size(), 8u);
+    EXPECT_EQ(contentsOf(path), "advance 7ms\nkey UP\ntype \"\\\"\"\nadvance 1000ms\nkeyboard 131\n"
+                                "advance 1ms\npen 1,-2 3,4\nadvance 13ms\npen 5,6\nshot p\ndump p\n"
+                                "advance 1ms\nclose\nadvance 86400000ms\n");
+    EXPECT_EQ(parseScript(path, contentsOf(path)).commands.size(), 17u);
 }
 
 TEST_F(Toolkit, PeripheralsFollowTheScript) {

@@ -1,13 +1,17 @@
-// choose.cpp: which face the environment asks for. A key script is read when the library is loaded,
-// so that its clock and its peripherals hold from the application's first call on.
+// choose.cpp: which face the environment asks for: a key script, a window or none. A key script is
+// read when the library is loaded, so that its clock and its peripherals hold from the
+// application's first call on.
 #include "clock.h"
 #include "display.h"
 #include "scriptFace.h"
+#include "windowFace.h"
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
+#include <utility>
 
 #include <unistd.h>
 
@@ -25,24 +29,26 @@ public:
     void show(const Surface &, const Rect &) override {}
 
     std::optional<Event> next(uint32_t milliseconds) override {
+        if (!std::exchange(isTold_, true))
+            std::fprintf(stderr, "uti: nobody sees the display, and forms without a time-out are "
+                                 "cancelled: set UTI_WINDOW=1, or name a key script in "
+                                 "UTI_SCRIPT\n");
         const Form *form = display_.running();
-        if (form && form->timeOut == 0) {
-            std::fprintf(stderr,
-                         "uti: a form without a time-out is cancelled, since there is nobody to "
-                         "answer it: name a key script in UTI_SCRIPT\n");
+        if (form && form->timeOut == 0)
             return Event{.kind = Event::Kind::close};
-        }
         pass(milliseconds);
         return std::nullopt;
     }
 
 private:
     Display &display_;
+    bool isTold_ = false;
 };
 
-const char *scriptPath() {
-    const char *path = std::getenv("UTI_SCRIPT");
-    return path && *path ? path : nullptr;
+// The value of a variable; empty when it is not set.
+std::string valueOf(const char *variable) {
+    const char *value = std::getenv(variable);
+    return value ? value : "";
 }
 
 // Runs after everything that the application has left for its end.
@@ -54,36 +60,56 @@ void endRun() {
 }
 
 [[gnu::constructor]] void startRun() {
-    if (!scriptPath())
+    if (valueOf("UTI_SCRIPT").empty())
         return;
     std::atexit(endRun);
     useVirtualClock();
     display();
 }
 
-std::string readScript(const char *path) {
+std::string readScript(const std::string &path) {
     std::ifstream file(path);
     std::ostringstream source;
     source << file.rdbuf();
     if (file)
         return source.str();
-    std::fprintf(stderr, "%s: error: the key script cannot be read\n", path);
+    std::fprintf(stderr, "%s: error: the key script cannot be read\n", path.c_str());
     std::_Exit(2);
+}
+
+// The application may have written something that is still on its way.
+[[noreturn]] void refuse() {
+    std::fflush(nullptr);
+    std::_Exit(2);
+}
+
+std::unique_ptr<Face> makeWindow(Display &display, const std::string &scale) {
+    if (scale.size() != 1 || scale[0] < '1' || scale[0] > '4') {
+        std::fprintf(stderr, "uti: UTI_WINDOW=%s is no scale from 1 to 4\n", scale.c_str());
+        refuse();
+    }
+    std::unique_ptr<Face> window =
+        openWindow(display, {scale[0] - '0', valueOf("UTI_RECORD"), valueOf("UTI_OUT")});
+    if (!window)
+        refuse();
+    return window;
 }
 
 } // namespace
 
 std::unique_ptr<Face> makeFace(Display &display) {
-    const char *path = scriptPath();
-    if (!path)
+    const std::string path = valueOf("UTI_SCRIPT"), scale = valueOf("UTI_WINDOW");
+    if (path.empty() && (scale.empty() || scale == "0"))
         return std::make_unique<LonelyFace>(display);
+    if (path.empty())
+        return makeWindow(display, scale);
 
     Script script = parseScript(path, readScript(path));
     if (!script.isValid)
         std::_Exit(EXIT_FAILURE);
-    const char *folder = std::getenv("UTI_OUT");
-    return std::make_unique<ScriptFace>(display, std::move(script), folder ? folder : "",
-                                        runFailed);
+    // The application may go to another folder.
+    const auto pictures = std::filesystem::current_path() / valueOf("UTI_OUT");
+    return std::make_unique<ScriptFace>(display, std::move(script), pictures, runFailed);
 }
 
 } // namespace uti::host

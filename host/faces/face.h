@@ -41,7 +41,11 @@ public:
     virtual std::optional<Event> next(uint32_t milliseconds) = 0;
 };
 
-// The face that the environment asks for: UTI_SCRIPT names a key script.
+// Forms that an application may still show after the person went away; each is cancelled. One that
+// shows more will never end by itself.
+inline constexpr int mostCancelled = 100;
+
+// The face that the environment asks for: UTI_SCRIPT names a key script, UTI_WINDOW a window.
 std::unique_ptr<Face> makeFace(Display &display);
 
 } // namespace uti::host

@@ -4,16 +4,35 @@
 #include "codePage.h"
 #include "script.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace uti::host {
 
+namespace {
+
+// A form that ended by its time-out just before the application did takes a little longer when it
+// is played.
+constexpr uint32_t spare = 1000;
+
+} // namespace
+
 // Waiting is written down too, since a key that is pressed again soon gives another letter.
+void Recorder::startLine(uint32_t ticks) {
+    if (std::exchange(isPenDown_, false))
+        out_ << '\n';
+    if (ticks != last_)
+        out_ << "advance " << std::min(ticks - last_, longestAdvance) << "ms\n";
+    last_ = ticks;
+}
+
 void Recorder::add(const Event &event, uint32_t ticks) {
     using Kind = Event::Kind;
     const bool goesOn = event.kind == Kind::penMove || event.kind == Kind::penUp;
-    if (any_ && !goesOn && ticks - last_ > 0)
-        out_ << "advance " << ticks - last_ << "ms\n";
-    last_ = ticks;
-    any_ = true;
+    if (goesOn && !isPenDown_)
+        return;
+    if (!goesOn)
+        startLine(ticks);
 
     switch (event.kind) {
     case Kind::key:
@@ -30,14 +49,26 @@ void Recorder::add(const Event &event, uint32_t ticks) {
     case Kind::penDown:
     case Kind::penMove:
         out_ << (goesOn ? " " : "pen ") << event.at.x << ',' << event.at.y;
+        isPenDown_ = true;
         break;
     case Kind::penUp:
         out_ << '\n';
+        isPenDown_ = false;
         break;
     case Kind::close:
+        out_ << "close\n";
         break;
     }
     out_.flush(); // what was done before a crash is the most useful part
+}
+
+void Recorder::addPicture(const std::string &name, uint32_t ticks) {
+    startLine(ticks);
+    out_ << "shot " << name << "\ndump " << name << '\n' << std::flush;
+}
+
+void Recorder::end(uint32_t ticks) {
+    startLine(ticks + spare);
 }
 
 } // namespace uti::host

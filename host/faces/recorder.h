@@ -11,18 +11,24 @@ namespace uti::host {
 
 class Recorder {
 public:
-    // Starts the script `path` anew.
-    explicit Recorder(const std::string &path) : out_(path) {}
+    // Starts the script `path` anew at that moment of the platform's clock.
+    Recorder(const std::string &path, uint32_t ticks) : out_(path), last_(ticks) {}
     // False when the script could not be written.
     bool isGood() const { return out_.good(); }
 
-    // Writes an event that came at that moment of the platform's clock.
+    // Writes an event that came at that moment.
     void add(const Event &event, uint32_t ticks);
+    // A picture and a dump were saved.
+    void addPicture(const std::string &name, uint32_t ticks);
+    // The application ended.
+    void end(uint32_t ticks);
 
 private:
+    void startLine(uint32_t ticks);
+
     std::ofstream out_;
-    uint32_t last_ = 0; // ticks of the event before
-    bool any_ = false;
+    uint32_t last_; // ticks of the line before
+    bool isPenDown_ = false;
 };
 
 } // namespace uti::host

@@ -97,7 +97,7 @@ public:
         const auto [unit, error] = std::from_chars(found.text.data(), end, count);
         const std::string_view rest(unit, static_cast<std::size_t>(end - unit));
         const uint32_t factor = rest == "ms" ? 1u : rest == "s" ? 1000u : rest == "m" ? 60000u : 0u;
-        if (error != std::errc{} || factor == 0 || count > 86400000u / factor)
+        if (error != std::errc{} || factor == 0 || count > longestAdvance / factor)
             fail(found.at, "expected a time such as 500ms, 5s or 2m, up to a day");
         return count * factor;
     }
@@ -205,6 +205,8 @@ private:
             characters(line);
         else if (is == "pen")
             pen(line);
+        else if (is == "close")
+            addEvent(name.at, {.kind = Event::Kind::close});
         else if (is == "advance")
             add(Kind::advance, name.at).milliseconds = line.milliseconds();
         else if (is == "wait") {

@@ -53,6 +53,9 @@ struct Script {
 // Reads a script. Whatever is wrong in it is reported, and the script then not valid.
 Script parseScript(std::string path, std::string source);
 
+// The longest time that one line lets pass, in ms: a day.
+inline constexpr uint32_t longestAdvance = 24 * 60 * 60 * 1000;
+
 // A key as scripts write it.
 std::string keyName(uint8_t key);
 

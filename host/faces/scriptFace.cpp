@@ -7,7 +7,6 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 
 namespace uti::host {
 
@@ -15,13 +14,15 @@ namespace {
 
 using Kind = ScriptCommand::Kind;
 
-// An application that shows no form for so long, or shows so many after the script's end, will
-// never end by itself.
+// An application that shows no form for so long will never end by itself.
 constexpr uint32_t patience = 60 * 60 * 1000;
-constexpr int mostCancelled = 100;
 
 // An application that shows forms looks for their end every 100 ms.
 constexpr uint32_t betweenForms = 200;
+
+bool needsNoForm(const Event &event) {
+    return event.kind == Event::Kind::keyboard || event.kind == Event::Kind::close;
+}
 
 bool isPeripheral(Kind kind) {
     return kind >= Kind::paperOut;
@@ -56,15 +57,12 @@ ScriptFace::ScriptFace(Display &display, Script script, std::filesystem::path fo
         setPeripheral(script_.commands[at_++]);
 }
 
-// Time that has just passed, as when a form's time-out came to the same moment, needs no more
-// waiting.
+// Time at the end is there for whatever the application still does; it may need less.
 ScriptFace::~ScriptFace() {
     if (at_ == script_.commands.size())
         return;
     const ScriptCommand &last = script_.commands[at_];
-    const bool isOver = at_ + 1 == script_.commands.size() && last.kind == Kind::advance &&
-                        ticks() - since_ >= last.milliseconds;
-    if (!isOver)
+    if (at_ + 1 < script_.commands.size() || last.kind != Kind::advance)
         fail(last.place, "the application ended before this");
 }
 
@@ -91,8 +89,10 @@ std::optional<Event> ScriptFace::next(uint32_t milliseconds) {
         if (at_ < script_.commands.size())
             ++at_;
         since_ = ticks();
-        if (command.kind == Kind::event)
-            return command.event;
+        if (command.kind != Kind::event)
+            continue;
+        isGone_ = command.event.kind == Event::Kind::close;
+        return command.event;
     }
     return afterEnd(milliseconds);
 }
@@ -114,9 +114,7 @@ ScriptFace::Outcome ScriptFace::perform(const ScriptCommand &command) {
         return Outcome::waits;
     switch (command.kind) {
     case Kind::event:
-        if (command.event.kind != Event::Kind::keyboard && !display_.running())
-            return Outcome::waits;
-        return Outcome::done;
+        return display_.running() || needsNoForm(command.event) ? Outcome::done : Outcome::waits;
     case Kind::advance:
         if (waited < command.milliseconds)
             return Outcome::waits;
@@ -153,15 +151,8 @@ ScriptFace::Outcome ScriptFace::perform(const ScriptCommand &command) {
 void ScriptFace::save(const ScriptCommand &command) {
     const auto path = folder_ / (command.text + (command.kind == Kind::shot ? ".png" : ".txt"));
     display_.redraw();
-    bool saved;
-    if (command.kind == Kind::shot) {
-        saved = saveImage(display_.surface(), path);
-    } else {
-        std::ofstream file(path);
-        file << uti::host::dump(display_);
-        saved = file.flush().good();
-    }
-    if (!saved)
+    if (command.kind == Kind::shot ? !saveImage(display_.surface(), path)
+                                   : !saveDump(display_, path))
         fail(command.place, path.string() + " cannot be written");
 }
 
@@ -169,11 +160,13 @@ void ScriptFace::save(const ScriptCommand &command) {
 std::optional<Event> ScriptFace::afterEnd(uint32_t milliseconds) {
     const Form *form = display_.running();
     if (!form) {
+        if (isGone_ && !display_.closed)
+            return Event{.kind = Event::Kind::close};
         endWhenStuck(script_.end());
         pass(milliseconds);
         return std::nullopt;
     }
-    if (!failed_)
+    if (!failed_ && !isGone_)
         fail(script_.end(), "the script ends while a form waits for an answer");
     if (++cancelled_ > mostCancelled) {
         script_.report(script_.end(), "the application goes on without end");

@@ -42,6 +42,7 @@ private:
     uint32_t since_ = 0;             // ticks at which its turn came
     std::optional<uint32_t> ranAt_;  // ticks at which a form ran last
     std::optional<uint32_t> looked_; // modal runs started when time was last waited for
+    bool isGone_ = false;            // the script ended with the person going away
     int cancelled_ = 0;              // forms that were cancelled after the end
 };
 

@@ -203,7 +203,8 @@ void Display::handleEvent(const Event &event) {
     case Event::Kind::character:
         return press(static_cast<uint8_t>(event.character), event.character);
     case Event::Kind::keyboard:
-        keyboardHandler(handle, event.key);
+        if (!inputBlocked)
+            keyboardHandler(handle, event.key);
         return;
     case Event::Kind::penDown:
         return touch(PenPhase::down, event.at);

@@ -4,6 +4,7 @@
 #include "codePage.h"
 #include "display.h"
 
+#include <fstream>
 #include <sstream>
 
 namespace uti::host {
@@ -55,6 +56,12 @@ std::string dump(const Display &display) {
         }
     }
     return out.str();
+}
+
+bool saveDump(const Display &display, const std::filesystem::path &path) {
+    std::ofstream file(path);
+    file << dump(display);
+    return file.flush().good();
 }
 
 bool shows(const Display &display, std::string_view text) {

@@ -276,6 +276,11 @@ bool Fonts::load(std::size_t slot, const std::string &path) {
     return true;
 }
 
+std::unique_ptr<Font> Fonts::label(int height) {
+    auto font = open(sansBoldFile.name, {0, height});
+    return font ? std::move(font) : std::make_unique<Font>(nullptr, Size{0, height});
+}
+
 Font &Fonts::at(std::size_t slot) {
     return slot < slots && fonts_[slot] ? *fonts_[slot] : *fonts_[1];
 }

@@ -84,6 +84,9 @@ public:
     // A small proportional font for the status line.
     Font &label() { return *fonts_[slots]; }
 
+    // The same at another height, for what stands beside the display. Ends before the slots do.
+    std::unique_ptr<Font> label(int height);
+
 private:
     std::unique_ptr<Font> open(const std::string &name, Size cell);
 
