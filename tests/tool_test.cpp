@@ -292,4 +292,40 @@ TEST(ToolRooms, RefuseFilesThatGrow) {
     EXPECT_FALSE(readAndDump(bytes));
 }
 
+#ifdef UTI_TOOLKIT
+TEST_F(ToolTest, ShowsDialogsAsTheTerminalDoes) {
+    write("src/s.toml", "module = 's'\n[languages]\nen = 0\nru = 0\n"
+                        "[strings]\nNONE = { id = 0x3009, en = 'No dialog', ru = 'Не диалог' }\n"
+                        "[dialogs.EDIT]\nid = 0x3001\ntype = 'edit'\nedit = ["
+                        "{ area = [8, 20, 220, 20], read_only = true }, { area = [8, 50, 220, 30], "
+                        "pattern = { en = '__.__', ru = '__-__' } }]\n"
+                        "label = { name = 'sum', area = [8, 90, 220, 20] }\n"
+                        "[dialogs.LIST]\nid = 0x3002\ntype = 'list'\n"
+                        "menu = { area = [0, 0, 240, 100] }\n");
+    EXPECT_EQ(run("compile src/s.toml -o out"), 0) << err;
+    EXPECT_EQ(run("show out/s.res --out src"), 0) << err;
+    EXPECT_EQ(out, "s-3001-en.png\ns-3001-en.txt\ns-3001-ru.png\ns-3001-ru.txt\n"
+                   "s-3002-en.png\ns-3002-en.txt\ns-3002-ru.png\ns-3002-ru.txt\n");
+    EXPECT_EQ(readAll(folder / "src/s-3001-ru.txt"),
+              "display 240x320\nstatus 12:00 abc\nform 0,20 240x300 \"s 0x3001\" running\n"
+              "  input 8,20 220x20 \"Text\"\n  pattern 8,50 220x30 \"..-..\" focus\n"
+              "  input 8,90 220x20 \"sum\"\n");
+    EXPECT_TRUE(readAll(folder / "src/s-3002-en.png").starts_with("\x89PNG"));
+
+    EXPECT_EQ(run("show s.res --dialog 0x3002 --lang ru", "out"), 0) << err;
+    EXPECT_EQ(out, "s-3002-ru.png\ns-3002-ru.txt\n");
+    EXPECT_TRUE(fs::exists(folder / "out/s-3002-ru.png"));
+
+    EXPECT_EQ(run("show out/s.res --dialog 0x3009"), 1);
+    EXPECT_EQ(err, "out/s.res: error: there is no such dialog\n");
+    fs::copy(folder / "out/s.res", folder / "out/no module.res");
+    EXPECT_EQ(run("show 'out/no module.res'"), 2);
+    EXPECT_EQ(run("show out/s.res --out src/s.toml"), 2);
+    const std::string bytes = readAll(folder / "out/s.res");
+    write("out/s.res", bytes.substr(0, bytes.size() - 1));
+    EXPECT_EQ(run("show out/s.res"), 1);
+    EXPECT_FALSE(err.empty());
+}
+#endif
+
 } // namespace

@@ -15,5 +15,6 @@ enum ExitCode : int {
 void addCompileCommand(CLI::App &app, int &result);
 void addDumpCommand(CLI::App &app, int &result);
 void addLogCommand(CLI::App &app, int &result);
+void addShowCommand(CLI::App &app, int &result); // needs the widget toolkit
 
 } // namespace uti::tool

@@ -15,6 +15,9 @@ int main(int argc, char **argv) try {
     addCompileCommand(app, result);
     addDumpCommand(app, result);
     addLogCommand(app, result);
+#ifdef UTI_TOOLKIT
+    addShowCommand(app, result);
+#endif
 
     try {
         app.parse(argc, argv);
