@@ -56,6 +56,7 @@ protected:
         ResourceFile file;
         file.sections[0] = {{{"en"}, {{2, "only {1}"}, {3, "rest"}}},
                             {{"ru"}, {{1, every}, {2, "\xCD\xE5\xF2{5}{0} a{b"}}}};
+        file.sections[3] = {{{"en"}, {{7, "third"}}}};
         write("m.res", writeResourceFile(file));
     }
     ~LogToolTest() override {
@@ -118,6 +119,7 @@ TEST_F(LogToolTest, PrintsTheLinesOfTextRecords) {
         writeEveryType([](auto... words) { EXPECT_EQ(TraceExDebug("m", words...), 0); });
         TraceExSupport("m", 2, Long, 5, 0);
         TraceExAssert("P", 52);
+        TraceExError("m", 0x3007, 0);
         TraceExClose();
     }
     std::string text = readAll("text.log");
@@ -135,7 +137,8 @@ TEST_F(LogToolTest, PrintsTheLinesOfTextRecords) {
     // The text log has a report of the missing wording in line 2 and nothing else in line 3.
     EXPECT_EQ(out, concat(line(1, "DEBUG   20"), '\n', line(3, "DEBUG   20").substr(0, 30),
                           everyType, line(4, "DEBUG   20"), " {1: Long 1}\n", line(5, "SUPPORT 20"),
-                          '\n', line(6, "ERROR   20"), '\n'));
+                          '\n', line(6, "ERROR   20"), '\n', line(7, "ERROR   20"), '\n'));
+    EXPECT_TRUE(out.ends_with("[m] third\n")) << "the first language of section 3";
     EXPECT_NE(out.find("11:49:35 [m] Всё: 'A' 255 true -2 -1 -3 -2 -4 1836"), out.npos) << out;
 }
 
@@ -205,7 +208,9 @@ TEST_F(LogToolTest, PassesOverDamage) {
         {"month", changed(58 + 7, 13), "1 2 ", "d.log: error: offset 58: damaged; 29"},
         {"level", changed(29 + 14, 4), "1 3 ", "d.log: error: offset 29: damaged; 29"},
         {"argument type", changed(24, 0x0F), "2 3 ", "d.log: error: offset 0: damaged; 29"},
-        {"long text", changed(24, 0x0D), "2 3 ", "d.log: error: offset 0: damaged; 29"},
+        {"minute", changed(29 + 11, 60), "1 3 ", "d.log: error: offset 29: damaged; 29"},
+        {"long value", changed(58 + 24, 0x08), "1 2 ", "d.log: error: offset 58: damaged; 29"},
+        {"long text", changed(58 + 24, 0x0D), "1 2 ", "d.log: error: offset 58: damaged; 29"},
         {"cut in the middle", good.substr(0, 50) + good, "1 1 2 3 ",
          "d.log: error: offset 29: damaged; 21"},
         {"cut at the end", good.substr(0, 80), "1 2 ",
