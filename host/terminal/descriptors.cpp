@@ -3,7 +3,6 @@
 
 #include <chrono>
 #include <fcntl.h>
-#include <optional>
 #include <poll.h>
 
 namespace uti::host {
@@ -23,20 +22,21 @@ int64_t writeAll(int descriptor, const void *buffer, std::size_t count) {
 
     const auto *bytes = static_cast<const char *>(buffer);
     std::size_t done = 0;
-    std::optional<Clock::time_point> deadline; // since the device last took nothing
+    constexpr Clock::time_point none;
+    auto deadline = none; // set when the device takes nothing
     while (done < count) {
         const ssize_t written =
             uninterrupted([&] { return ::write(descriptor, bytes + done, count - done); });
         if (written > 0) {
             done += static_cast<std::size_t>(written);
-            deadline.reset();
+            deadline = none;
             continue;
         }
         if (written < 0 && errno != EAGAIN)
             return done > 0 ? static_cast<int64_t>(done) : -errno;
-        if (!deadline)
+        if (deadline == none)
             deadline = Clock::now() + patience;
-        else if (Clock::now() >= *deadline)
+        else if (Clock::now() >= deadline)
             break;
 
         // Tried again after 50 ms even when the device does not call itself writable: a slow line

@@ -3,7 +3,6 @@
 #include "toolkit.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <utility>
 
@@ -258,28 +257,6 @@ int32_t copyText(const std::string &text, char *buffer, int32_t size) {
     return static_cast<int32_t>(count);
 }
 
-template <class Number>
-char *formatDecimal(Number value, char *out, uint32_t size) {
-    copyText(std::to_string(value), out, static_cast<int32_t>(size));
-    return out;
-}
-
-template <class Number>
-Number littleEndian(const void *buffer) {
-    Number value;
-    std::memcpy(&value, buffer, sizeof value);
-    return value;
-}
-
-// Windows-1251 capital and small letters lie 32 apart, as in ASCII.
-template <class Convert>
-void convertCase(const char *source, char *destination, uint32_t count, Convert convert) {
-    for (uint32_t i = 0; i < count; ++i) {
-        const auto byte = static_cast<unsigned char>(source[i]);
-        destination[i] = static_cast<char>(convert(byte));
-    }
-}
-
 } // namespace
 
 int32_t System_GetEnv(const char *name, char *buffer, int32_t size, int32_t) {
@@ -291,43 +268,4 @@ int32_t System_GetEnv(const char *name, char *buffer, int32_t size, int32_t) {
 
 int32_t GetApplicationName(char *buffer, int32_t size) {
     return copyText(terminal().applicationName, buffer, size);
-}
-
-void TextToLowercase(const char *source, char *destination, uint32_t count) {
-    convertCase(source, destination, count, [](unsigned char byte) {
-        return byte >= 0xC0 && byte < 0xE0 ? byte + 32 : std::tolower(byte);
-    });
-}
-
-void TextToUppercase(const char *source, char *destination, uint32_t count) {
-    convertCase(source, destination, count,
-                [](unsigned char byte) { return byte >= 0xE0 ? byte - 32 : std::toupper(byte); });
-}
-
-char *ltoa(int32_t value, char *out, int32_t) {
-    return formatDecimal(value, out, 34);
-}
-
-char *Int64ToStr(int64_t value, char *out, uint32_t size) {
-    return formatDecimal(value, out, size);
-}
-
-char *UInt64ToStr(uint64_t value, char *out, uint32_t size) {
-    return formatDecimal(value, out, size);
-}
-
-uint16_t BufferToWord(const void *buffer) {
-    return littleEndian<uint16_t>(buffer);
-}
-
-uint32_t BufferToDword(const void *buffer) {
-    return littleEndian<uint32_t>(buffer);
-}
-
-double BufferToDouble(const void *buffer) {
-    return littleEndian<double>(buffer);
-}
-
-int16_t BEBufferToShort(const void *buffer) {
-    return static_cast<int16_t>(__builtin_bswap16(littleEndian<uint16_t>(buffer)));
 }
