@@ -47,7 +47,11 @@ std::string dumped(const ResourceFile &file) {
 // A file with one string, which differs from language to language.
 ResourceFile fileOf(const std::string &english, const std::string &russian) {
     ResourceFile file;
-    file.sections[3] = {{{"en", 0}, {{1, english}}}, {{"ru", 0}, {{1, russian}}}};
+    for (const auto &[language, text] : {std::pair("en", english), {"ru", russian}}) {
+        LanguageTable &table = file.sections[3].emplace_back();
+        table.language.code = language;
+        table.strings[1] = text;
+    }
     return file;
 }
 

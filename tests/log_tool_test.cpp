@@ -54,9 +54,14 @@ protected:
         const char *every =
             "\xC2\xF1\xB8: {0} {1} {2} {3} {4} {5} {6} {7} {8} {9} {10} {11} {12}{13} {14}";
         ResourceFile file;
-        file.sections[0] = {{{"en"}, {{2, "only {1}"}, {3, "rest"}}},
-                            {{"ru"}, {{1, every}, {2, "\xCD\xE5\xF2{5}{0} a{b"}}}};
-        file.sections[3] = {{{"en"}, {{7, "third"}}}};
+        const auto add = [&](uint8_t section, const char *language, Strings strings) {
+            LanguageTable &table = file.sections[section].emplace_back();
+            table.language.code = language;
+            table.strings = std::move(strings);
+        };
+        add(0, "en", {{2, "only {1}"}, {3, "rest"}});
+        add(0, "ru", {{1, every}, {2, "\xCD\xE5\xF2{5}{0} a{b"}});
+        add(3, "en", {{7, "third"}});
         write("m.res", writeResourceFile(file));
     }
     ~LogToolTest() override {
