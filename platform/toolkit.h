@@ -292,7 +292,8 @@ int32_t igPatternInput_SetPatternPassiveColor(int32_t widget, uint16_t foregroun
 /** Sets the character that stands in empty places. */
 int32_t igPatternInput_SetFillSymbol(int32_t widget, char symbol);
 
-/** Creates an input for an IPv4 address. Returns the widget's handle. */
+/** Creates an input for an IPv4 address. The first digit typed into a field after going there
+ *  replaces what it held. Returns the widget's handle. */
 int32_t igIPInput_Create(int16_t x, int16_t y, int16_t width, int16_t height, uint32_t style);
 /** Sets the address from a text such as "192.168.0.1". */
 int32_t igIPInput_SetIPtext(int32_t widget, const char *text);

@@ -5,6 +5,7 @@
 #include "textLayout.h"
 
 #include <array>
+#include <utility>
 
 namespace uti::host {
 
@@ -25,7 +26,7 @@ public:
     void draw(Painter &painter) const override;
     void focusChanged() override {
         ValueField::focusChanged();
-        at_ = 0;
+        enter(0);
     }
     bool key(uint8_t key) override;
     uint8_t pen(PenPhase phase, Point at) override;
@@ -43,9 +44,14 @@ private:
     void clear() override { setValue(""); }
     Rect fieldArea(std::size_t field) const;
     void compose();
+    void enter(std::size_t field) {
+        at_ = field;
+        isEntered_ = true;
+    }
 
     std::array<std::string, 4> fields_; // their digits, empty for none
     std::size_t at_ = 0;                // the field that is typed into
+    bool isEntered_ = true;             // nothing was typed there yet: a digit replaces it
     std::string value_;
 };
 
@@ -59,11 +65,11 @@ void IpInput::compose() {
 }
 
 void IpInput::setValue(std::string_view text) {
-    at_ = 0;
+    enter(0);
     fields_ = {};
     for (const char each : std::string(text)) // it may be the value itself
         append(each);
-    at_ = 0;
+    enter(0);
     compose();
 }
 
@@ -72,8 +78,10 @@ bool IpInput::append(char accepted) {
         return digits.size() <= 3 && std::stoi(digits) <= 255;
     };
     if (accepted == '.') {
-        at_ = std::min(at_ + 1, fields_.size() - 1);
+        enter(std::min(at_ + 1, fields_.size() - 1));
     } else if (accepted >= '0' && accepted <= '9') {
+        if (std::exchange(isEntered_, false))
+            fields_[at_].clear();
         if (!fits(fields_[at_] + accepted) && at_ + 1 < fields_.size() && fields_[at_ + 1].empty())
             ++at_;
         const std::string digits = (fields_[at_] == "0" ? "" : fields_[at_]) + accepted;
@@ -85,6 +93,7 @@ bool IpInput::append(char accepted) {
 }
 
 bool IpInput::erase() {
+    isEntered_ = false;
     if (fields_[at_].empty() && at_ == 0)
         return false;
     if (fields_[at_].empty())
@@ -100,7 +109,7 @@ bool IpInput::key(uint8_t key) {
     const bool right = key == IG_KEY_RIGHT && at_ + 1 < fields_.size();
     if (!right && !(key == IG_KEY_LEFT && at_ > 0))
         return ValueField::key(key);
-    at_ = right ? at_ + 1 : at_ - 1;
+    enter(right ? at_ + 1 : at_ - 1);
     changed();
     return true;
 }
@@ -108,7 +117,7 @@ bool IpInput::key(uint8_t key) {
 uint8_t IpInput::pen(PenPhase phase, Point at) {
     for (std::size_t i = 0; phase == PenPhase::down && i < fields_.size(); ++i)
         if (at.x >= fieldArea(i).x)
-            at_ = i;
+            enter(i);
     changed();
     return 0;
 }
