@@ -304,6 +304,13 @@ TEST_F(Toolkit, InputsTakeKeys) {
     }
     igInput_SetValue(input, "1203,5 and more");
     EXPECT_STREQ(igInput_GetValue(input), "1203.50");
+    igInput_SetRadix(input, 0);
+    for (const auto &[given, value] : {std::pair("no digits", ""), {"7", "7.00"}}) {
+        igInput_SetValue(input, given);
+        igInput_SetRadix(input, 2);
+        EXPECT_STREQ(igInput_GetValue(input), value);
+        igInput_SetRadix(input, 0);
+    }
     igInput_SetValue(input, nullptr);
     EXPECT_STREQ(igInput_GetValue(input), "");
 }

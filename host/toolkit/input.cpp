@@ -24,7 +24,10 @@ public:
     void setValue(std::string_view text) override;
     const std::string &value() const override { return value_; }
     std::size_t maxLength() const override { return maxLength_; }
-    void setRadix(uint8_t radix) { radix_ = std::min<uint8_t>(radix, 9); }
+    void setRadix(uint8_t radix) {
+        radix_ = std::min<uint8_t>(radix, 9);
+        setValue(value_); // which may have a fixed point from now on
+    }
 
 private:
     bool isFixed() const { return style_ & IG_INPUT_FRACTION && radix_ > 0; }
