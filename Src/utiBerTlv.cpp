@@ -1,6 +1,6 @@
 // utiBerTlv.cpp: objects in the BER-TLV encoding of ISO/IEC 8825-1: reading the next one, searching
 // for one by its tag, appending one. Stands on the C library alone and keeps no state.
-#include "bytes.h"
+#include "common/bytes.h"
 #include "uti.h"
 
 #include <bit>

@@ -1,6 +1,6 @@
 // utiCodePage.cpp: ISO 8859 text in the terminal's code page. The two tables are made of where they
 // differ from the identity.
-#include "assertions.h"
+#include "Src/assertions.h"
 
 #include <array>
 #include <cstring>

@@ -1,8 +1,8 @@
 // utiCodePageManager.cpp: the code page of a language from the environment, and the font files that
 // belong to it. Stands on the platform's environment and the toolkit's fonts.
-#include "assertions.h"
-#include "platform.h"
-#include "text.h"
+#include "Src/assertions.h"
+#include "Src/platform.h"
+#include "Src/text.h"
 #include "toolkit.h"
 #include "uti.h"
 

@@ -1,11 +1,11 @@
 // utiDialogsControls.cpp: the controls of a dialog description, and the fonts that they name.
 // Stands on the reading loop of utiDialogsParameters.h and the toolkit's fonts.
-#include "assertions.h"
-#include "heap.h"
+#include "Src/assertions.h"
+#include "Src/heap.h"
+#include "Src/utiDialogsParameters.h"
+#include "Src/utiTLVParser.h"
 #include "terminal.h"
 #include "toolkit.h"
-#include "utiDialogsParameters.h"
-#include "utiTLVParser.h"
 
 #include <cstring>
 

@@ -1,11 +1,11 @@
 // utiDialogsEvents.cpp: what happens while a dialog's form runs: breaks, refreshes, keys, the
 // edit's key hook, the list's scroll indicators; and the switches that lock or deactivate dialogs.
 // The toolkit calls in here from the application's own wait.
-#include "utiDialogsEvents.h"
+#include "Src/utiDialogsEvents.h"
 
+#include "Src/utiDialogsForm.h"
 #include "terminal.h"
 #include "toolkit.h"
-#include "utiDialogsForm.h"
 
 #include <algorithm>
 #include <cstring>

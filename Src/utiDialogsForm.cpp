@@ -1,12 +1,12 @@
 // utiDialogsForm.cpp: builds the form of a dialog and its controls from the parameter records.
 // Stands on the widget toolkit.
-#include "utiDialogsForm.h"
+#include "Src/utiDialogsForm.h"
 
-#include "assertions.h"
-#include "heap.h"
+#include "Src/assertions.h"
+#include "Src/heap.h"
+#include "Src/utiDialogsParameters.h"
 #include "terminal.h"
 #include "toolkit.h"
-#include "utiDialogsParameters.h"
 
 #include <algorithm>
 #include <cstring>

@@ -1,10 +1,10 @@
 // utiDialogsImages.cpp: full-screen pictures, the background image, and where a description places
 // the signal indicator. Shares the dialogs' one form.
-#include "assertions.h"
-#include "heap.h"
+#include "Src/assertions.h"
+#include "Src/heap.h"
+#include "Src/utiDialogsForm.h"
 #include "terminal.h"
 #include "toolkit.h"
-#include "utiDialogsForm.h"
 
 #include <utility>
 

@@ -1,11 +1,11 @@
 // utiDialogsModal.cpp: the modal dialogs. One road leads from the request to the result; an entry
 // point adds the steps that are its own. Stands on the form, the events and the toolkit.
-#include "assertions.h"
+#include "Src/assertions.h"
+#include "Src/text.h"
+#include "Src/utiDialogsEvents.h"
+#include "Src/utiDialogsForm.h"
 #include "terminal.h"
-#include "text.h"
 #include "toolkit.h"
-#include "utiDialogsEvents.h"
-#include "utiDialogsForm.h"
 
 #include <algorithm>
 #include <cstring>

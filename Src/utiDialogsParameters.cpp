@@ -1,9 +1,9 @@
 // utiDialogsParameters.cpp: dialog-level values, areas, colours, and the records of nodes that
 // applications parse themselves. Stands on the TLV parser and the tables of utiDialogFormat.h.
-#include "utiDialogsParameters.h"
+#include "Src/utiDialogsParameters.h"
 
-#include "assertions.h"
-#include "utiTLVParser.h"
+#include "Src/assertions.h"
+#include "Src/utiTLVParser.h"
 
 #include <algorithm>
 #include <cstring>

@@ -2,7 +2,7 @@
 // by the tables of utiDialogFormat.h, and the line feeds of dialog texts.
 #pragma once
 
-#include "utiDialogFormat.h"
+#include "Src/utiDialogFormat.h"
 
 namespace uti {
 

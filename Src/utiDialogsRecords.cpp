@@ -1,9 +1,9 @@
 // utiDialogsRecords.cpp: loading a dialog description from the resources into the parameter
 // records.
-#include "assertions.h"
-#include "utiDialogFormat.h"
-#include "utiResource.h"
-#include "utiTLVParser.h"
+#include "Src/assertions.h"
+#include "Src/utiDialogFormat.h"
+#include "Src/utiResource.h"
+#include "Src/utiTLVParser.h"
 
 namespace uti {
 namespace {

@@ -1,8 +1,8 @@
 // utiIni.cpp: INI files in memory: reading one into the cache, its grammar, and writing it back.
 // Stands on the platform's files and letter case.
-#include "utiIni.h"
+#include "Src/utiIni.h"
 
-#include "assertions.h"
+#include "Src/assertions.h"
 #include "terminal.h"
 
 namespace uti {

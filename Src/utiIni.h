@@ -17,7 +17,7 @@
 //   \r\n         the end of the section
 #pragma once
 
-#include "heap.h"
+#include "Src/heap.h"
 #include "uti.h"
 
 #include <algorithm>

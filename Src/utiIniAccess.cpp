@@ -1,7 +1,7 @@
 // utiIniAccess.cpp: the exported operations on INI files: get, set and remove by section and key.
-#include "assertions.h"
+#include "Src/assertions.h"
+#include "Src/utiIni.h"
 #include "terminal.h"
-#include "utiIni.h"
 
 #include <cstdio>
 

@@ -1,7 +1,7 @@
 // utiList.cpp: the doubly linked list of item pointers with one cursor. The operations call one
 // another through the object's own table.
-#include "assertions.h"
-#include "heap.h"
+#include "Src/assertions.h"
+#include "Src/heap.h"
 
 namespace {
 constexpr uti::Assertions asserts{"Src/utiList"};

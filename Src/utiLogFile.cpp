@@ -1,5 +1,5 @@
 // utiLogFile.cpp: appending to a log file, with or without a write buffer.
-#include "utiLogFile.h"
+#include "Src/utiLogFile.h"
 
 namespace uti {
 

@@ -1,11 +1,11 @@
 // utiMonitoring.cpp: the monitoring log: records of events in a file of its own that grows and does
 // not rotate. Its records have the items of a trace record (utiTraceEx.h) with little-endian
 // numbers (utiTraceArguments.h tells the differences). Stands on the platform's files and clock.
-#include "assertions.h"
-#include "heap.h"
-#include "text.h"
-#include "utiLogFile.h"
-#include "utiTraceArguments.h"
+#include "Src/assertions.h"
+#include "Src/heap.h"
+#include "Src/text.h"
+#include "Src/utiLogFile.h"
+#include "Src/utiTraceArguments.h"
 
 #include <algorithm>
 #include <cstdio>

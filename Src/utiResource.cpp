@@ -1,12 +1,12 @@
 // utiResource.cpp: resource files and modules: loading, the current module, languages, closing.
 // Stands on the TLV parser, the List and the platform's files. Strings are utiResourceStrings.cpp.
-#include "utiResource.h"
+#include "Src/utiResource.h"
 
-#include "assertions.h"
-#include "heap.h"
-#include "platform.h"
-#include "text.h"
-#include "utiTLVParser.h"
+#include "Src/assertions.h"
+#include "Src/heap.h"
+#include "Src/platform.h"
+#include "Src/text.h"
+#include "Src/utiTLVParser.h"
 
 #include <cstdio>
 

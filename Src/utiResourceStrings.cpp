@@ -1,10 +1,10 @@
 // utiResourceStrings.cpp: strings by module and id, with their three stores: the transient small
 // slots and large-string List of each module, and the lasting store per language and module.
-#include "assertions.h"
-#include "heap.h"
-#include "platform.h"
-#include "text.h"
-#include "utiResource.h"
+#include "Src/assertions.h"
+#include "Src/heap.h"
+#include "Src/platform.h"
+#include "Src/text.h"
+#include "Src/utiResource.h"
 
 constinit List *ResourceStorageList = nullptr;
 constinit char ResourceEmptyStr[1] = {};

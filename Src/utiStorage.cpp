@@ -7,9 +7,9 @@
 //   12      n     the value as stored (scalars in the machine's byte order)
 //
 // All numbers of the block are little-endian; it has no header, count or terminator.
-#include "assertions.h"
-#include "bytes.h"
-#include "heap.h"
+#include "Src/assertions.h"
+#include "Src/heap.h"
+#include "common/bytes.h"
 #include "terminal.h"
 
 #include <algorithm>

@@ -1,8 +1,8 @@
 // utiTLVParser.cpp: the forward-reading cursor over one tag-length-value stream, in a file or in
 // memory. Stands on the platform's files and little-endian converters; allocates nothing.
-#include "utiTLVParser.h"
+#include "Src/utiTLVParser.h"
 
-#include "assertions.h"
+#include "Src/assertions.h"
 #include "terminal.h"
 
 #include <cstring>

@@ -1,5 +1,5 @@
 // utiTraceArguments.cpp: the items of a log record and the table that holds them.
-#include "utiTraceArguments.h"
+#include "Src/utiTraceArguments.h"
 
 #include <cstdlib>
 

@@ -15,7 +15,7 @@
 //   String, ByteArray    4, the length L of the data, then L bytes
 #pragma once
 
-#include "bytes.h"
+#include "common/bytes.h"
 #include "terminal.h"
 #include "uti.h"
 

@@ -1,11 +1,11 @@
 // utiTraceEx.cpp: the trace log's core: settings, levels, module filter, outputs, rotation and
 // binary records. Stands on the platform's files, serial port, printer, clock and environment.
-#include "utiTraceEx.h"
+#include "Src/utiTraceEx.h"
 
-#include "assertions.h"
-#include "heap.h"
-#include "platform.h"
-#include "text.h"
+#include "Src/assertions.h"
+#include "Src/heap.h"
+#include "Src/platform.h"
+#include "Src/text.h"
 
 #include <cstdio>
 

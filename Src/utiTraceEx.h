@@ -14,8 +14,8 @@
 //   23 + M   ...   the argument items in list order (utiTraceArguments.h)
 #pragma once
 
-#include "utiLogFile.h"
-#include "utiTraceArguments.h"
+#include "Src/utiLogFile.h"
+#include "Src/utiTraceArguments.h"
 
 namespace uti {
 

@@ -1,7 +1,7 @@
 // utiTraceFiles.cpp: the rotating set of trace log files on disk. Stands on the platform's files.
-#include "assertions.h"
-#include "platform.h"
-#include "utiTraceEx.h"
+#include "Src/assertions.h"
+#include "Src/platform.h"
+#include "Src/utiTraceEx.h"
 
 #include <cstdio>
 #include <tuple>

@@ -1,5 +1,5 @@
 // utiTraceRecord.cpp: binary records read back.
-#include "utiTraceRecord.h"
+#include "Src/utiTraceRecord.h"
 
 #include <algorithm>
 

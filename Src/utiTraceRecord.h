@@ -3,7 +3,7 @@
 // Readers of logs stand on it; the library itself only writes them.
 #pragma once
 
-#include "utiTraceArguments.h"
+#include "Src/utiTraceArguments.h"
 
 #include <string_view>
 

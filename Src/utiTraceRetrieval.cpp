@@ -1,7 +1,7 @@
 // utiTraceRetrieval.cpp: hands the files of the open trace log to the application, oldest first.
 // Stands on the log file set and the platform's files.
-#include "text.h"
-#include "utiTraceEx.h"
+#include "Src/text.h"
+#include "Src/utiTraceEx.h"
 
 #include <algorithm>
 #include <cstdio>

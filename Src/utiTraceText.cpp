@@ -1,9 +1,9 @@
 // utiTraceText.cpp: a trace record as a line of text, for files, the serial port and the printer.
 // The wording is a resource string with placeholders {0}, {1}, ...; the assertion's is built in.
-#include "utiTraceText.h"
+#include "Src/utiTraceText.h"
 
-#include "platform.h"
-#include "utiTraceEx.h"
+#include "Src/platform.h"
+#include "Src/utiTraceEx.h"
 
 #include <bit>
 #include <charconv>

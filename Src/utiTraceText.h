@@ -2,7 +2,7 @@
 // itself (utiTraceText.cpp) and readers of binary records. The form is told in docs/formats.md.
 #pragma once
 
-#include "utiTraceArguments.h"
+#include "Src/utiTraceArguments.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // dialog_bench.cpp: loading a dialog description, from the stored string to the filled records,
 // against a loop written for these very bytes. A case is named "what|who|aim"; bench/run makes
 // ratios of them.
-#include "../tests/streams.h"
+#include "tests/streams.h"
 #include "uti.h"
 
 #include <benchmark/benchmark.h>

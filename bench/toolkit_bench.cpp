@@ -1,7 +1,7 @@
 // toolkit_bench.cpp: drawing a form with ten controls, whole and in part, beside what no drawing
 // can do without: copying the pixels of the display and those of the characters on it.
-#include "clock.h"
-#include "display.h"
+#include "host/terminal/clock.h"
+#include "host/toolkit/display.h"
 #include "terminal.h"
 
 #include <benchmark/benchmark.h>

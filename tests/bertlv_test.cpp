@@ -1,5 +1,5 @@
 // BER-TLV objects: reading, searching and appending them, whole, cut and hostile.
-#include "support.h"
+#include "tests/support.h"
 
 using namespace support;
 

@@ -1,5 +1,5 @@
 // The List with its cursor rules, and the Storage with its buckets and its export block.
-#include "support.h"
+#include "tests/support.h"
 
 #include <algorithm>
 

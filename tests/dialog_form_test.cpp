@@ -1,5 +1,5 @@
 // Forms from records: which calls reach the toolkit, in which order and with which values.
-#include "dialog_support.h"
+#include "tests/dialog_support.h"
 
 using namespace support;
 using namespace support::describe;

@@ -1,7 +1,7 @@
 // Modal dialogs on a scripted toolkit and a fake clock: every result, what each entry point does of
 // its own, what is installed and cleared, and what is left after a failure at any point.
-#include "dialog_support.h"
-#include "utiDialogsEvents.h"
+#include "Src/utiDialogsEvents.h"
+#include "tests/dialog_support.h"
 
 using namespace support;
 using namespace support::describe;

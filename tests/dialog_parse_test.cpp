@@ -1,6 +1,6 @@
 // Dialog descriptions into records: which tag fills which field and nothing else, what ends a node,
 // and fonts.
-#include "dialog_support.h"
+#include "tests/dialog_support.h"
 
 #include <sstream>
 

@@ -1,9 +1,9 @@
 // dialog_source_test.cpp: dialogs from a resource source through the compiler into the library's
 // records, and from a resource file back into source; the library's own messages.
-#include "dialog_support.h"
-#include "files.h"
-#include "resource_source.h"
-#include "utiDialogsParameters.h"
+#include "Src/utiDialogsParameters.h"
+#include "tests/dialog_support.h"
+#include "tools/files.h"
+#include "tools/resource_source.h"
 
 #include <sstream>
 

@@ -2,9 +2,9 @@
 // descriptions served from a resource module.
 #pragma once
 
-#include "fakes/toolkit.h"
-#include "support.h"
-#include "utiDialogsForm.h"
+#include "Src/utiDialogsForm.h"
+#include "tests/fakes/toolkit.h"
+#include "tests/support.h"
 
 #include <cstdlib>
 

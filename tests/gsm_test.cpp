@@ -1,5 +1,5 @@
 // Texts of the modem: USSD responses and SMS at every size of the buffer, whole, cut and hostile.
-#include "support.h"
+#include "tests/support.h"
 
 #include <optional>
 

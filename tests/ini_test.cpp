@@ -1,5 +1,5 @@
 // INI files: the grammar as read and as written, every operation's results, and what faults leave.
-#include "support.h"
+#include "tests/support.h"
 
 #include <functional>
 

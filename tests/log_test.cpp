@@ -1,5 +1,5 @@
 // Reading the trace log back, and the monitoring log.
-#include "support.h"
+#include "tests/support.h"
 
 using namespace support;
 using fake::Call;

@@ -1,8 +1,8 @@
 // log_tool_test.cpp: `uti log` on logs that the library writes here, whole and damaged.
-#include "code_page.h"
-#include "log_scanner.h"
-#include "resource_model.h"
-#include "support.h"
+#include "tests/support.h"
+#include "tools/code_page.h"
+#include "tools/log_scanner.h"
+#include "tools/resource_model.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -1,5 +1,5 @@
 // The TLV parser: headers, walking, typed values, sources, and what a failure leaves behind.
-#include "support.h"
+#include "tests/support.h"
 
 using namespace support;
 using fake::Call;

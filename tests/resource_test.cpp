@@ -1,5 +1,5 @@
 // Resource files, modules, languages and strings: what is found, what is kept, what is refused.
-#include "support.h"
+#include "tests/support.h"
 
 #include <random>
 

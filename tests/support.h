@@ -1,8 +1,8 @@
 // support.h: helpers that make a test case three lines.
 #pragma once
 
-#include "fakes/terminal.h"
-#include "streams.h"
+#include "tests/fakes/terminal.h"
+#include "tests/streams.h"
 #include "uti.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // Trace records as lines of text: wording from the resources, every argument type, the printer.
-#include "support.h"
+#include "tests/support.h"
 
 using namespace support;
 using fake::Call;

@@ -1,5 +1,5 @@
 // Code pages and their fonts, text in columns, key codes, pictures.
-#include "dialog_support.h"
+#include "tests/dialog_support.h"
 
 using namespace support;
 using namespace support::describe;

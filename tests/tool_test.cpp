@@ -1,5 +1,5 @@
 // tool_test.cpp: the uti command as a user types it, and its rooms on bytes of every kind.
-#include "resource_source.h"
+#include "tools/resource_source.h"
 
 #include <gtest/gtest.h>
 

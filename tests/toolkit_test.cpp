@@ -1,12 +1,12 @@
 // The desktop stand-in of the widget toolkit: called as the library calls it, answered by key
 // scripts on the virtual clock, and looked at through dumps and pictures. tests/golden/ holds what
 // is expected; with UTI_GOLDEN_UPDATE set it is written anew.
-#include "clock.h"
-#include "codePage.h"
-#include "display.h"
-#include "dump.h"
-#include "recorder.h"
-#include "scriptFace.h"
+#include "host/faces/recorder.h"
+#include "host/faces/script_face.h"
+#include "host/terminal/clock.h"
+#include "host/toolkit/code_page.h"
+#include "host/toolkit/display.h"
+#include "host/toolkit/dump.h"
 #include "terminal.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // The trace log's core through its public header: outputs, levels, filter, rotation, buffer,
 // binary records, and what happens when a call underneath fails.
-#include "support.h"
+#include "tests/support.h"
 
 using namespace support;
 using fake::Call;

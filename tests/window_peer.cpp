@@ -2,7 +2,7 @@
 //   window-peer WINDOW shows PNG [SCALE]   succeeds when the picture is in the window, pixel for
 //   pixel window-peer WINDOW close               asks the window to close, as a window manager does
 // WINDOW is the number of an X window.
-#include "image.h"
+#include "host/toolkit/image.h"
 
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>

@@ -1,7 +1,7 @@
 // code_page.cpp: the table of a code page, asked from iconv(3) byte by byte.
-#include "code_page.h"
+#include "tools/code_page.h"
 
-#include "utf8.h"
+#include "tools/utf8.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -1,7 +1,7 @@
 // compile.cpp: `uti compile`, sources into resource files and the header of their string ids.
-#include "commands.h"
-#include "files.h"
-#include "resource_source.h"
+#include "tools/commands.h"
+#include "tools/files.h"
+#include "tools/resource_source.h"
 
 #include <algorithm>
 #include <iostream>

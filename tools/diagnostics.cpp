@@ -1,7 +1,7 @@
 // diagnostics.cpp: findings collected, sorted and printed.
-#include "diagnostics.h"
+#include "tools/diagnostics.h"
 
-#include "utf8.h"
+#include "tools/utf8.h"
 
 #include <algorithm>
 #include <cstdio>

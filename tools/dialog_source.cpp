@@ -1,9 +1,9 @@
 // dialog_source.cpp: dialogs read from a resource source. The keys of a node become its children in
 // their order; behind them stand those of its style, then the defaults.
-#include "dialog_source.h"
+#include "tools/dialog_source.h"
 
-#include "source_text.h"
-#include "utf8.h"
+#include "tools/source_text.h"
+#include "tools/utf8.h"
 
 #include <algorithm>
 

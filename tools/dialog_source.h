@@ -2,10 +2,10 @@
 // dialog descriptions and written from them. Stands on the TOML reader and the values of dialogs.
 #pragma once
 
-#include "code_page.h"
-#include "dialog_values.h"
-#include "resource_model.h"
-#include "toml_reader.h"
+#include "tools/code_page.h"
+#include "tools/dialog_values.h"
+#include "tools/resource_model.h"
+#include "tools/toml_reader.h"
 
 #include <array>
 #include <map>

@@ -1,10 +1,10 @@
 // dialog_source_writer.cpp: dialog descriptions as source. A node is told key by key, in its order;
 // what no key can tell stands in hex where it was. Descriptions that differ from language to
 // language in values alone become one dialog, others one each.
-#include "dialog_source.h"
+#include "tools/dialog_source.h"
 
-#include "resource_source.h"
-#include "source_text.h"
+#include "tools/resource_source.h"
+#include "tools/source_text.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // dialog_values.cpp: names, defaults and bytes of the values of dialog descriptions.
-#include "dialog_values.h"
+#include "tools/dialog_values.h"
 
-#include "bytes.h"
+#include "common/bytes.h"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 // leave out, and their bytes. Stands on the tables of the format (Src/utiDialogFormat.h).
 #pragma once
 
-#include "utiDialogFormat.h"
+#include "Src/utiDialogFormat.h"
 
 #include <optional>
 #include <string>

@@ -1,7 +1,7 @@
 // dump.cpp: `uti dump`, a resource file back into source.
-#include "commands.h"
-#include "files.h"
-#include "resource_source.h"
+#include "tools/commands.h"
+#include "tools/files.h"
+#include "tools/resource_source.h"
 
 #include <algorithm>
 #include <functional>

@@ -1,5 +1,5 @@
 // files.cpp: whole files; a new content is written beside the old one and takes its place.
-#include "files.h"
+#include "tools/files.h"
 
 #include <fstream>
 #include <iostream>

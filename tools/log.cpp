@@ -1,12 +1,12 @@
 // log.cpp: `uti log`, the reader of binary logs.
-#include "commands.h"
-#include "log_files.h"
-#include "log_filter.h"
-#include "log_output.h"
-#include "log_scanner.h"
-#include "log_wording.h"
-#include "resource_model.h"
-#include "utf8.h"
+#include "tools/commands.h"
+#include "tools/log_files.h"
+#include "tools/log_filter.h"
+#include "tools/log_output.h"
+#include "tools/log_scanner.h"
+#include "tools/log_wording.h"
+#include "tools/resource_model.h"
+#include "tools/utf8.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,7 +1,7 @@
 // log_files.cpp: log files on disk.
-#include "log_files.h"
+#include "tools/log_files.h"
 
-#include "log_scanner.h"
+#include "tools/log_scanner.h"
 
 #include <algorithm>
 #include <charconv>

@@ -2,7 +2,7 @@
 // and followed over a rotation. Stands on POSIX files.
 #pragma once
 
-#include "utiTraceRecord.h"
+#include "Src/utiTraceRecord.h"
 
 #include <filesystem>
 #include <map>

@@ -1,5 +1,5 @@
 // log_filter.cpp: moments read and compared, records chosen.
-#include "log_filter.h"
+#include "tools/log_filter.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,7 +1,7 @@
 // log_output.cpp: the forms in which log records come out.
-#include "log_output.h"
+#include "tools/log_output.h"
 
-#include "log_filter.h"
+#include "tools/log_filter.h"
 
 #include <bit>
 #include <cctype>

@@ -1,8 +1,8 @@
 // log_output.h: log records on standard output: as lines, as JSON, or counted.
 #pragma once
 
-#include "log_text.h"
-#include "utiTraceRecord.h"
+#include "Src/utiTraceRecord.h"
+#include "tools/log_text.h"
 
 #include <memory>
 #include <string>

@@ -1,5 +1,5 @@
 // log_scanner.cpp: records and damage, in the order of the log.
-#include "log_scanner.h"
+#include "tools/log_scanner.h"
 
 namespace uti::tool {
 

@@ -3,7 +3,7 @@
 // library's record reader.
 #pragma once
 
-#include "utiTraceRecord.h"
+#include "Src/utiTraceRecord.h"
 
 #include <vector>
 

@@ -1,9 +1,9 @@
 // log_text.cpp: messages and their spelling.
-#include "log_text.h"
+#include "tools/log_text.h"
 
-#include "utf8.h"
-#include "utiTraceRecord.h"
-#include "utiTraceText.h"
+#include "Src/utiTraceRecord.h"
+#include "Src/utiTraceText.h"
+#include "tools/utf8.h"
 
 #include <algorithm>
 #include <cstdio>

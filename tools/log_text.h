@@ -2,8 +2,8 @@
 // modules' code page, and spelled out in UTF-8. Stands on the library's text form of a record.
 #pragma once
 
-#include "code_page.h"
-#include "utiTraceArguments.h"
+#include "Src/utiTraceArguments.h"
+#include "tools/code_page.h"
 
 #include <functional>
 #include <string>

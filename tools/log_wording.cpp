@@ -1,10 +1,10 @@
 // log_wording.cpp: strings of resource files by message id.
-#include "log_wording.h"
+#include "tools/log_wording.h"
 
-#include "files.h"
-#include "resource_model.h"
-#include "utiResource.h"
-#include "utiTraceText.h"
+#include "Src/utiResource.h"
+#include "Src/utiTraceText.h"
+#include "tools/files.h"
+#include "tools/resource_model.h"
 
 #include <algorithm>
 #include <iostream>

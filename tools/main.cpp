@@ -1,6 +1,6 @@
 // main.cpp: the uti command, which makes and reads the files of the library. The subcommands are
 // rooms of their own (commands.h).
-#include "commands.h"
+#include "tools/commands.h"
 
 #include <exception>
 #include <iostream>

@@ -1,8 +1,8 @@
 // resource_model.cpp: resource files to bytes and back.
-#include "resource_model.h"
+#include "tools/resource_model.h"
 
-#include "bytes.h"
-#include "utiResource.h"
+#include "Src/utiResource.h"
+#include "common/bytes.h"
 
 #include <algorithm>
 #include <set>

@@ -2,7 +2,7 @@
 // is drawn in Src/utiResource.h. Reading stands on the library's own TLV parser.
 #pragma once
 
-#include "diagnostics.h"
+#include "tools/diagnostics.h"
 
 #include <cstdint>
 #include <map>

@@ -1,9 +1,9 @@
 // resource_source.cpp: the source language read: tables to the file they stand for, every mistake
 // reported at its place.
-#include "resource_source.h"
+#include "tools/resource_source.h"
 
-#include "dialog_source.h"
-#include "source_text.h"
+#include "tools/dialog_source.h"
+#include "tools/source_text.h"
 
 #include <algorithm>
 #include <set>

@@ -2,9 +2,9 @@
 // file it stands for and written from one. Stands on the TOML reader, the code page and the model.
 #pragma once
 
-#include "code_page.h"
-#include "diagnostics.h"
-#include "resource_model.h"
+#include "tools/code_page.h"
+#include "tools/diagnostics.h"
+#include "tools/resource_model.h"
 
 #include <optional>
 #include <string>

@@ -1,10 +1,10 @@
 // resource_source_writer.cpp: a resource file as source. Short strings stand one a line under
 // [strings], the others as tables of their own behind them, as TOML has it; dialogs come last.
-#include "resource_source.h"
+#include "tools/resource_source.h"
 
-#include "dialog_source.h"
-#include "source_text.h"
-#include "utf8.h"
+#include "tools/dialog_source.h"
+#include "tools/source_text.h"
+#include "tools/utf8.h"
 
 #include <algorithm>
 #include <set>

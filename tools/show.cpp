@@ -1,15 +1,15 @@
 // show.cpp: `uti show`, the dialogs of a resource file as they look on the terminal. The library
 // itself loads and builds them, on the toolkit of the desktop.
-#include "clock.h"
-#include "commands.h"
-#include "dialog_values.h"
-#include "display.h"
-#include "dump.h"
-#include "files.h"
-#include "image.h"
-#include "resource_source.h"
-#include "utiDialogsForm.h"
-#include "windowFace.h"
+#include "Src/utiDialogsForm.h"
+#include "host/faces/window_face.h"
+#include "host/terminal/clock.h"
+#include "host/toolkit/display.h"
+#include "host/toolkit/dump.h"
+#include "host/toolkit/image.h"
+#include "tools/commands.h"
+#include "tools/dialog_values.h"
+#include "tools/files.h"
+#include "tools/resource_source.h"
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 // source_text.cpp: texts and hex read from sources and written to them.
-#include "source_text.h"
+#include "tools/source_text.h"
 
-#include "utf8.h"
+#include "tools/utf8.h"
 
 #include <algorithm>
 #include <set>

@@ -2,8 +2,8 @@
 // the TOML reader and the code page.
 #pragma once
 
-#include "code_page.h"
-#include "toml_reader.h"
+#include "tools/code_page.h"
+#include "tools/toml_reader.h"
 
 #include <optional>
 #include <string>

@@ -1,7 +1,7 @@
 // toml_reader.cpp: the typed walk over TOML tables.
-#include "toml_reader.h"
+#include "tools/toml_reader.h"
 
-#include "utf8.h"
+#include "tools/utf8.h"
 
 #include <algorithm>
 #include <numeric>

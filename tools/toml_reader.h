@@ -2,7 +2,7 @@
 // at its place and no key goes unnoticed. Stands on toml++ and the diagnostics.
 #pragma once
 
-#include "diagnostics.h"
+#include "tools/diagnostics.h"
 
 // toml++ asserts, and in a release build assumes, what it then checks once more and reports: a key
 // that begins with a wrong character. The assertion must neither stop the program nor be believed.

@@ -1,5 +1,5 @@
 // utf8.cpp: UTF-8 decoded, encoded and described.
-#include "utf8.h"
+#include "tools/utf8.h"
 
 #include <cstdio>
 

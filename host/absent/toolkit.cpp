@@ -2,7 +2,7 @@
 // 32-bit builds, programs link all the same, and whatever they ask of the display is refused: they
 // run as on a terminal whose display is broken.
 #include "toolkit.h"
-#include "copyText.h"
+#include "host/terminal/copy_text.h"
 #include "terminal.h"
 
 // Every handle is unknown. The compiler holds the rows against the header.

@@ -1,5 +1,5 @@
 // window.cpp: the window of a build without one.
-#include "windowFace.h"
+#include "host/faces/window_face.h"
 
 #include <cstdio>
 

@@ -1,10 +1,10 @@
 // choose.cpp: which face the environment asks for: a key script, a window or none. A key script is
 // read when the library is loaded, so that its clock and its peripherals hold from the
 // application's first call on.
-#include "clock.h"
-#include "display.h"
-#include "scriptFace.h"
-#include "windowFace.h"
+#include "host/faces/script_face.h"
+#include "host/faces/window_face.h"
+#include "host/terminal/clock.h"
+#include "host/toolkit/display.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -2,7 +2,7 @@
 // changed on the display and is asked for events; it does nothing on its own.
 #pragma once
 
-#include "surface.h"
+#include "host/toolkit/surface.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,8 +1,8 @@
 // keypad.cpp: the table of keys, and drawing them with the toolkit's own painter and fonts.
-#include "keypad.h"
+#include "host/faces/keypad.h"
 
-#include "keySchemes.h"
-#include "textLayout.h"
+#include "host/toolkit/key_schemes.h"
+#include "host/toolkit/text_layout.h"
 #include "toolkit.h"
 
 #include <SDL_keycode.h>

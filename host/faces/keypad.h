@@ -2,7 +2,7 @@
 // look, and which key of a PC presses each of them.
 #pragma once
 
-#include "painter.h"
+#include "host/toolkit/painter.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,8 +1,8 @@
 // recorder.cpp: events as lines of a key script.
-#include "recorder.h"
+#include "host/faces/recorder.h"
 
-#include "codePage.h"
-#include "script.h"
+#include "host/faces/script.h"
+#include "host/toolkit/code_page.h"
 
 #include <algorithm>
 #include <utility>

@@ -2,7 +2,7 @@
 // again.
 #pragma once
 
-#include "face.h"
+#include "host/faces/face.h"
 
 #include <fstream>
 #include <string>

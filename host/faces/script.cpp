@@ -1,7 +1,7 @@
 // script.cpp: reading key scripts, line by line, word by word.
-#include "script.h"
+#include "host/faces/script.h"
 
-#include "codePage.h"
+#include "host/toolkit/code_page.h"
 #include "toolkit.h"
 
 #include <algorithm>

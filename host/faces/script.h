@@ -2,7 +2,7 @@
 // language is told in docs/script.md.
 #pragma once
 
-#include "face.h"
+#include "host/faces/face.h"
 
 #include <string>
 #include <string_view>

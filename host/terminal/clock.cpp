@@ -1,6 +1,6 @@
 // clock.cpp: date, time, ticks and waiting. Stands on the clocks and the time zone of the C
 // library, or on nothing but its own count when the clock is virtual.
-#include "clock.h"
+#include "host/terminal/clock.h"
 
 #include <algorithm>
 #include <chrono>

@@ -1,6 +1,6 @@
 // converters.cpp: letter case in the terminal's code page Windows-1251, numbers as texts, and
 // numbers as bytes in either order. Stands on the C++ standard library's headers.
-#include "copyText.h"
+#include "host/terminal/copy_text.h"
 #include "terminal.h"
 
 #include <array>

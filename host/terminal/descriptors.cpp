@@ -1,5 +1,5 @@
 // descriptors.cpp: opening and writing what files, serial ports and the printer have in common.
-#include "descriptors.h"
+#include "host/terminal/descriptors.h"
 
 #include <chrono>
 #include <fcntl.h>

@@ -1,5 +1,5 @@
 // environment.cpp: the process environment and the name of the program. Stands on the C library.
-#include "copyText.h"
+#include "host/terminal/copy_text.h"
 #include "terminal.h"
 
 #include <cstdint>

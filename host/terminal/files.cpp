@@ -1,7 +1,7 @@
 // files.cpp: the terminal's files are regular POSIX files, their paths taken as given; a directory,
 // device or FIFO is no file. Failures are negative errno values.
-#include "clock.h"
-#include "descriptors.h"
+#include "host/terminal/clock.h"
+#include "host/terminal/descriptors.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

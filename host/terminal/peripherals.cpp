@@ -1,7 +1,7 @@
 // peripherals.cpp: the scripted modem, one end of a socket pair.
-#include "peripherals.h"
+#include "host/terminal/peripherals.h"
 
-#include "descriptors.h"
+#include "host/terminal/descriptors.h"
 
 #include <sys/socket.h>
 

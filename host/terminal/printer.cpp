@@ -1,8 +1,8 @@
 // printer.cpp: the printer is the text file that the environment variable UTI_PRINTER names; what
 // is printed is appended to it at once. Its paper has as many columns as UTI_PRINTER_COLUMNS says,
 // 32 or 48; without it 32. Failures are negative errno values.
-#include "descriptors.h"
-#include "peripherals.h"
+#include "host/terminal/descriptors.h"
+#include "host/terminal/peripherals.h"
 #include "terminal.h"
 
 #include <cstdio>

@@ -1,5 +1,5 @@
 // button.cpp: buttons with a text, an image or both.
-#include "doors.h"
+#include "host/toolkit/doors.h"
 
 namespace uti::host {
 

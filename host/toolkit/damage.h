@@ -1,7 +1,7 @@
 // damage.h: the parts of the display that have to be drawn again.
 #pragma once
 
-#include "geometry.h"
+#include "host/toolkit/geometry.h"
 
 #include <utility>
 #include <vector>

@@ -1,7 +1,7 @@
 // display.cpp: the modal run and the drawing of the whole display.
-#include "display.h"
+#include "host/toolkit/display.h"
 
-#include "clock.h"
+#include "host/terminal/clock.h"
 #include "terminal.h"
 
 #include <cstdio>

@@ -2,15 +2,15 @@
 // It has no thread; everything happens while the application shows something or waits.
 #pragma once
 
-#include "damage.h"
-#include "face.h"
-#include "fonts.h"
-#include "form.h"
-#include "handles.h"
-#include "images.h"
-#include "keySchemes.h"
-#include "statusLine.h"
-#include "widget.h"
+#include "host/faces/face.h"
+#include "host/toolkit/damage.h"
+#include "host/toolkit/fonts.h"
+#include "host/toolkit/form.h"
+#include "host/toolkit/handles.h"
+#include "host/toolkit/images.h"
+#include "host/toolkit/key_schemes.h"
+#include "host/toolkit/status_line.h"
+#include "host/toolkit/widget.h"
 
 #include <cstdint>
 #include <memory>

@@ -1,7 +1,7 @@
 // doors.h: how the functions of toolkit.h come from a handle to the thing behind it.
 #pragma once
 
-#include "display.h"
+#include "host/toolkit/display.h"
 
 namespace uti::host {
 

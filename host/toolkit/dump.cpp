@@ -1,8 +1,8 @@
 // dump.cpp: going through what can be seen.
-#include "dump.h"
+#include "host/toolkit/dump.h"
 
-#include "codePage.h"
-#include "display.h"
+#include "host/toolkit/code_page.h"
+#include "host/toolkit/display.h"
 
 #include <fstream>
 #include <sstream>

@@ -1,8 +1,8 @@
 // fonts.cpp: finding the font files, fitting their characters into cells, and keeping what was
 // rendered.
-#include "fonts.h"
+#include "host/toolkit/fonts.h"
 
-#include "codePage.h"
+#include "host/toolkit/code_page.h"
 
 #include <ft2build.h>
 #include FT_FREETYPE_H

@@ -3,7 +3,7 @@
 // FreeType.
 #pragma once
 
-#include "surface.h"
+#include "host/toolkit/surface.h"
 
 #include <array>
 #include <deque>

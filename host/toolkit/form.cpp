@@ -1,10 +1,10 @@
 // form.cpp: laying out, drawing and working a form, and its functions of toolkit.h.
-#include "form.h"
+#include "host/toolkit/form.h"
 
-#include "display.h"
-#include "doors.h"
+#include "host/toolkit/display.h"
+#include "host/toolkit/doors.h"
+#include "host/toolkit/text_layout.h"
 #include "terminal.h"
-#include "textLayout.h"
 
 namespace uti::host {
 

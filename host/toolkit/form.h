@@ -2,7 +2,7 @@
 // time-out.
 #pragma once
 
-#include "widget.h"
+#include "host/toolkit/widget.h"
 
 #include <cstdint>
 #include <string>

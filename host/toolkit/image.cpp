@@ -1,6 +1,6 @@
 // image.cpp: PNG files through cairo. Cairo's pixels are native words of 0xAARRGGBB, the colours
 // already weighed by their coverage.
-#include "image.h"
+#include "host/toolkit/image.h"
 
 #include <cairo.h>
 

@@ -2,7 +2,7 @@
 // and saving what the display shows. Stands on cairo.
 #pragma once
 
-#include "surface.h"
+#include "host/toolkit/surface.h"
 
 #include <optional>
 #include <string>

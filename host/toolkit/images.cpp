@@ -1,5 +1,5 @@
 // images.cpp: the table of loaded image files. Stands on the file system.
-#include "images.h"
+#include "host/toolkit/images.h"
 
 #include "toolkit.h"
 

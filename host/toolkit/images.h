@@ -2,7 +2,7 @@
 // when it has changed.
 #pragma once
 
-#include "image.h"
+#include "host/toolkit/image.h"
 
 #include <filesystem>
 #include <map>

@@ -1,9 +1,9 @@
 // input.cpp: single-line inputs: texts, digits, amounts with a decimal point that is typed or
 // fixed.
-#include "input.h"
+#include "host/toolkit/input.h"
 
-#include "doors.h"
-#include "textLayout.h"
+#include "host/toolkit/doors.h"
+#include "host/toolkit/text_layout.h"
 
 namespace uti::host {
 

@@ -2,7 +2,7 @@
 // `IgInputStyle`: single-line, pattern and IP inputs.
 #pragma once
 
-#include "textField.h"
+#include "host/toolkit/text_field.h"
 
 namespace uti::host {
 

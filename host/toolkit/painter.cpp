@@ -1,6 +1,6 @@
 // painter.cpp: filling, mixing and copying rows of pixels. Round corners come from cairo, once for
 // each radius.
-#include "painter.h"
+#include "host/toolkit/painter.h"
 
 #include <cairo.h>
 

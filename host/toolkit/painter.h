@@ -3,9 +3,9 @@
 // are kept as coverages once made, so that drawing again is copying.
 #pragma once
 
-#include "fonts.h"
-#include "image.h"
-#include "surface.h"
+#include "host/toolkit/fonts.h"
+#include "host/toolkit/image.h"
+#include "host/toolkit/surface.h"
 
 #include <optional>
 #include <string_view>

@@ -1,6 +1,6 @@
 // progress.cpp: bars that show how far something has come.
-#include "doors.h"
-#include "textLayout.h"
+#include "host/toolkit/doors.h"
+#include "host/toolkit/text_layout.h"
 
 namespace uti::host {
 

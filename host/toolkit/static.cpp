@@ -1,5 +1,5 @@
 // static.cpp: texts and images that only show.
-#include "doors.h"
+#include "host/toolkit/doors.h"
 
 namespace uti::host {
 

@@ -1,7 +1,7 @@
 // surface.h: colours and the pixels of the display, 16 bits each: 5 of red, 6 of green, 5 of blue.
 #pragma once
 
-#include "geometry.h"
+#include "host/toolkit/geometry.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,7 +1,7 @@
 // ui.cpp: the functions of toolkit.h and terminal.h for the display as a whole and for its
 // keyboard.
-#include "copyText.h"
-#include "doors.h"
+#include "host/terminal/copy_text.h"
+#include "host/toolkit/doors.h"
 #include "terminal.h"
 
 #include <utility>

@@ -1,9 +1,9 @@
 // widget.cpp: what all widgets have in common, and the functions of toolkit.h for all of them.
-#include "widget.h"
+#include "host/toolkit/widget.h"
 
-#include "display.h"
-#include "doors.h"
-#include "textLayout.h"
+#include "host/toolkit/display.h"
+#include "host/toolkit/doors.h"
+#include "host/toolkit/text_layout.h"
 
 namespace uti::host {
 

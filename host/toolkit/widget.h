@@ -2,7 +2,7 @@
 // keys and pen. Each kind stands in a file of its own, together with its functions of toolkit.h.
 #pragma once
 
-#include "painter.h"
+#include "host/toolkit/painter.h"
 #include "toolkit.h"
 
 #include <cstdint>

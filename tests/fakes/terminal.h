@@ -4,7 +4,7 @@
 // and fakes/toolkit.cpp for the widget toolkit.
 #pragma once
 
-#include "../../platform/terminal.h"
+#include "platform/terminal.h"
 
 #include <functional>
 #include <initializer_list>

@@ -4,7 +4,7 @@
 // to fail (Call::toolkit) or be given its answer.
 #pragma once
 
-#include "../../platform/toolkit.h"
+#include "platform/toolkit.h"
 #include "terminal.h"
 
 #include <deque>

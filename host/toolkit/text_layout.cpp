@@ -1,5 +1,5 @@
-// textLayout.cpp: measuring texts by the cells of their fonts.
-#include "textLayout.h"
+// text_layout.cpp: measuring texts by the cells of their fonts.
+#include "host/toolkit/text_layout.h"
 
 #include "toolkit.h"
 

@@ -1,5 +1,5 @@
-// codePage.cpp: the upper half of Windows-1251 as a table; the lower half is ASCII.
-#include "codePage.h"
+// code_page.cpp: the upper half of Windows-1251 as a table; the lower half is ASCII.
+#include "host/toolkit/code_page.h"
 
 #include <array>
 

@@ -1,9 +1,9 @@
-// scriptFace.cpp: performing the commands of a key script, on the platform's clock.
-#include "scriptFace.h"
+// script_face.cpp: performing the commands of a key script, on the platform's clock.
+#include "host/faces/script_face.h"
 
-#include "clock.h"
-#include "dump.h"
-#include "peripherals.h"
+#include "host/terminal/clock.h"
+#include "host/terminal/peripherals.h"
+#include "host/toolkit/dump.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,4 +1,4 @@
-// codePage.h: Windows-1251, the terminal's code page, and UTF-8, in which scripts and dumps are
+// code_page.h: Windows-1251, the terminal's code page, and UTF-8, in which scripts and dumps are
 // written.
 #pragma once
 

@@ -1,7 +1,7 @@
-// multiLine.cpp: inputs of several lines, and texts that scroll.
-#include "doors.h"
-#include "textField.h"
-#include "textLayout.h"
+// multi_line.cpp: inputs of several lines, and texts that scroll.
+#include "host/toolkit/doors.h"
+#include "host/toolkit/text_field.h"
+#include "host/toolkit/text_layout.h"
 
 namespace uti::host {
 

@@ -1,8 +1,8 @@
-// ipInput.cpp: inputs for an IPv4 address, four fields of up to three digits.
-#include "copyText.h"
-#include "doors.h"
-#include "input.h"
-#include "textLayout.h"
+// ip_input.cpp: inputs for an IPv4 address, four fields of up to three digits.
+#include "host/terminal/copy_text.h"
+#include "host/toolkit/doors.h"
+#include "host/toolkit/input.h"
+#include "host/toolkit/text_layout.h"
 
 #include <array>
 #include <utility>

@@ -1,5 +1,5 @@
-// keySchemes.h: which characters the twelve keys of the keypad give when they are pressed again and
-// again.
+// key_schemes.h: which characters the twelve keys of the keypad give when they are pressed again
+// and again.
 #pragma once
 
 #include <array>

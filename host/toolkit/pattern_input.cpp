@@ -1,8 +1,8 @@
-// patternInput.cpp: inputs that fill the places of a pattern, such as a date's.
-#include "input.h"
+// pattern_input.cpp: inputs that fill the places of a pattern, such as a date's.
+#include "host/toolkit/input.h"
 
-#include "doors.h"
-#include "textLayout.h"
+#include "host/toolkit/doors.h"
+#include "host/toolkit/text_layout.h"
 
 namespace uti::host {
 

@@ -1,9 +1,9 @@
-// scriptFace.h: the person of a key script at the display. Commands are performed in order, each as
-// soon as it can be; what cannot be performed at all fails the run.
+// script_face.h: the person of a key script at the display. Commands are performed in order, each
+// as soon as it can be; what cannot be performed at all fails the run.
 #pragma once
 
-#include "display.h"
-#include "script.h"
+#include "host/faces/script.h"
+#include "host/toolkit/display.h"
 
 #include <filesystem>
 #include <optional>

@@ -1,7 +1,7 @@
-// windowFace.h: the display in a window of the desktop, with a keypad below it.
+// window_face.h: the display in a window of the desktop, with a keypad below it.
 #pragma once
 
-#include "face.h"
+#include "host/faces/face.h"
 
 #include <filesystem>
 #include <memory>

@@ -1,7 +1,7 @@
-// textLayout.h: where texts stand in their areas: justification, lines, words.
+// text_layout.h: where texts stand in their areas: justification, lines, words.
 #pragma once
 
-#include "painter.h"
+#include "host/toolkit/painter.h"
 
 #include <string>
 #include <string_view>

@@ -1,8 +1,8 @@
-// textField.cpp: typing, and the functions of toolkit.h that all inputs have.
-#include "textField.h"
+// text_field.cpp: typing, and the functions of toolkit.h that all inputs have.
+#include "host/toolkit/text_field.h"
 
-#include "clock.h"
-#include "doors.h"
+#include "host/terminal/clock.h"
+#include "host/toolkit/doors.h"
 #include "terminal.h"
 
 namespace uti::host {

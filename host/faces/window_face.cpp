@@ -1,14 +1,14 @@
-// windowFace.cpp: the window. Stands on SDL for events and for bringing pixels to the screen; the
+// window_face.cpp: the window. Stands on SDL for events and for bringing pixels to the screen; the
 // pixels themselves are computed here, so that they are the same on every machine.
-#include "windowFace.h"
+#include "host/faces/window_face.h"
 
-#include "clock.h"
-#include "codePage.h"
-#include "display.h"
-#include "dump.h"
-#include "image.h"
-#include "keypad.h"
-#include "recorder.h"
+#include "host/faces/keypad.h"
+#include "host/faces/recorder.h"
+#include "host/terminal/clock.h"
+#include "host/toolkit/code_page.h"
+#include "host/toolkit/display.h"
+#include "host/toolkit/dump.h"
+#include "host/toolkit/image.h"
 #include "terminal.h"
 #include "toolkit.h"
 

@@ -1,6 +1,6 @@
-// menuBox.cpp: lists and tiles to choose from.
-#include "doors.h"
-#include "textLayout.h"
+// menu_box.cpp: lists and tiles to choose from.
+#include "host/toolkit/doors.h"
+#include "host/toolkit/text_layout.h"
 
 #include <optional>
 

@@ -1,4 +1,4 @@
-// copyText.h: the one way in which the platform cuts a text to a caller's buffer.
+// copy_text.h: the one way in which the platform cuts a text to a caller's buffer.
 #pragma once
 
 #include <algorithm>

@@ -1,8 +1,8 @@
-// statusLine.h: the line at the top of the display: signal, letters of the input at work, battery,
+// status_line.h: the line at the top of the display: signal, letters of the input at work, battery,
 // clock.
 #pragma once
 
-#include "painter.h"
+#include "host/toolkit/painter.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
-// signBox.cpp: boxes to sign in with the pen. The strokes are drawn by cairo into coverages as they
-// come, so that showing them is only mixing.
-#include "doors.h"
-#include "textLayout.h"
+// sign_box.cpp: boxes to sign in with the pen. The strokes are drawn by cairo into coverages as
+// they come, so that showing them is only mixing.
+#include "host/toolkit/doors.h"
+#include "host/toolkit/text_layout.h"
 
 #include <cairo.h>
 

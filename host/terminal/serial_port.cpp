@@ -1,10 +1,10 @@
-// serialPort.cpp: serial port n is the device, pseudo-terminal, FIFO or regular file that the
+// serial_port.cpp: serial port n is the device, pseudo-terminal, FIFO or regular file that the
 // environment variable UTI_COM<n> names, such as UTI_COM1=/dev/ttyUSB0. Several ports may be open
 // at once. A port without a variable is the modem of the key script, when that has one. Failures
 // are negative errno values.
-#include "clock.h"
-#include "descriptors.h"
-#include "peripherals.h"
+#include "host/terminal/clock.h"
+#include "host/terminal/descriptors.h"
+#include "host/terminal/peripherals.h"
 #include "terminal.h"
 
 #include <poll.h>

@@ -1,9 +1,9 @@
-// textField.h: what all inputs share: control codes, characters from the keypad and from a full
+// text_field.h: what all inputs share: control codes, characters from the keypad and from a full
 // keyboard, the application's function, and which characters a style takes.
 #pragma once
 
-#include "keySchemes.h"
-#include "widget.h"
+#include "host/toolkit/key_schemes.h"
+#include "host/toolkit/widget.h"
 
 #include <optional>
 #include <span>

@@ -1,7 +1,7 @@
-// statusLine.cpp: drawing the status line. A PC has no modem and no battery, so both are full.
-#include "statusLine.h"
+// status_line.cpp: drawing the status line. A PC has no modem and no battery, so both are full.
+#include "host/toolkit/status_line.h"
 
-#include "textLayout.h"
+#include "host/toolkit/text_layout.h"
 #include "toolkit.h"
 
 namespace uti::host {

@@ -1,5 +1,5 @@
-// keySchemes.cpp: the sets of letters that a keypad has printed on it, in Windows-1251.
-#include "keySchemes.h"
+// key_schemes.cpp: the sets of letters that a keypad has printed on it, in Windows-1251.
+#include "host/toolkit/key_schemes.h"
 
 namespace uti::host {
 
