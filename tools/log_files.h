@@ -2,7 +2,7 @@
 // and followed over a rotation. Stands on POSIX files.
 #pragma once
 
-#include "Src/utiTraceRecord.h"
+#include "tools/log_record.h"
 
 #include <filesystem>
 #include <map>

@@ -1,7 +1,7 @@
 // log_filter.h: which records of a log are asked for: by level, module and time.
 #pragma once
 
-#include "Src/utiTraceRecord.h"
+#include "tools/log_record.h"
 
 #include <optional>
 #include <string>

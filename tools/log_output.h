@@ -1,7 +1,7 @@
 // log_output.h: log records on standard output: as lines, as JSON, or counted.
 #pragma once
 
-#include "Src/utiTraceRecord.h"
+#include "tools/log_record.h"
 #include "tools/log_text.h"
 
 #include <memory>

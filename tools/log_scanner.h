@@ -3,7 +3,7 @@
 // library's record reader.
 #pragma once
 
-#include "Src/utiTraceRecord.h"
+#include "tools/log_record.h"
 
 #include <vector>
 

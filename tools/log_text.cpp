@@ -1,8 +1,8 @@
 // log_text.cpp: messages and their spelling.
 #include "tools/log_text.h"
 
-#include "Src/utiTraceRecord.h"
 #include "Src/utiTraceText.h"
+#include "tools/log_record.h"
 #include "tools/utf8.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
-// utiTraceRecord.h: a binary record of the trace log or the monitoring log read back, from bytes
-// that may hold anything. The record is drawn in utiTraceEx.h, its items in utiTraceArguments.h.
-// Readers of logs stand on it; the library itself only writes them.
+// log_record.h: a binary record of the trace log or the monitoring log read back, from bytes
+// that may hold anything. The record is drawn in docs/formats.md; its items are described by
+// utiTraceArguments.h, which the library writes them with.
 #pragma once
 
 #include "Src/utiTraceArguments.h"

@@ -1,5 +1,5 @@
-// utiTraceRecord.cpp: binary records read back.
-#include "Src/utiTraceRecord.h"
+// log_record.cpp: binary records read back.
+#include "tools/log_record.h"
 
 #include <algorithm>
 
