@@ -1,5 +1,6 @@
-// utiResource.cpp: resource files and modules: loading, the current module, languages, closing.
-// Stands on the TLV parser, the List and the platform's files. Strings are utiResourceStrings.cpp.
+// utiResource.cpp: resource files and modules: loading, the current module, languages. Stands on
+// the TLV parser, the List and the platform's files. Strings, and closing a module with its
+// strings, are utiResourceStrings.cpp above it.
 #include "Src/utiResource.h"
 
 #include "Src/assertions.h"
@@ -30,43 +31,10 @@ constexpr bool fallsBack(int32_t section) {
     return section >= 3 && section <= 5;
 }
 
-bool isNameAccepted(const char *module) {
-    return module && strnlen(module, RESOURCE_NAME_LENGTH + 1) <= RESOURCE_NAME_LENGTH;
-}
-
-ResourceModule *findModule(std::string_view name) {
-    List *modules = ModuleList;
-    for (void *item = modules->First(modules); item; item = modules->Next(modules)) {
-        auto *module = static_cast<ResourceModule *>(item);
-        if (fieldText(module->name) == name)
-            return module;
-    }
-    return nullptr;
-}
-
 void freeLanguages(ResourceModule &module) {
-    for (List *&languages : module.languages) {
-        if (!languages)
-            continue;
-        for (void *item = languages->First(languages); item; item = languages->Next(languages))
-            std::free(item);
-        List_Destroy(languages);
-        languages = nullptr;
-    }
-}
-
-// Takes the module out of the list and frees it with its file and languages.
-void unloadModule(ResourceModule *module) {
-    File_Close(module->handle);
-    freeLanguages(*module);
-    List *modules = ModuleList;
-    for (void *item = modules->First(modules); item; item = modules->Next(modules)) {
-        if (item == module) {
-            modules->Remove(modules);
-            break;
-        }
-    }
-    std::free(module);
+    for (List *&languages : module.languages)
+        destroyItems<ResourceLanguage>(languages,
+                                       [](ResourceLanguage &language) { std::free(&language); });
 }
 
 // Appends a language to its section of the current module.
@@ -84,6 +52,10 @@ int32_t addLanguage(const ResourceLanguage &language) {
 }
 
 } // namespace
+
+bool isModuleName(const char *module) {
+    return module && strnlen(module, RESOURCE_NAME_LENGTH + 1) <= RESOURCE_NAME_LENGTH;
+}
 
 bool prepareModules() {
     if (ModuleList)
@@ -109,10 +81,12 @@ void readDefaultLanguage(char (&language)[3]) {
         asserts.report();
 }
 
-ExternalName::ExternalName(const char *module)
-    : enabled_(module && prepareModules() && CheckExternalResources == 1) {
-    if (enabled_)
-        snprintf(text_, sizeof text_, "%.13s_ext", module);
+void unloadModule(ResourceModule *module) {
+    File_Close(module->handle);
+    freeLanguages(*module);
+    if (findItem<ResourceModule>(ModuleList, [&](ResourceModule &item) { return &item == module; }))
+        ModuleList->Remove(ModuleList);
+    std::free(module);
 }
 
 } // namespace uti
@@ -120,14 +94,16 @@ ExternalName::ExternalName(const char *module)
 using namespace uti;
 
 int32_t Resource_Initialize(const char *module) {
-    if (!isNameAccepted(module))
+    if (!isModuleName(module))
         return asserts.fail(UTI_RESOURCE_BAD_NAME);
     if (!prepareModules())
         return asserts.fail(UTI_RESOURCE_NO_MEMORY);
     if (CurrentModule && fieldText(CurrentModuleName) == module)
         return UTI_OK;
 
-    if (ResourceModule *loaded = findModule(module)) {
+    ResourceModule *loaded = findItem<ResourceModule>(
+        ModuleList, [&](ResourceModule &item) { return fieldText(item.name) == module; });
+    if (loaded) {
         CurrentModule = loaded;
         setField(CurrentModuleName, module);
     } else {
@@ -140,7 +116,7 @@ int32_t Resource_Initialize(const char *module) {
 }
 
 int32_t Resource_LoadInfo(const char *module) {
-    if (!isNameAccepted(module))
+    if (!isModuleName(module))
         return asserts.fail(UTI_RESOURCE_NOT_LOADED);
     if (!prepareModules())
         return asserts.fail(UTI_RESOURCE_NO_MEMORY);
@@ -188,19 +164,13 @@ void Resource_FillLanguageOffsetsForCurrentModule(void) {
         uint32_t &offset = CurrentModule->tableOffsets[section];
         offset = 0;
         List *languages = CurrentModule->languages[section];
-        if (!languages)
-            continue;
-
-        for (languages->First(languages); !languages->IsDone(languages);
-             languages->Next(languages)) {
-            const auto *language =
-                static_cast<const ResourceLanguage *>(languages->Current(languages));
-            if (std::memcmp(language->code, CurrentLanguage, languageSize) == 0) {
-                offset = language->tableOffset;
-                break;
-            }
-        }
-        if (offset == 0 && fallsBack(section))
+        const ResourceLanguage *language =
+            findItem<ResourceLanguage>(languages, [](ResourceLanguage &item) {
+                return std::memcmp(item.code, CurrentLanguage, languageSize) == 0;
+            });
+        if (language)
+            offset = language->tableOffset;
+        if (offset == 0 && languages && fallsBack(section))
             offset =
                 static_cast<const ResourceLanguage *>(languages->First(languages))->tableOffset;
     }
@@ -227,13 +197,13 @@ int32_t Resource_GetLanguages(const char *module, uint32_t section, ResourceLang
     if (count > capacity || !infos)
         return asserts.fail(UTI_RESOURCE_SMALL_ARRAY);
 
-    for (languages->First(languages); !languages->IsDone(languages); languages->Next(languages)) {
-        const auto *language = static_cast<const ResourceLanguage *>(languages->Current(languages));
+    findItem<ResourceLanguage>(languages, [&](ResourceLanguage &language) {
         ResourceLanguageInfo &info = *infos++;
-        std::memcpy(info.code, language->code, languageSize);
+        std::memcpy(info.code, language.code, languageSize);
         info.reserved = 0;
-        info.info = language->info;
-    }
+        info.info = language.info;
+        return false;
+    });
     return count;
 }
 
@@ -252,42 +222,6 @@ void Resource_SetLanguage(const char *language) {
 
 const char *Resource_GetCurrentLanguage(void) {
     return CurrentLanguage;
-}
-
-void Resource_Close(const char *module) {
-    if (!module || !ModuleList)
-        return;
-    // A copy, since the caller may pass the name in the very record that is freed here.
-    char closedName[RESOURCE_NAME_LENGTH + 2];
-    setField(closedName, module);
-    const ExternalName external(closedName);
-    const auto isMeant = [&](const ResourceModule &loaded) {
-        const std::string_view name = fieldText(loaded.name);
-        return loaded.handle >= 0 &&
-               (name == closedName || (external.enabled() && name == external.text()));
-    };
-
-    List *modules = ModuleList;
-    void *item = modules->First(modules);
-    while (item) {
-        auto *loaded = static_cast<ResourceModule *>(item);
-        if (!isMeant(*loaded)) {
-            item = modules->Next(modules);
-            continue;
-        }
-
-        // Of several records with this name it is this one whose strings are to be released.
-        CurrentModule = loaded;
-        setField(CurrentModuleName, fieldText(loaded->name));
-        Resource_ReleaseAll(loaded->name);
-        freeStoredStrings(loaded->name);
-        if (loaded == CurrentModule) {
-            CurrentModuleName[0] = 0;
-            CurrentModule = nullptr;
-        }
-        unloadModule(loaded);
-        item = modules->First(modules);
-    }
 }
 
 int32_t ParseResources(ParserNode *node) {

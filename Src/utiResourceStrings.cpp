@@ -1,10 +1,13 @@
 // utiResourceStrings.cpp: strings by module and id, with their three stores: the transient small
-// slots and large-string List of each module, and the lasting store per language and module.
+// slots and large-string List of each module, and the lasting store per language and module; and
+// closing a module, which takes all of them with it. Stands on utiResource.cpp.
 #include "Src/assertions.h"
 #include "Src/heap.h"
 #include "Src/platform.h"
 #include "Src/text.h"
 #include "Src/utiResource.h"
+
+#include <cstdio>
 
 constinit List *ResourceStorageList = nullptr;
 constinit char ResourceEmptyStr[1] = {};
@@ -22,20 +25,48 @@ constexpr bool isLanguageCode(const char *language) {
     return language && language[0] != 0 && language[1] != 0 && language[2] == 0;
 }
 
+// The names of a module and of the module that overrides it, its own name with "_ext" behind, and
+// whether that one is to be asked at all. They are copies: a caller may pass `CurrentModuleName`,
+// which changes when a module becomes current, or the name in a record that is freed. A name that
+// is too long stays so in both.
+class ModuleNames {
+public:
+    explicit ModuleNames(const char *module) {
+        if (isModuleName(module))
+            prepareModules();
+        if (!module)
+            return;
+        setField(plainText_, {module, strnlen(module, sizeof plainText_)});
+        plain_ = plainText_;
+        if (CheckExternalResources != 1)
+            return;
+        external_ = externalText_;
+        snprintf(externalText_, sizeof externalText_, "%s_ext", plainText_);
+    }
+    ModuleNames(const ModuleNames &) = delete;
+    ModuleNames &operator=(const ModuleNames &) = delete;
+
+    const char *plain() const { return plain_; }
+    // Null when it is not to be asked.
+    const char *external() const { return external_; }
+
+private:
+    const char *plain_ = nullptr;
+    const char *external_ = nullptr;
+    char plainText_[RESOURCE_NAME_LENGTH + 2];
+    char externalText_[RESOURCE_NAME_LENGTH + 6];
+};
+
 std::string_view emptyString() {
     return {ResourceEmptyStr, 0};
 }
 
 // The entry of a module and a language, of which two characters count; null when there is none.
 ResourceStoredStrings *findStored(const char *module, const char *language) {
-    List *list = ResourceStorageList;
-    for (void *item = list->First(list); item; item = list->Next(list)) {
-        auto *stored = static_cast<ResourceStoredStrings *>(item);
-        if (std::memcmp(stored->key, language, languageLength) == 0 &&
-            std::strcmp(stored->key + languageLength, module) == 0)
-            return stored;
-    }
-    return nullptr;
+    return findItem<ResourceStoredStrings>(ResourceStorageList, [&](ResourceStoredStrings &item) {
+        return std::memcmp(item.key, language, languageLength) == 0 &&
+               std::strcmp(item.key + languageLength, module) == 0;
+    });
 }
 
 // The same entry, created when there is none; null when memory is short.
@@ -143,51 +174,43 @@ std::string_view getModuleString(const char *module, uint32_t stringId) {
         return asserts.fail(emptyString());
     const uint16_t offset = BufferToWord(entry);
     const uint16_t length = BufferToWord(entry + 2);
+    // No string lies where the index is: an id past its end has met the bytes of other strings.
+    if (length > 0 && offset < sizeof entry * (index + 1))
+        return asserts.fail(emptyString());
     if (File_SetPosition(CurrentModule->handle, table + offset) != 0)
         return asserts.fail(emptyString());
     return length <= RESOURCE_SMALL_LENGTH ? readSmallString(module, id, length)
                                            : readLargeString(module, id, length);
 }
 
-void freeLargeString(List *strings, ResourceLargeString *string) {
-    std::free(string->text);
-    std::free(string);
-    strings->Remove(strings);
+void freeLargeString(ResourceLargeString &string) {
+    std::free(string.text);
+    std::free(&string);
 }
 
-void destroyLargeStrings(ResourceModule &module) {
-    List_Destroy(module.largeStrings);
-    module.largeStrings = nullptr;
+// Frees the stored strings of a module in every language.
+void freeStoredStrings(const char *module) {
+    const auto isOfModule = [&](ResourceStoredStrings &item) {
+        return std::strcmp(item.key + languageLength, module) == 0;
+    };
+    List *list = ResourceStorageList;
+    while (auto *stored = findItem<ResourceStoredStrings>(list, isOfModule)) {
+        Storage_Free(stored->strings);
+        list->Remove(list);
+        std::free(stored);
+    }
 }
 
 } // namespace
 
 std::string_view getResourceString(const char *module, uint32_t id) {
-    const ExternalName external(module);
-    if (external.enabled()) {
-        const std::string_view text = getModuleString(external.text(), id);
+    const ModuleNames names(module);
+    if (names.external()) {
+        const std::string_view text = getModuleString(names.external(), id);
         if (*text.data() != 0)
             return text;
     }
-    return getModuleString(module, id);
-}
-
-void freeStoredStrings(const char *module) {
-    List *list = ResourceStorageList;
-    if (!list)
-        return;
-    void *item = list->First(list);
-    while (item) {
-        auto *stored = static_cast<ResourceStoredStrings *>(item);
-        if (std::strcmp(stored->key + languageLength, module) != 0) {
-            item = list->Next(list);
-            continue;
-        }
-        Storage_Free(stored->strings);
-        list->Remove(list);
-        std::free(stored);
-        item = list->First(list);
-    }
+    return getModuleString(names.plain(), id);
 }
 
 } // namespace uti
@@ -254,25 +277,21 @@ void resource_Release(const char *module, uint32_t stringId) {
             break;
     }
 
-    List *strings = CurrentModule->largeStrings;
-    if (!strings)
-        return;
-    for (void *item = strings->First(strings); item; item = strings->Next(strings)) {
-        auto *string = static_cast<ResourceLargeString *>(item);
-        if (string->id == id) {
-            freeLargeString(strings, string);
-            break;
-        }
+    List *&strings = CurrentModule->largeStrings;
+    if (auto *string = findItem<ResourceLargeString>(
+            strings, [&](ResourceLargeString &item) { return item.id == id; })) {
+        freeLargeString(*string);
+        strings->Remove(strings);
     }
-    if (strings->IsEmpty(strings))
-        destroyLargeStrings(*CurrentModule);
+    if (strings && strings->IsEmpty(strings))
+        destroyItems<ResourceLargeString>(strings, freeLargeString);
 }
 
 void Resource_Release(const char *module, uint32_t id) {
-    const ExternalName external(module);
-    if (external.enabled())
-        resource_Release(external.text(), id);
-    resource_Release(module, id);
+    const ModuleNames names(module);
+    if (names.external())
+        resource_Release(names.external(), id);
+    resource_Release(names.plain(), id);
 }
 
 void resource_ReleaseAll(const char *module) {
@@ -282,18 +301,35 @@ void resource_ReleaseAll(const char *module) {
     }
     for (ResourceSmallString &slot : CurrentModule->smallStrings)
         slot = {};
-
-    List *strings = CurrentModule->largeStrings;
-    if (!strings)
-        return;
-    while (void *item = strings->First(strings))
-        freeLargeString(strings, static_cast<ResourceLargeString *>(item));
-    destroyLargeStrings(*CurrentModule);
+    destroyItems<ResourceLargeString>(CurrentModule->largeStrings, freeLargeString);
 }
 
 void Resource_ReleaseAll(const char *module) {
-    const ExternalName external(module);
-    if (external.enabled())
-        resource_ReleaseAll(external.text());
-    resource_ReleaseAll(module);
+    const ModuleNames names(module);
+    if (names.external())
+        resource_ReleaseAll(names.external());
+    resource_ReleaseAll(names.plain());
+}
+
+void Resource_Close(const char *module) {
+    if (!module || !ModuleList)
+        return;
+    const ModuleNames names(module);
+    const auto isMeant = [&](ResourceModule &loaded) {
+        const std::string_view name = fieldText(loaded.name);
+        return loaded.handle >= 0 &&
+               (name == names.plain() || (names.external() && name == names.external()));
+    };
+    while (auto *loaded = findItem<ResourceModule>(ModuleList, isMeant)) {
+        // Of several records with this name it is this one whose strings are to be released.
+        CurrentModule = loaded;
+        setField(CurrentModuleName, fieldText(loaded->name));
+        Resource_ReleaseAll(loaded->name);
+        freeStoredStrings(loaded->name);
+        if (loaded == CurrentModule) {
+            CurrentModuleName[0] = 0;
+            CurrentModule = nullptr;
+        }
+        unloadModule(loaded);
+    }
 }

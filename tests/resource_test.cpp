@@ -71,6 +71,7 @@ TEST_F(Resources, ModulesLoadOnceAndFailuresChangeNothing) {
     const std::string calls = terminal.calls;
     EXPECT_EQ(Resource_Initialize("m"), 0);
     EXPECT_EQ(terminal.calls, calls) << "a loaded module stays open";
+    EXPECT_STREQ(CurrentModuleName, "m");
     EXPECT_EQ(Resource_IsValid("m", 7), 0);
     EXPECT_EQ(Resource_IsValid("m", 8), -3054);
     EXPECT_EQ(Resource_IsValid("none", 7), -3052);
@@ -82,6 +83,28 @@ TEST_F(Resources, ModulesLoadOnceAndFailuresChangeNothing) {
     EXPECT_EQ(ModuleList->GetCount(ModuleList), 1);
     EXPECT_EQ(CurrentModule, nullptr);
     EXPECT_STREQ(CurrentModuleName, "");
+}
+
+TEST_F(Resources, RefusedNamesPrepareNothing) {
+    Resource_SetLanguage("fr");
+    for (const char *name : {static_cast<const char *>(nullptr), "thirteenchars"}) {
+        EXPECT_EQ(Resource_GetString(name, 1), ResourceEmptyStr);
+        Resource_Release(name, 1);
+        Resource_ReleaseAll(name);
+    }
+    EXPECT_EQ(ModuleList, nullptr);
+    EXPECT_STREQ(CurrentLanguage, "fr");
+}
+
+TEST_F(Resources, IdsPastTheEndOfATableGiveNothing) {
+    // Three entries, the third empty, then the bytes of a string that read as entries.
+    const std::string entries = number(2, 2) + number(4, 2) + number(20, 2) + number(1, 2);
+    terminal.files["t.res"] = resourceFile(1, {{0, {{"en", 0, {entries, "y", ""}}}}});
+    EXPECT_EQ(std::string(Resource_GetString("t", 0), 8), entries);
+    EXPECT_STREQ(Resource_GetString("t", 2), "");
+    terminal.calls.clear();
+    EXPECT_EQ(Resource_GetString("t", 3), ResourceEmptyStr) << "an offset inside the index";
+    EXPECT_STREQ(Resource_GetString("t", 4), "y") << "one that the format does not rule out";
 }
 
 TEST_F(Resources, LanguagesOfASection) {
@@ -126,7 +149,6 @@ TEST_F(Resources, StringsByLanguageSectionAndFallback) {
     Resource_SetLanguage(nullptr);
 
     EXPECT_EQ(Resource_GetString("none", 1), ResourceEmptyStr);
-    EXPECT_EQ(Resource_GetString(nullptr, 1), ResourceEmptyStr);
     EXPECT_EQ(Resource_GetStringEx("none", "en", 1), nullptr);
 }
 
@@ -205,6 +227,17 @@ TEST_F(Resources, ExternalModulesOverride) {
     Resource_Close("m");
     EXPECT_EQ(ModuleList->GetCount(ModuleList), 0);
     EXPECT_EQ(ResourceStorageList->GetCount(ResourceStorageList), 0);
+
+    EXPECT_STREQ(Resource_GetString("m", 0x1001), std::string(33, 'l').c_str());
+    EXPECT_STREQ(CurrentModuleName, "m");
+    const ResourceModule *plain = CurrentModule;
+    EXPECT_STREQ(Resource_GetString(CurrentModuleName, 0), "zero");
+    Resource_Release(CurrentModuleName, 0x1001);
+    EXPECT_EQ(plain->largeStrings, nullptr);
+    Resource_ReleaseAll(CurrentModuleName);
+    EXPECT_EQ(plain->smallStrings[0].text[0], 0);
+    EXPECT_EQ(CurrentModule, plain) << "asked by its own name, which changes on the way";
+    Resource_Close("m");
 
     terminal.files.erase("m_ext.res");
     terminal.files["longestname2.res"] = module;
