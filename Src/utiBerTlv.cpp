@@ -12,7 +12,7 @@ namespace {
 
 using Bytes = std::span<const uint8_t>;
 
-constexpr uint32_t longestTag = 4;
+constexpr uint32_t longestTag = 3;
 constexpr uint32_t longestLength = 4; // of the bytes behind the first one
 constexpr uint32_t searchDepth = 5;
 constexpr uint32_t smallestBuffer = 4;
@@ -22,104 +22,75 @@ constexpr uint8_t moreTagBytes = 0x1F; // in the first byte
 constexpr uint8_t moreBit = 0x80;      // in the later ones
 constexpr uint8_t longForm = 0x80;
 
-enum class Status {
-    done,
-    noData = 2,  // 1, a null argument, is answered at the door
-    tooLong,     // a tag longer than allowed, or a length field of more than 4 bytes
-    fourByteTag, // not supported
-    truncated,   // the data ends inside a tag, a length field or a value
-    found,
-    bufferTooSmall, // found, but longer than the caller's buffer
-    notFound
-};
-
-// Reads the tag at the start of `data`. `tagLength` is the most bytes allowed, then the bytes used.
-Status BerTlv_ReadTag(uint32_t &tag, uint32_t &tagLength, Bytes data) {
-    if (data.empty() || tagLength == 0)
-        return Status::noData;
-
-    uint32_t number = data[0];
-    uint32_t used = 1;
-    bool more = (data[0] & moreTagBytes) == moreTagBytes;
-    while (more) {
-        if (used >= data.size())
-            return Status::truncated;
-        if (used >= tagLength)
-            return Status::tooLong;
-        if (used == 3)
-            return Status::fourByteTag;
-        more = (data[used] & moreBit) != 0;
-        number = number << 8 | data[used++];
-    }
-    tag = number;
-    tagLength = used;
-    return Status::done;
-}
-
 struct Header {
     uint32_t tag;
     uint32_t length;
     bool constructed;
 };
 
-// Reads a tag and a length and moves `data` to the value, which may be longer than the data left.
-Status readHeader(Header &header, Bytes &data) {
-    uint32_t tagLength = longestTag;
-    const Status status = BerTlv_ReadTag(header.tag, tagLength, data);
-    if (status != Status::done)
-        return status;
-    header.constructed = (data[0] & constructedBit) != 0;
-    data = data.subspan(tagLength);
+// Bytes of the tag at the start of `data`; 0 for one that is cut or longer than three bytes.
+uint32_t tagSize(Bytes data) {
     if (data.empty())
-        return Status::noData;
+        return 0;
+    uint32_t size = 1;
+    bool more = (data[0] & moreTagBytes) == moreTagBytes;
+    while (more) {
+        if (size >= data.size() || size == longestTag)
+            return 0;
+        more = (data[size++] & moreBit) != 0;
+    }
+    return size;
+}
+
+// Reads a tag and a length and moves `data` to the value, which may be longer than the data left.
+// False when they are not whole, or longer than is read.
+bool readHeader(Header &header, Bytes &data) {
+    const uint32_t size = tagSize(data);
+    if (size == 0 || size == data.size())
+        return false;
+    header.tag = static_cast<uint32_t>(getNumber(data.data(), size, ByteOrder::big));
+    header.constructed = (data[0] & constructedBit) != 0;
+    data = data.subspan(size);
 
     const uint8_t first = data[0];
-    if (first < longForm) {
-        header.length = first;
-        data = data.subspan(1);
-        return Status::done;
-    }
-    const uint32_t count = first - longForm;
-    if (count >= data.size())
-        return Status::truncated;
-    if (count > longestLength)
-        return Status::tooLong;
-    header.length = static_cast<uint32_t>(getNumber(data.data() + 1, count, ByteOrder::big));
+    const uint32_t count = first < longForm ? 0 : first - longForm;
+    if (count >= data.size() || count > longestLength)
+        return false;
+    header.length = first < longForm
+                        ? first
+                        : static_cast<uint32_t>(getNumber(data.data() + 1, count, ByteOrder::big));
     data = data.subspan(1 + count);
-    return Status::done;
+    return true;
 }
 
 // Searches one level, and `depth` levels inside its constructed objects, for the first object with
 // the tag: an object comes before those inside it. Only a found value touches the out-parameters.
-Status BerTlv_FindTag(Bytes data, uint32_t wantedTag, uint32_t &valueLength,
-                      std::span<uint8_t> value, uint32_t depth) {
+int32_t findTag(Bytes data, uint32_t wantedTag, uint32_t &valueLength, std::span<uint8_t> value,
+                uint32_t depth) {
     if (data.empty() || value.empty())
-        return Status::noData;
+        return UTI_BERTLV_BAD_DATA;
 
     while (!data.empty()) {
         Header header;
-        const Status status = readHeader(header, data);
-        if (status != Status::done)
-            return status;
-        if (header.length > data.size())
-            return Status::truncated;
+        if (!readHeader(header, data) || header.length > data.size())
+            return UTI_BERTLV_BAD_DATA;
 
         const Bytes found = data.first(header.length);
         if (header.tag == wantedTag) {
             if (found.size() > value.size())
-                return Status::bufferTooSmall;
+                return UTI_BERTLV_BAD_DATA;
             std::memmove(value.data(), found.data(), found.size());
             valueLength = header.length;
-            return Status::found;
+            return UTI_OK;
         }
         if (header.constructed && depth > 0) {
-            const Status inner = BerTlv_FindTag(found, wantedTag, valueLength, value, depth - 1);
-            if (inner != Status::notFound)
+            const int32_t inner = findTag(found, wantedTag, valueLength, value, depth - 1);
+            if (inner != UTI_BERTLV_NOT_FOUND)
                 return inner;
         }
         data = data.subspan(header.length);
     }
-    return Status::notFound;
+    return UTI_BERTLV_NOT_FOUND;
 }
 
 // Bytes of a number without its leading zero bytes, at least one.
@@ -138,7 +109,7 @@ int32_t BerTlv_GetTag(const uint8_t **cursor, uint32_t *remaining, uint32_t *tag
         return UTI_BERTLV_BAD_OBJECT;
     Bytes data(*cursor, *remaining);
     Header header;
-    if (readHeader(header, data) != Status::done)
+    if (!readHeader(header, data))
         return UTI_BERTLV_BAD_OBJECT;
 
     *tag = header.tag;
@@ -158,15 +129,7 @@ int32_t BerTlv_ExtractSingleTag(const uint8_t *data, uint32_t dataLength, uint32
                                 uint32_t *valueLength, uint8_t *value) {
     if (!data || !valueLength || !value)
         return UTI_BERTLV_BAD_DATA;
-    switch (BerTlv_FindTag({data, dataLength}, wantedTag, *valueLength, {value, *valueLength},
-                           searchDepth)) {
-    case Status::found:
-        return UTI_OK;
-    case Status::notFound:
-        return UTI_BERTLV_NOT_FOUND;
-    default:
-        return UTI_BERTLV_BAD_DATA;
-    }
+    return findTag({data, dataLength}, wantedTag, *valueLength, {value, *valueLength}, searchDepth);
 }
 
 int32_t BerTlv_TagIsPrimitive(uint32_t tag, uint32_t tagLength) {

@@ -59,44 +59,30 @@ constexpr std::array<char, 0x452> windows1251 = [] {
     return bytes;
 }();
 
-enum class Ucs2Status {
-    done,
-    badArguments, // no text, or one that is no whole number of characters
-    notHex,       // a character that is no upper-case hexadecimal digit
-    lossy         // done, with question marks for what the code page lacks
-};
+// Turns four upper-case hexadecimal digits a character into one byte each, in place, and returns
+// the number of characters: 0 when there are none, or when it is no such text, which is then lost
+// in part.
+std::size_t decodeUcs2Hex(std::span<char> text) {
+    if (text.size() % 4 != 0)
+        return 0;
 
-// Turns four hexadecimal digits a character into one byte each, in place, and ends them with a
-// zero. `characters` stays 0 on failure, when the text is lost in part.
-Ucs2Status Utils_DecodeUcs2Hex(std::span<char> text, uint32_t &characters) {
-    characters = 0;
-    if (text.empty() || text.size() % 4 != 0)
-        return Ucs2Status::badArguments;
-
-    bool lossy = false;
     const char *in = text.data();
     const std::size_t count = text.size() / 4;
     for (std::size_t i = 0; i < count; ++i, in += 4) {
         const unsigned a = hexDigit(in[0]), b = hexDigit(in[1]);
         const unsigned c = hexDigit(in[2]), d = hexDigit(in[3]);
         if ((a | b | c | d) > 0xF)
-            return Ucs2Status::notHex;
+            return 0;
         const unsigned unit = a << 12 | b << 8 | c << 4 | d;
-        const char byte = unit < windows1251.size() ? windows1251[unit] : unknownCharacter;
-        lossy |= byte == unknownCharacter && unit != unknownCharacter;
-        text[i] = byte;
+        text[i] = unit < windows1251.size() ? windows1251[unit] : unknownCharacter;
     }
-    text[count] = 0;
-    characters = static_cast<uint32_t>(count);
-    return lossy ? Ucs2Status::lossy : Ucs2Status::done;
+    return count;
 }
 
 // Decodes a copy of a text in a work area that holds it; empty when it is no UCS-2 text.
 Text decodeCopy(Text text, std::span<char> work) {
-    uint32_t characters;
     std::memcpy(work.data(), text.data(), text.size());
-    Utils_DecodeUcs2Hex(work.first(text.size()), characters);
-    return work.first(characters);
+    return work.first(decodeUcs2Hex(work.first(text.size())));
 }
 
 bool isHex(Text text) {
@@ -139,16 +125,19 @@ private:
     Text skipped_;
 };
 
-// The decimal number at the start of a field, behind spaces; 0 when there is none. One that does
-// not fit keeps its low bits.
+// The decimal number at the start of a field, behind spaces and perhaps a sign; 0 when there is
+// none. One that does not fit keeps its low bits.
 uint32_t readNumber(Text field) {
     auto at = field.begin();
     while (at != field.end() && *at == ' ')
         ++at;
+    const bool negative = at != field.end() && *at == '-';
+    if (negative || (at != field.end() && *at == '+'))
+        ++at;
     uint32_t number = 0;
     for (; at != field.end() && isDecimal(*at); ++at)
         number = number * 10 + static_cast<uint32_t>(*at - '0');
-    return number;
+    return negative ? 0 - number : number;
 }
 
 // Whether a data coding scheme is of the group 01xx with the character set UCS-2. Texts in the

@@ -118,16 +118,21 @@ Stored readKey(std::string_view name, std::string_view value, IniSection &sectio
 // Reads the lines of a file into its empty record. False when memory is short.
 bool readLines(std::string_view text, IniFileInfo &file) {
     IniSection *section = nullptr;
+    bool dropped = false; // the section is one too many: its keys go with it
     IniLines lines(text);
     std::string_view line;
     while (lines.next(line)) {
         if (isComment(line))
             continue;
         if (isHeader(line)) {
-            if (iniFindOrAddSection(line, file, section) == Stored::noMemory)
+            const Stored result = iniFindOrAddSection(line, file, section);
+            if (result == Stored::noMemory)
                 return false;
+            dropped = result == Stored::full;
             continue;
         }
+        if (dropped)
+            continue;
 
         std::string_view value = line;
         const std::string_view name = takeUntil(value, '=');

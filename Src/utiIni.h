@@ -30,8 +30,8 @@ inline constexpr std::size_t longestName = sizeof(SectionKeyInfo::key) - 1;
 inline constexpr std::size_t longestSectionName = 254;
 inline constexpr std::size_t longestValue = 254;
 
-// Refused: malformed, or one too many.
-enum class Stored { done, refused, noMemory };
+// Refused: malformed. Full: one too many.
+enum class Stored { done, refused, full, noMemory };
 
 inline uint32_t hashOf(std::string_view name) {
     uint64_t hash = name.size();
@@ -149,7 +149,7 @@ private:
     Stored makeRoom() {
         static_assert(std::is_trivially_copyable_v<Item>);
         if (count_ == INT16_MAX)
-            return Stored::refused;
+            return Stored::full;
         if (count_ < capacity_)
             return Stored::done;
 

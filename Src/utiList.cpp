@@ -4,8 +4,14 @@
 #include "Src/heap.h"
 
 namespace {
+
 constexpr uti::Assertions asserts{"Src/utiList"};
+
+void *itemOf(const ListNode *node) {
+    return node ? node->data : nullptr;
 }
+
+} // namespace
 
 List *List_Create(void) {
     List *list = uti::allocateZeroed<List>().release();
@@ -66,17 +72,17 @@ int32_t IsDone(List *list) {
 void *First(List *list) {
     list->current = list->head;
     list->index = 0;
-    return list->Current(list);
+    return itemOf(list->current);
 }
 
 void *Last(List *list) {
     list->current = list->tail;
     list->index = list->count - 1;
-    return list->Current(list);
+    return itemOf(list->current);
 }
 
 void *Current(List *list) {
-    return list->current ? list->current->data : nullptr;
+    return itemOf(list->current);
 }
 
 void *Next(List *list) {

@@ -128,8 +128,10 @@ TEST_F(ListTest, OperationsCallOneAnotherThroughTheTable) {
     list->IsDone = nullptr; // which none of them calls
     EXPECT_EQ(list->GetDataInPosition(list, 9), nullptr);
     list->Current = [](List *) -> void * { return const_cast<char *>("mine"); };
-    EXPECT_STREQ(static_cast<char *>(list->First(list)), "mine");
-    EXPECT_STREQ(static_cast<char *>(GetDataInPosition(list, 0)), "mine");
+    EXPECT_EQ(list->First(list), items[0]);
+    EXPECT_EQ(list->Last(list), items[0]);
+    EXPECT_STREQ(static_cast<char *>(list->Prev(list)), "mine");
+    EXPECT_STREQ(static_cast<char *>(GetDataInPosition(list, 1)), "mine");
 }
 
 class StorageTest : public support::Terminal {
@@ -333,6 +335,7 @@ TEST_F(StorageTest, ComparesCopiesMergesSwaps) {
     EXPECT_EQ(Storage_Put(nullptr, 1, 1, "x", 1), 0);
     StorageTable *cell = nullptr;
     EXPECT_EQ(Storage_PutByte(&cell, 1, 1), 0) << "a handle without a table";
+    EXPECT_EQ(Storage_Remove(&cell, 1), 0);
     EXPECT_EQ(Storage_Trace(storage), storage);
 }
 

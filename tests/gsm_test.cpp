@@ -53,7 +53,7 @@ TEST(Gsm, UssdResponse) {
     const std::string spaces(30, ' '), full(512, 'a');
     for (const char *dcs : {"72", " 72;", "328", "91", "104"})
         expectUssd(text, ussd(" 0", hexText, dcs));
-    for (const char *dcs : {"244", "240", "68", "64", "76", "15", "17", "200"})
+    for (const char *dcs : {"244", "240", "-12", " +15", "68", "64", "76", "15", "17", "200"})
         expectUssd("0041", ussd("", "0041", dcs));
     for (const char *broken : {"00e9", "00:1", "00 1", "004", ""})
         expectUssd("", ussd("0", broken, "72"));
@@ -65,7 +65,7 @@ TEST(Gsm, UssdResponse) {
     for (const std::string &line :
          {ussd(spaces + " 0", full, "15"), ussd("0", full + "a", "15"),
           ussd("0", full, spaces + " 1"), ussd("4", "Hi", "15"), ussd(" 5", "Hi", "15"),
-          ussd("0", "Hi", "0"), ussd("0", "Hi", "256"), ussd("0", "Hi", ""),
+          ussd("0", "Hi", "0"), ussd("0", "Hi", "256"), ussd("0", "Hi", ""), ussd("0", "Hi", "-"),
           ussd("0", "Hi", "15") + "\n+X: 1,0\r", ussd("0", "Hi", "15,\r\n9"), "CUSD:0,\"Hi\",15\r"s,
           "+CUSD:\"Hi\"15\r"s, "+CUSD:0,Hi\",15\r"s, "+CUSD:0,\"Hi\"15\r"s})
         expectUssd(std::nullopt, line);

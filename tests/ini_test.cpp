@@ -114,12 +114,12 @@ TEST_F(Ini, ResultsAndReports) {
     file("[s]\na=12abc\neleven=99999999999\ntwelve=123456789012\n[t]");
     char out[300];
     int32_t a, b;
-    SectionKeyInfo names, info;
+    SectionKeyInfo names, info, half;
     const std::pair<std::string, const char *> rows[] = {
         {outcome(IntiSectionKeyInfo(" s ", "\"k\"", &names)), "1"},
         {outcome(IntiSectionKeyInfo(n255, n255, &info)), "1"},
         {outcome(IntiSectionKeyInfo(none, "k", &info)), "0!"},
-        {outcome(IntiSectionKeyInfo(n256, "k", &info)), "0!"},
+        {outcome(IntiSectionKeyInfo(n256, "k", &half)), "0!"},
         {outcome(Ini_GetSectionCount("")), "-3500!"},
         {outcome(Ini_GetSectionName("f", 2, out, 9)), "-3500!"},
         {outcome(Ini_GetSectionName("f", -1, out, 9)), "-3500!"},
@@ -145,7 +145,7 @@ TEST_F(Ini, ResultsAndReports) {
     };
     for (const auto &[result, expected] : rows)
         EXPECT_EQ(result, expected) << "row " << &expected - &rows[0].second;
-    EXPECT_EQ(std::string(names.section) + names.key + info.section + info.key, "SK");
+    EXPECT_EQ(std::string(names.section) + names.key + info.section + info.key + half.key, "SK");
     EXPECT_EQ(std::pair(a, b), std::pair(12, INT32_MAX));
     EXPECT_EQ(get("T", "k") + get("S", "k"), "cut-2147483648");
 }
@@ -292,8 +292,10 @@ TEST_F(Ini, CountsEndAt32767AndLongFilesAreReadInTime) {
     EXPECT_EQ(Ini_SetStr("f", "s", "one more", ""), -3500);
     EXPECT_EQ(terminal.files["f"], keys);
 
-    file(sections);
+    file("x=1\n" + sections + "[one more]\nx=2\n[s0]\nx=3");
     EXPECT_EQ(Ini_GetSectionCount("f"), 32767);
+    EXPECT_EQ(get("noname_section", "x"), "1") << "a section too many takes its keys with it";
+    EXPECT_EQ(get("s0", "x"), "3");
     EXPECT_EQ(Ini_SetStr("f", "one more", "k", ""), -3500);
 }
 
