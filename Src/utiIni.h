@@ -1,20 +1,6 @@
 // utiIni.h: the cache of INI files that the reader and the writer of a file (utiIni.cpp) share with
 // the exported operations (utiIniAccess.cpp). Stands on the platform's files and the heap.
-//
-// A file as it is read; lines end at every CR and LF, and a zero byte hides the rest of its line:
-//
-//   ;...  #...   comment, from the first column on
-//   [name]...    section, its name of 1 to 254 characters before trimming
-//   key=value    key of up to 255 characters and value of up to 254, before trimming
-//
-// Names are trimmed and turned to upper case; keys ahead of the first section belong to the section
-// NONAME_SECTION. Values are trimmed, then "&#dd;" in them becomes the character with the decimal
-// code dd. Every other line is skipped. A file as it is written:
-//
-//   [NAME]\r\n   each section
-//   KEY=         each key of it,
-//   value\r\n    its value, every CR in it as "&#13;" and every LF as "&#10;"
-//   \r\n         the end of the section
+// docs/formats.md draws a file as it is read and as it is written.
 #pragma once
 
 #include "Src/heap.h"

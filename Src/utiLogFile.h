@@ -30,16 +30,13 @@ struct LogFile {
 
     void close();
 
-    // Writes a piece straight to the file. Returns 0 or UTI_TRACE_NOT_WRITTEN.
-    int32_t write(const void *bytes, uint32_t count);
-
-    // True when a piece of `count` bytes would fill the buffer: flush it, then append the piece.
-    bool mustFlushFor(uint32_t count) const { return bufferSize - buffered <= count; }
-
-    // Puts a piece into the buffer, or writes it when it is as long as the buffer. Returns 0 or
+    // Takes a piece: into the buffer, which `flushNow` empties when the piece would fill it, or
+    // straight to the file when there is none or the piece is as long as it. Returns 0 or
     // UTI_TRACE_NOT_WRITTEN.
-    int32_t append(const void *bytes, uint32_t count) {
-        if (count >= bufferSize)
+    int32_t put(const void *bytes, uint32_t count, void (*flushNow)()) {
+        if (buffer && bufferSize - buffered <= count)
+            flushNow();
+        if (!buffer || count >= bufferSize)
             return write(bytes, count);
         std::memcpy(buffer + buffered, bytes, count);
         buffered += count;
@@ -48,6 +45,9 @@ struct LogFile {
 
     // Writes what is buffered. The bytes count as written in any case; false when some were not.
     bool flush();
+
+private:
+    int32_t write(const void *bytes, uint32_t count);
 };
 
 } // namespace uti

@@ -1,6 +1,6 @@
 // utiMonitoring.cpp: the monitoring log: records of events in a file of its own that grows and does
-// not rotate. Its records have the items of a trace record (utiTraceEx.h) with little-endian
-// numbers (utiTraceArguments.h tells the differences). Stands on the platform's files and clock.
+// not rotate. Its records (docs/formats.md) have the items of a trace record with little-endian
+// numbers. Stands on the platform's files and clock.
 #include "Src/assertions.h"
 #include "Src/heap.h"
 #include "Src/text.h"
@@ -57,15 +57,8 @@ void freeContext() {
     monitorContext = nullptr;
 }
 
-int32_t monitorWriteOut(const void *bytes, uint32_t count) {
-    if (count < 1)
-        return UTI_OK;
-    LogFile &file = monitorContext->file;
-    if (!file.buffer)
-        return file.write(bytes, count);
-    if (file.mustFlushFor(count))
-        MonitorExFlush();
-    return file.append(bytes, count);
+int32_t writeOut(const void *bytes, uint32_t count) {
+    return monitorContext->file.put(bytes, count, MonitorExFlush);
 }
 
 template <class Words>
@@ -79,7 +72,7 @@ int32_t writeRecord(uint32_t messageId, uint32_t level, const char *module, Word
     if (items.size() > INT32_MAX)
         return UTI_TRACE_NOT_WRITTEN;
 
-    const int32_t result = writeBinaryRecord<ByteOrder::little>(items, monitorWriteOut);
+    const int32_t result = writeBinaryRecord<ByteOrder::little>(items, writeOut);
     const int64_t size = static_cast<int64_t>(items.size());
     const int64_t left = monitorContext->maxSize - int64_t{monitorContext->file.fileLength} - size;
     return left < 0 ? UTI_MONITOR_OVER_LIMIT : result;

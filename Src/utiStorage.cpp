@@ -1,12 +1,5 @@
-// utiStorage.cpp: the hash table from 32-bit keys to typed values, and its export block:
-//
-//   offset  size  field, for each value by bucket, the newest first in each
-//   0       4     key
-//   4       4     type code
-//   8       4     n, bytes of the value
-//   12      n     the value as stored (scalars in the machine's byte order)
-//
-// All numbers of the block are little-endian; it has no header, count or terminator.
+// utiStorage.cpp: the hash table from 32-bit keys to typed values, and its export block, which is
+// drawn in docs/formats.md.
 #include "Src/assertions.h"
 #include "Src/heap.h"
 #include "common/bytes.h"

@@ -1,18 +1,7 @@
 // utiTraceArguments.h: the argument list of a log record: how its words are read, what bytes it
 // takes in a record, and the table that holds it meanwhile. The trace log and the monitoring log
 // share it, each with its own table and byte order.
-//
-// An item of a binary record is its type code and its value:
-//
-//   type                 value bytes
-//   Char, Byte, Bool     1
-//   Short, Word          2
-//   Long, DWord          4
-//   Int64, UInt64,       8; in little-endian records the high half comes first,
-//   Double                  each half little-endian
-//   Date                 4: year (2, big-endian in both), month, day
-//   Time                 3: hour, minute, second
-//   String, ByteArray    4, the length L of the data, then L bytes
+// docs/formats.md draws the records and their items.
 #pragma once
 
 #include "common/bytes.h"

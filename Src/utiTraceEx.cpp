@@ -8,6 +8,7 @@
 #include "Src/text.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace uti {
 
@@ -24,14 +25,6 @@ constexpr std::size_t longestBaseName = 30;
 constexpr std::size_t longestFilteredName = 32;
 
 constinit ArgumentTable argumentTable{};
-
-// How deep records stand inside one another, and the line of a short flush that waits for the
-// outermost one to be complete: its report must not stand in the middle of that record.
-constinit int recordDepth = 0;
-constinit int32_t shortFlushLine = 0;
-// Set while a report is being written whose own failure must not be reported again.
-constinit bool reportingShortFlush = false;
-constinit bool reportingLostRecord = false;
 
 void defaultFileSettings(TraceExSettings &settings, uint32_t mode) {
     settings.output = TRACE_OUTPUT_FILE;
@@ -126,33 +119,30 @@ int32_t rotate() {
 }
 
 void reportShortFlush(int32_t line) {
-    reportingShortFlush = true;
+    TraceReports &reports = traceContext->reports;
+    reports.ofShortFlush = true;
     asserts.report(line);
-    reportingShortFlush = false;
+    reports.ofShortFlush = false;
 }
 
-// Reports a record whose arguments found no room; the report needs less.
-void reportShortMemory() {
-    if (reportingLostRecord)
+// Writes a report about a record that is given up, whose own failure is not reported again.
+template <class Report>
+void reportLostRecord(Report report) {
+    TraceReports &reports = traceContext->reports;
+    if (reports.ofLostRecord)
         return;
-
-    reportingLostRecord = true;
-    asserts.report();
-    reportingLostRecord = false;
+    reports.ofLostRecord = true;
+    report();
+    reports.ofLostRecord = false;
 }
 
 // Writes an error record in place of one that does not fit a file.
 void reportLargeRecord(const char *module, uint16_t messageId, const RecordItems &items) {
-    if (reportingLostRecord)
-        return;
-
     const uint64_t arguments = items.size() - RecordItems::headerSize - items[4].length;
     char message[1024];
     snprintf(message, sizeof message, "BLOCK SIZE=%ld FROM '%s' ID=%d TOO LARGE",
              static_cast<long>(arguments), module ? module : "", messageId);
-    reportingLostRecord = true;
     TraceExError("TRACE", 0, String, static_cast<const char *>(message), 0);
-    reportingLostRecord = false;
 }
 
 // Places and writes a record whose items are complete.
@@ -161,7 +151,7 @@ int32_t writeItems(const char *module, uint16_t messageId, const RecordItems &it
     const LogFile &file = traceContext->file;
     const uint32_t limit = traceContext->fileLimit();
     if (settings.output == TRACE_OUTPUT_FILE && limit <= items.size()) {
-        reportLargeRecord(module, messageId, items);
+        reportLostRecord([&] { reportLargeRecord(module, messageId, items); });
         return UTI_TRACE_NOT_WRITTEN;
     }
     if (items.size() > INT32_MAX)
@@ -183,6 +173,7 @@ int32_t traceWriteRecord(uint32_t level, const char *module, uint32_t messageId,
     if (!traceModuleEnabled(module))
         return UTI_TRACE_NOT_WRITTEN;
 
+    TraceReports &reports = traceContext->reports;
     const auto id = static_cast<uint16_t>(messageId);
     int32_t result = UTI_TRACE_NOT_WRITTEN;
     bool complete;
@@ -190,19 +181,16 @@ int32_t traceWriteRecord(uint32_t level, const char *module, uint32_t messageId,
         RecordItems items(argumentTable);
         complete = items.addHeader(Stamp::now(), level, id, module) && items.addList(list);
         if (complete) {
-            ++recordDepth;
+            ++reports.depth;
             result = writeItems(module, id, items);
-            --recordDepth;
+            --reports.depth;
         }
     }
     if (!complete)
-        reportShortMemory();
+        reportLostRecord([] { asserts.report(); });
 
-    if (recordDepth == 0 && shortFlushLine != 0) {
-        const int32_t line = shortFlushLine;
-        shortFlushLine = 0;
-        reportShortFlush(line);
-    }
+    if (reports.depth == 0 && reports.shortFlushLine != 0)
+        reportShortFlush(std::exchange(reports.shortFlushLine, 0));
     return result;
 }
 
@@ -228,12 +216,9 @@ int32_t traceWriteOut(const void *bytes, uint32_t count) {
 
     TraceExContext &log = *traceContext;
     switch (log.settings.output) {
-    case TRACE_OUTPUT_BUFFERED:
-        if (log.file.mustFlushFor(count))
-            TraceExFlush();
-        return log.file.append(bytes, count);
     case TRACE_OUTPUT_FILE:
-        return log.file.write(bytes, count);
+    case TRACE_OUTPUT_BUFFERED:
+        return log.file.put(bytes, count, TraceExFlush);
     case TRACE_OUTPUT_SERIAL:
         return ComPort_Write(log.port, bytes, count) < 1 ? UTI_TRACE_NOT_WRITTEN : UTI_OK;
     default:
@@ -309,11 +294,12 @@ int32_t TraceExGetMode(void) {
 void TraceExFlush(void) {
     if (!traceContext || traceContext->settings.output != TRACE_OUTPUT_BUFFERED)
         return;
-    if (traceContext->file.flush() || reportingShortFlush)
+    TraceReports &reports = traceContext->reports;
+    if (traceContext->file.flush() || reports.ofShortFlush)
         return;
 
-    if (recordDepth > 0)
-        shortFlushLine = __LINE__;
+    if (reports.depth > 0)
+        reports.shortFlushLine = __LINE__;
     else
         reportShortFlush(__LINE__);
 }

@@ -1,17 +1,6 @@
 // utiTraceEx.h: the trace log's context and the internal operations that its files share: the core
 // (utiTraceEx.cpp), the log file set (utiTraceFiles.cpp) and text records (utiTraceText.cpp).
-//
-// A binary record, all numbers big-endian:
-//
-//   offset   size  field
-//   0        4     N, the number of bytes that follow
-//   4        5     Date item: 0B, year (2), month, day
-//   9        4     Time item: 0C, hour, minute, second
-//   13       2     Byte item: 02, level 1 to 3
-//   15       3     Word item: 05, message id (2)
-//   18       5     String item: 0D, M (4), the length of the module name
-//   23       M     module name
-//   23 + M   ...   the argument items in list order (utiTraceArguments.h)
+// Binary records are drawn in docs/formats.md.
 #pragma once
 
 #include "Src/utiLogFile.h"
@@ -21,11 +10,20 @@ namespace uti {
 
 inline constexpr int32_t logFileCount = 8;
 
+// What the log has to report about itself. A report must not stand in the middle of a record.
+struct TraceReports {
+    int32_t depth;          // of records that stand inside one another
+    int32_t shortFlushLine; // of a short flush that waits for the outermost record to be complete
+    bool ofShortFlush;      // one is being written; what fails meanwhile is not reported again
+    bool ofLostRecord;      // the same
+};
+
 struct TraceExContext {
     TraceExSettings settings;
     int32_t fileIndex; // 0 to 7
     LogFile file;      // outputs 0 and 3
     int32_t port;      // output 1
+    TraceReports reports;
 
     // Bytes that each file of the set may take.
     uint32_t fileLimit() const { return static_cast<uint32_t>(settings.maxSize / logFileCount); }

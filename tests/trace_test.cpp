@@ -79,8 +79,13 @@ TEST_F(Trace, EnvironmentChoosesTheOutput) {
         const char *value, *calls;
         int port;
     } rows[] = {
-        {"C3", "close port", 3},           {"C12", "close port", 12}, {"C", "close port", 1},
-        {"CU", "close port", 100},         {"C0", "close port", 1},   {"P", "", 0},
+        {"C3", "close port", 3},
+        {"C12", "close port", 12},
+        {"C9", "close port", 9},
+        {"C", "close port", 1},
+        {"CU", "close port", 100},
+        {"C0", "close port", 1},
+        {"P", "", 0},
         {"X", "open app.log 2; close", 0},
     };
     for (const auto &row : rows) {

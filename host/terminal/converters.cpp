@@ -1,5 +1,7 @@
 // converters.cpp: letter case in the terminal's code page Windows-1251, numbers as texts, and
-// numbers as bytes in either order. Stands on the C++ standard library's headers.
+// numbers as bytes in either order. Stands on the C++ standard library's headers and
+// common/bytes.h.
+#include "common/bytes.h"
 #include "host/terminal/copy_text.h"
 #include "terminal.h"
 
@@ -61,29 +63,21 @@ char *formatDecimal(Number value, char *out, uint32_t size) {
 
 // The number at a byte address of any alignment, 0 at a null one.
 template <class Number>
-Number littleEndian(const void *buffer) {
+Number readNumber(const void *buffer, ByteOrder order) {
     const auto *bytes = static_cast<const uint8_t *>(buffer);
-    Number value = 0;
-    if (!bytes)
-        return value;
-    for (unsigned i = 0; i < sizeof value; ++i)
-        value = static_cast<Number>(value | static_cast<Number>(bytes[i]) << 8 * i);
-    return value;
+    return bytes ? static_cast<Number>(getNumber(bytes, sizeof(Number), order)) : Number{0};
 }
 
-template <class Number>
-void putBigEndian(Number value, void *buffer) {
-    auto *bytes = static_cast<uint8_t *>(buffer);
-    if (!bytes)
-        return;
-    for (unsigned i = 0; i < sizeof value; ++i)
-        bytes[i] = static_cast<uint8_t>(value >> 8 * (sizeof value - 1 - i));
+void writeBigEndian(void *buffer, uint64_t value, unsigned size) {
+    if (buffer)
+        putNumber(static_cast<uint8_t *>(buffer), value, size, ByteOrder::big);
 }
 
 } // namespace
 } // namespace uti::host
 
 using namespace uti::host;
+using uti::ByteOrder;
 
 void TextToLowercase(const char *source, char *destination, uint32_t count) {
     convertCase(source, destination, count, cases.lower);
@@ -117,25 +111,25 @@ char *UInt64ToStr(uint64_t value, char *out, uint32_t size) {
 }
 
 uint16_t BufferToWord(const void *buffer) {
-    return littleEndian<uint16_t>(buffer);
+    return readNumber<uint16_t>(buffer, ByteOrder::little);
 }
 
 uint32_t BufferToDword(const void *buffer) {
-    return littleEndian<uint32_t>(buffer);
+    return readNumber<uint32_t>(buffer, ByteOrder::little);
 }
 
 double BufferToDouble(const void *buffer) {
-    return std::bit_cast<double>(littleEndian<uint64_t>(buffer));
+    return std::bit_cast<double>(readNumber<uint64_t>(buffer, ByteOrder::little));
 }
 
 int16_t BEBufferToShort(const void *buffer) {
-    return static_cast<int16_t>(__builtin_bswap16(littleEndian<uint16_t>(buffer)));
+    return readNumber<int16_t>(buffer, ByteOrder::big);
 }
 
 void ShortToBEBuffer(int16_t value, void *buffer) {
-    putBigEndian(static_cast<uint16_t>(value), buffer);
+    writeBigEndian(buffer, static_cast<uint16_t>(value), sizeof value);
 }
 
 void LongToBEBuffer(int32_t value, void *buffer) {
-    putBigEndian(static_cast<uint32_t>(value), buffer);
+    writeBigEndian(buffer, static_cast<uint32_t>(value), sizeof value);
 }
