@@ -24,6 +24,22 @@
  *  8. The terminal is a machine of 32-bit words, where a handle, an address and an argument word
  *     are alike. On a 64-bit machine the fields and parameters that can hold an address are
  *     `uintptr_t` wide; everything else keeps its width.
+ *
+ * Contents, in this order; each block begins with what its functions share. The formats of all
+ * files and blocks are drawn in docs/formats.md, which is installed with the documentation.
+ *
+ *  Result codes                 `enum UtiResult`
+ *  Trace log                    TraceEx...
+ *  Monitoring log               MonitorEx..., traceMonitorWrite
+ *  TLV parser                   Parser_..., TLV_ReadHeader, Memory_...
+ *  List                         List_... and the operations of its table
+ *  Storage                      Storage_..., CalcHash, FindEntry
+ *  Resources                    Resource_..., resource_..., the walk callbacks of a resource file
+ *  INI files                    Ini_..., IntiSectionKeyInfo
+ *  BER-TLV                      BerTlv_...
+ *  USSD and SMS                 UTILS_Parse..., IsNumeric, UTILS_GetVersion
+ *  Dialogs                      the records, the requests and Dialog..._DoModal, callbacks, pictures
+ *  Code pages, fonts and text   ISO8859ToOEM, CodePageManager_..., Text_...
  */
 #ifndef UTI_H
 #define UTI_H
@@ -166,7 +182,9 @@ typedef struct TraceExSettings {
  *  negative code of `ComPort_Open` or `File_Open`; the nonzero result of `Printer_Open`. */
 UTI_API int32_t TraceExOpen(const TraceExSettings *settings);
 
-/** Writes what is buffered, closes the output and the log. Nothing happens when it is closed. */
+/** Writes what is buffered, closes the output and the log. Nothing happens when it is closed. A write
+ *  that fails here is reported nowhere, since the log that would take the report is closing: call
+ *  `TraceExFlush` first where that matters. */
 UTI_API void TraceExClose(void);
 
 /** Sets the highest level written. Returns 0; UTI_TRACE_REFUSED when the log is closed or `mode`
@@ -691,7 +709,7 @@ typedef struct ResourceLanguageInfo {
 
 UTI_API extern List *ModuleList;               /**< of `ResourceModule`, in load order; or null */
 UTI_API extern ResourceModule *CurrentModule;  /**< the current module, or null */
-UTI_API extern char CurrentModuleName[13];     /**< its name, or empty */
+UTI_API extern char CurrentModuleName[13];     /**< its name, or empty; may be given as a name */
 UTI_API extern char CurrentLanguage[3];        /**< two letters and a zero */
 UTI_API extern uint8_t SectionType;            /**< section being parsed */
 UTI_API extern uint8_t CheckExternalResources; /**< 1 when "_ext" modules are enabled */
@@ -743,7 +761,9 @@ UTI_API int32_t ParseLanguageBlock(ParserNode *node);
 /** Returns string `id` of a module in the current language, zero-terminated; it may hold binary
  *  data. Never null: `ResourceEmptyStr` when the module, the section's table or the string cannot
  *  be read, when memory is short, or when all 20 small slots of the module hold strings that were
- *  not released.
+ *  not released. A table does not tell its length: an id past its end mostly reads as no string,
+ *  but may read as bytes of others, so keep the ids and the file of one build together
+ *  (`Resource_IsValid`).
  *
  *  The first fetch gives a transient copy, which `Resource_Release` frees; later fetches give the
  *  stored copy, which stays valid until `Resource_Close`. Strings of 2048 bytes or more are never
@@ -789,7 +809,8 @@ UTI_API int32_t resource_StoreString(const char *module, uint32_t id, const void
  * next change through the library overwrites it.
  *
  * A file name is used exactly as given: two spellings are two files. Names of sections and keys are
- * trimmed and compared in upper case, but for `Ini_RemoveSection`. Trimming takes the characters 1
+ * trimmed and compared in upper case, but for `Ini_RemoveSection`; the upper case is that of the
+ * terminal's code page (`TextToUppercase`), whatever the encoding of the file. Trimming takes the characters 1
  * to 32 off both ends, then one pair of double quotes around the rest. A section name has 1 to 254
  * characters, a key name 1 to 255, a value up to 254; longer ones are refused, and skipped in a
  * file. Keys ahead of the first section, or behind a malformed header, belong to the section
@@ -800,11 +821,15 @@ UTI_API int32_t resource_StoreString(const char *module, uint32_t id, const void
  * value, a sequence that is begun and then different stands as it is, and one that is cut by the
  * end of the value is lost. Line breaks in values are written that way, and nothing else is. So the
  * file does not give back as they were: names with '=', ']' or line breaks, keys that begin with
- * ';', '#' or '[', outer blanks and quotes of names and values, "&#" in values, a '&' that ends
- * one, and values of more than 254 characters as written, each line break counting five.
+ * ';', '#' or '[', outer blanks and quotes of names and values, "&#" in values and a '&' that ends
+ * one. A value whose line passes 254 characters behind the '=', each line break counting five, is
+ * written but not read back: its key is missing after the next start.
+ *
+ * A byte-order mark makes the first line of a file an ordinary one: a header in it is no header, and
+ * the keys below go to NONAME_SECTION. Save such files without it.
  *
  * There can be 32767 files, sections in a file and keys in a section; more are refused, and skipped
- * in a file. When memory is short nothing is changed, neither in the cache nor on disk.
+ * in a file, a section with its keys. When memory is short nothing is changed, neither in the cache nor on disk.
  */
 
 /** The names of a section and a key as they are compared: 512 bytes. */
@@ -838,8 +863,10 @@ UTI_API int32_t Ini_GetStr(const char *fileName, const char *section, const char
 
 /** Sets the value of a key, trimmed, and rewrites the file; adds section and key at the end when
  *  they are missing, and starts the file afresh when it is missing, empty or unreadable. `value`
- *  may be empty; "&#dd;" in it stands as it is until the file is read again. A ']' ends the name
- *  of a section that is added.
+ *  may be empty; "&#dd;" in it stands as it is until the file is read again. The name of a section
+ *  that is added is read as a header line is, so what is left of it after trimming is trimmed
+ *  again: a ']' ends it, and quotes inside quotes, or blanks inside them, are gone. The value is
+ *  then found under the shorter name alone.
  *
  *  Returns 0, whether or not the file could be written; UTI_INI_FAILED, with nothing changed, for a
  *  null argument, an empty name, one that trims to nothing or is too long, a value of 255
@@ -947,7 +974,8 @@ UTI_API int32_t BerTlv_AppendTag(uint32_t tag, uint32_t length, const uint8_t *v
  *  taken as it stands for every other dcs. Of the response's `length` bytes count the first
  *  "+CUSD:", the quote characters farthest apart behind m, the last comma behind those, and the
  *  carriage return after it. Writes a zero at `response[length]`: the memory must have that byte.
- *  m and dcs are the digits behind any spaces, 0 when there are none; dcs counts modulo 256.
+ *  m and dcs are decimal, behind any spaces and perhaps with a sign, 0 when there are no digits; dcs
+ *  counts modulo 256, so -12 is F4.
  *
  *  Returns the length of the text, of which `out` may hold less, 0 when str is no UCS-2 text;
  *  UTI_GSM_FAILED, `out` unchanged, for a null, a missing part, m or dcs of more than 31
