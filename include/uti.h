@@ -38,7 +38,7 @@
  *  INI files                    Ini_..., IntiSectionKeyInfo
  *  BER-TLV                      BerTlv_...
  *  USSD and SMS                 UTILS_Parse..., IsNumeric, UTILS_GetVersion
- *  Dialogs                      the records, the requests and Dialog..._DoModal, callbacks, pictures
+ *  Dialogs                      records, requests, Dialog..._DoModal, callbacks, pictures
  *  Code pages, fonts and text   ISO8859ToOEM, CodePageManager_..., Text_...
  */
 #ifndef UTI_H
@@ -808,14 +808,14 @@ UTI_API int32_t resource_StoreString(const char *module, uint32_t id, const void
  * comments. What others change in the file is not seen until `Ini_RemoveFileInfoFromCache`, and the
  * next change through the library overwrites it.
  *
- * A file name is used exactly as given: two spellings are two files. Names of sections and keys are
- * trimmed and compared in upper case, but for `Ini_RemoveSection`; the upper case is that of the
- * terminal's code page (`TextToUppercase`), whatever the encoding of the file. Trimming takes the characters 1
- * to 32 off both ends, then one pair of double quotes around the rest. A section name has 1 to 254
- * characters, a key name 1 to 255, a value up to 254; longer ones are refused, and skipped in a
- * file. Keys ahead of the first section, or behind a malformed header, belong to the section
- * "NONAME_SECTION". Of equal keys in a section the place of the first and the value of the last
- * count.
+ * A file name is used exactly as given: two spellings are two files. Names of sections and keys
+ * are trimmed and compared in upper case, but for `Ini_RemoveSection`; the upper case is that of
+ * the terminal's code page (`TextToUppercase`), whatever the encoding of the file. Trimming takes
+ * the characters 1 to 32 off both ends, then one pair of double quotes around the rest. A section
+ * name has 1 to 254 characters, a key name 1 to 255, a value up to 254; longer ones are refused,
+ * and skipped in a file. Keys ahead of the first section, or behind a malformed header, belong to
+ * the section "NONAME_SECTION". Of equal keys in a section the place of the first and the value of
+ * the last count.
  *
  * In a file "&#dd;" stands in a value for the character with the decimal code dd; code 00 ends the
  * value, a sequence that is begun and then different stands as it is, and one that is cut by the
@@ -828,8 +828,9 @@ UTI_API int32_t resource_StoreString(const char *module, uint32_t id, const void
  * A byte-order mark makes the first line of a file an ordinary one: a header in it is no header, and
  * the keys below go to NONAME_SECTION. Save such files without it.
  *
- * There can be 32767 files, sections in a file and keys in a section; more are refused, and skipped
- * in a file, a section with its keys. When memory is short nothing is changed, neither in the cache nor on disk.
+ * There can be 32767 files, sections in a file and keys in a section; more are refused, and
+ * skipped in a file, a section with its keys. When memory is short nothing is changed, neither in
+ * the cache nor on disk.
  */
 
 /** The names of a section and a key as they are compared: 512 bytes. */
