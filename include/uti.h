@@ -182,9 +182,9 @@ typedef struct TraceExSettings {
  *  negative code of `ComPort_Open` or `File_Open`; the nonzero result of `Printer_Open`. */
 UTI_API int32_t TraceExOpen(const TraceExSettings *settings);
 
-/** Writes what is buffered, closes the output and the log. Nothing happens when it is closed. A write
- *  that fails here is reported nowhere, since the log that would take the report is closing: call
- *  `TraceExFlush` first where that matters. */
+/** Writes what is buffered, closes the output and the log. Nothing happens when it is closed. A
+ * write that fails here is reported nowhere, since the log that would take the report is closing:
+ * call `TraceExFlush` first where that matters. */
 UTI_API void TraceExClose(void);
 
 /** Sets the highest level written. Returns 0; UTI_TRACE_REFUSED when the log is closed or `mode`
@@ -825,8 +825,8 @@ UTI_API int32_t resource_StoreString(const char *module, uint32_t id, const void
  * one. A value whose line passes 254 characters behind the '=', each line break counting five, is
  * written but not read back: its key is missing after the next start.
  *
- * A byte-order mark makes the first line of a file an ordinary one: a header in it is no header, and
- * the keys below go to NONAME_SECTION. Save such files without it.
+ * A byte-order mark makes the first line of a file an ordinary one: a header in it is no header,
+ * and the keys below go to NONAME_SECTION. Save such files without it.
  *
  * There can be 32767 files, sections in a file and keys in a section; more are refused, and
  * skipped in a file, a section with its keys. When memory is short nothing is changed, neither in
@@ -975,8 +975,8 @@ UTI_API int32_t BerTlv_AppendTag(uint32_t tag, uint32_t length, const uint8_t *v
  *  taken as it stands for every other dcs. Of the response's `length` bytes count the first
  *  "+CUSD:", the quote characters farthest apart behind m, the last comma behind those, and the
  *  carriage return after it. Writes a zero at `response[length]`: the memory must have that byte.
- *  m and dcs are decimal, behind any spaces and perhaps with a sign, 0 when there are no digits; dcs
- *  counts modulo 256, so -12 is F4.
+ *  m and dcs are decimal, behind any spaces and perhaps with a sign, 0 when there are no digits;
+ * dcs counts modulo 256, so -12 is F4.
  *
  *  Returns the length of the text, of which `out` may hold less, 0 when str is no UCS-2 text;
  *  UTI_GSM_FAILED, `out` unchanged, for a null, a missing part, m or dcs of more than 31
