@@ -1,8 +1,6 @@
 // Resource files, modules, languages and strings: what is found, what is kept, what is refused.
 #include "tests/support.h"
 
-#include <random>
-
 using namespace support;
 using fake::Call;
 using fake::Persistence;
@@ -295,13 +293,6 @@ TEST_F(Resources, HostileFilesGiveAnErrorOrAString) {
             changed[at] = static_cast<char>(changed[at] ^ change);
             fetchAll(changed);
         }
-    }
-    std::mt19937 random(1);
-    for (int i = 0; i < 200; ++i) {
-        std::string noise(300, 0);
-        for (char &byte : noise)
-            byte = static_cast<char>(random());
-        fetchAll(noise);
     }
 }
 
