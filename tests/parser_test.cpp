@@ -45,73 +45,51 @@ TEST_F(Parser, HeaderSizes) {
     EXPECT_EQ(lengthSize, 4);
 }
 
-TEST_F(Parser, TypedValues) {
-    // Each row: a child of tag 5, what to read it as, the value and the error.
-    const struct {
-        const char *value;
-        char getter;
-        double expected;
-        int32_t error;
-        uint32_t consumed; // bytes behind the child's header, as `bytesRead` counts them
-    } rows[] = {
-        {"03 FE", 'b', 254, 0, 2},
-        {"04 34 12", 'w', 0x1234, 0, 3},
-        {"05 78 56 34 92", 'd', 0x92345678u, 0, 5},
-        {"06 00 00 00 00 00 00 F8 3F", 'f', 1.5, 0, 9},
-        {"", 'b', 0, 0, 0},
-        {"", 'f', 0, 0, 0},
-        {"03 FE 00", 'b', 0, -3002, 0},
-        {"04 FE", 'b', 0, -3002, 0},
-        {"03 34 12", 'w', 0, -3002, 0},
-        {"03 FE", 'w', 0, -3002, 0},
-        {"01 00 00 00 00", 'd', 0, -3002, 0},
-        {"05 00 00 00 00 00 00 F8 3F", 'f', 0, -3002, 0},
-    };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(std::string(1, row.getter) + " " + row.value);
-        const ExactBlock block(child(0x80, child(5, hex(row.value)) + "padding"));
+TEST_F(Parser, ValuesOfEveryType) {
+    // A getter or the size of a buffer, a child's value; what is read, the error, and the bytes
+    // behind the child's header that `bytesRead` counts.
+    for (const std::string row : {"b|03 FE|254 0 2",
+                                  "w|04 34 12|4660 0 3",
+                                  "d|05 78 56 34 92|2452903544 0 5",
+                                  "f|06 00 00 00 00 00 00 F8 3F|1.5 0 9",
+                                  "b||0 0 0",
+                                  "w||0 0 0",
+                                  "d||0 0 0",
+                                  "f||0 0 0",
+                                  "b|03 FE 00|0 -3002 0",
+                                  "b|04 FE|0 -3002 0",
+                                  "w|03 34 12|0 -3002 0",
+                                  "w|03 FE|0 -3002 0",
+                                  "d|01 00 00 00 00|0 -3002 0",
+                                  "f|05 00 00 00 00 00 00 F8 3F|0 -3002 0",
+                                  "3|01 41 42 43|ABC 3 4",
+                                  "9|02 41 42 43|ABC 3 4",
+                                  "2|01 41 42 43|zzz -3001 0",
+                                  "0|01|zzz 0 1",
+                                  "0||zzz 0 0",
+                                  "5|03 41|zzz -3002 0",
+                                  "4294967295|01 41|Azz 1 2"}) {
+        SCOPED_TRACE(row);
+        const std::size_t first = row.find('|') + 1, last = row.rfind('|');
+        const std::string bytes = hex(row.substr(first, last - first));
+        const ExactBlock block(child(0x80, child(5, bytes) + "padding"));
         const ParserNode root = openRoot(block);
         ParserNode value{};
         ASSERT_EQ(Parser_GetNextSubNode(&root, &value), 0);
         ASSERT_EQ(value.tag, 5);
         int32_t error = 99;
-        const double read = row.getter == 'b'   ? Parser_GetParameterByte(&value, &error)
-                            : row.getter == 'w' ? Parser_GetParameterWord(&value, &error)
-                            : row.getter == 'd' ? Parser_GetParameterDword(&value, &error)
-                                                : Parser_GetParameterDouble(&value, &error);
-        EXPECT_EQ(read, row.expected);
-        EXPECT_EQ(error, row.error);
-        EXPECT_EQ(bytesRead, value.valueOffset + row.consumed);
-    }
-}
-
-TEST_F(Parser, BufferValues) {
-    const struct {
-        const char *value;
-        uint32_t size;
-        int32_t expected;
-    } rows[] = {
-        {"01 41 42 43", 3, 3},
-        {"02 41 42 43", 9, 3},
-        {"01 41 42 43", 2, -3001},
-        {"01", 0, 0},
-        {"", 0, 0},
-        {"03 41", 5, -3002},
-        {"01 41", UINT32_MAX, 1},
-    };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(row.value);
-        const ExactBlock block(child(0x80, child(5, hex(row.value)) + "padding"));
-        const ParserNode root = openRoot(block);
-        ParserNode value{};
-        ASSERT_EQ(Parser_GetNextSubNode(&root, &value), 0);
-        char buffer[8] = "zzzzzzz";
-        EXPECT_EQ(Parser_GetParameterBuffer(&value, buffer, row.size), row.expected);
-        const auto copied = static_cast<std::size_t>(std::max(row.expected, 0));
-        EXPECT_EQ(std::string(buffer), std::string("ABC", copied) + std::string(7 - copied, 'z'));
-        if (row.expected == -3001) {
-            EXPECT_EQ(bytesReadInMemory, value.valueOffset) << "nothing was read";
-        }
+        char read[32] = "zzz";
+        if (std::isdigit(row[0]))
+            error = Parser_GetParameterBuffer(&value, read, static_cast<uint32_t>(std::stoul(row)));
+        else
+            snprintf(read, sizeof read, "%.10g",
+                     row[0] == 'b'   ? Parser_GetParameterByte(&value, &error)
+                     : row[0] == 'w' ? Parser_GetParameterWord(&value, &error)
+                     : row[0] == 'd' ? Parser_GetParameterDword(&value, &error)
+                                     : Parser_GetParameterDouble(&value, &error));
+        const std::string consumed = std::to_string(bytesRead - value.valueOffset);
+        EXPECT_EQ(read + " "s + std::to_string(error) + " " + consumed, row.substr(last + 1));
+        EXPECT_TRUE(error != -3001 || bytesReadInMemory == value.valueOffset) << "nothing was read";
     }
 }
 

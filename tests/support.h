@@ -20,16 +20,12 @@ using namespace std::string_literals;
 
 // The bytes of a text such as "00 0B ff"; blanks are free.
 inline std::string hex(std::string_view digits) {
-    std::string bytes;
-    std::string pair;
+    std::string bytes, pair;
     for (const char c : digits) {
-        if (c == ' ')
-            continue;
-        pair += c;
-        if (pair.size() == 2) {
-            bytes += static_cast<char>(std::stoi(pair, nullptr, 16));
-            pair.clear();
-        }
+        if (c != ' ')
+            pair += c;
+        if (pair.size() == 2)
+            bytes += static_cast<char>(std::stoi(std::exchange(pair, ""), nullptr, 16));
     }
     return bytes;
 }
