@@ -4,6 +4,7 @@
 #include "Src/utiDialogsEvents.h"
 
 #include "Src/utiDialogsForm.h"
+#include "Src/utiDialogsRecords.h"
 #include "terminal.h"
 #include "toolkit.h"
 
@@ -39,6 +40,22 @@ bool postProcessKey() {
 
 } // namespace
 
+void installCallbacks(const DialogRequest &request) {
+    if (request.needToBreak)
+        NeedToBreakFunction = request.needToBreak;
+    if (request.refresh)
+        RefreshDialogFunction = request.refresh;
+    if (request.keyPostProcessing)
+        KeyPostProcessingFunction = request.keyPostProcessing;
+}
+
+void clearCallbacks() {
+    NeedToBreakFunction = nullptr;
+    RefreshDialogFunction = nullptr;
+    KeyPostProcessingFunction = nullptr;
+    refLabelData = nullptr;
+}
+
 int32_t Dialogs_EditKeyHook(int32_t widget, int32_t key) {
     if (!currentKeyPressedCallback)
         return 0;
@@ -49,7 +66,9 @@ int32_t Dialogs_EditKeyHook(int32_t widget, int32_t key) {
     std::memcpy(text, value ? value : "", length);
     text[length] = static_cast<char>(key);
 
-    if (currentKeyPressedCallback(key, text, most) != 0) {
+    const uint32_t turn = dialogTurn;
+    const int32_t accepted = currentKeyPressedCallback(key, text, most);
+    if (accepted != 0 && dialogTurn == turn) {
         text[sizeof text - 1] = 0;
         igInput_SetValue(widget, text);
     }
@@ -66,12 +85,15 @@ int32_t IG_EventCallback(uint8_t *key) {
     IG_AdditionalListElements();
     if (Display_CheckEvent() != 0)
         return IG_STATE_CONFIRMED;
+    const uint32_t turn = dialogTurn;
     if (NeedToBreakFunction && NeedToBreakFunction() != 0)
         return stateBroken;
     if (RefreshDialogFunction && RefreshDialogFunction(&refLabelData) != 0 && refLabelData)
         return stateRefresh;
     if (KeyPostProcessingFunction && !postProcessKey())
         return stateBroken;
+    if (dialogTurn != turn) // one of them has shown something else in place of this dialog
+        return IG_STATE_CANCELLED;
 
     const uint8_t code = key ? *key : 0;
     if (code != 0) {

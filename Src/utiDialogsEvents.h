@@ -12,6 +12,12 @@ inline constexpr int32_t stateRefresh = 102;
 inline constexpr uint8_t keyEnter = 13;
 inline constexpr uint8_t keyEscape = 27;
 
+// Installs what the request gives of the application's functions.
+void installCallbacks(const DialogRequest &request);
+
+// Takes all of them away.
+void clearCallbacks();
+
 // Offers a key typed into the main edit to the application. Returns 0: the edit does nothing more.
 int32_t Dialogs_EditKeyHook(int32_t widget, int32_t key);
 

@@ -3,16 +3,13 @@
 #include "Src/utiDialogsForm.h"
 
 #include "Src/assertions.h"
-#include "Src/heap.h"
-#include "Src/utiDialogsParameters.h"
+#include "Src/utiDialogsRecords.h"
+#include "Src/utiDialogsTerminal.h"
 #include "terminal.h"
 #include "toolkit.h"
 
 #include <algorithm>
 #include <cstring>
-
-constinit char *currentKeyScheme[DIALOG_KEY_SCHEME] = {};
-constinit uint32_t currentShowType = 0;
 
 namespace uti {
 
@@ -27,10 +24,6 @@ constexpr int32_t lineOfUnknownJustify = 1000;
 
 constexpr uint16_t black = 0x0000;
 constexpr uint16_t white = 0xFFFF;
-
-// At most one pattern for each edit and label, and the text of an IP edit.
-constinit char *keptTexts[2 * DIALOG_CONTROLS + 1] = {};
-constinit bool firstReset = true;
 
 // The toolkit's colour of a colour of the description.
 uint16_t rgb565(const RgbColor &color) {
@@ -64,10 +57,6 @@ void dressPatternColors(const Entry &entry) {
 bool isInput(int32_t handle) {
     const int32_t type = igWidget_GetType(handle);
     return type == IG_WIDGET_INPUT || type == IG_WIDGET_PATTERN_INPUT;
-}
-
-bool hasOtherKeys(int32_t terminalType) {
-    return terminalType == 19 || terminalType == 20;
 }
 
 // Splits the text in place at its pairs of backslash and n.
@@ -123,7 +112,7 @@ int32_t createInputWidget(const GraphicEditEntry &entry) {
     }
     if (entry.pattern[0] != 0) {
         char *pattern = Dialogs_CopyText(entry.pattern);
-        keepUntilReset(pattern);
+        keepText(pattern);
         const int32_t handle = igPatternInput_Create(at.x, at.y, at.width, at.height,
                                                      style | IG_INPUT_PATTERN, pattern);
         igPatternInput_SetMaxLen(handle, entry.maxLength);
@@ -241,14 +230,14 @@ bool createWidgets() {
 void fillEdit(const GraphicEditEntry &entry) {
     if (entry.handle <= 0 || !isInput(entry.handle))
         return;
-    const int32_t terminal = Terminal_GetType();
+    const TerminalTraits terminal = traitsOf(Terminal_GetType());
     if (entry.valueBuffer)
         igInput_SetValue(entry.handle, entry.valueBuffer);
-    if (entry.editValue == 0 && !hasOtherKeys(terminal) && terminal != 26)
+    if (entry.editValue == 0 && !terminal.setsControlKeys)
         return;
     const auto confirm = static_cast<uint8_t>(IG_GetIGKeyCode(entry.editValue));
-    const uint8_t clear = hasOtherKeys(terminal) ? IG_KEY_F1 : IG_KEY_CLEAR;
-    const uint8_t layout = hasOtherKeys(terminal) ? IG_KEY_F1 : IG_KEY_LAYOUT;
+    const uint8_t clear = terminal.hasOtherKeys ? IG_KEY_F1 : IG_KEY_CLEAR;
+    const uint8_t layout = terminal.hasOtherKeys ? IG_KEY_F1 : IG_KEY_LAYOUT;
     igInput_SetControlCodes(entry.handle, clear, clear, layout, confirm);
 }
 
@@ -261,7 +250,7 @@ void fillIpEdit(const GraphicIpEditEntry &entry) {
     if (!entry.valueBuffer || entry.handle <= 0 ||
         igWidget_GetType(entry.handle) != IG_WIDGET_IP_INPUT)
         return;
-    if (hasOtherKeys(Terminal_GetType()))
+    if (traitsOf(Terminal_GetType()).hasOtherKeys)
         igInput_SetControlCodes(entry.handle, IG_KEY_F1, IG_KEY_F1, IG_KEY_F1, 0);
     igIPInput_SetIPtext(entry.handle, entry.valueBuffer);
 }
@@ -298,10 +287,6 @@ void setFormTransparency(uint32_t transparency) {
     }
 }
 
-bool equal(const RgbColor &a, const RgbColor &b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
-
 } // namespace
 
 Frame frameOf(const Rectangle &area) {
@@ -320,82 +305,13 @@ int32_t addToForm(int32_t handle) {
     return result < 0 ? toolkitFailure(result) : UTI_OK;
 }
 
-void Dialogs_ResetControls() {
-    if (!firstReset) {
-        const auto freeValues = [](auto &parameters) {
-            for (auto &entry : entriesOf(parameters))
-                std::free(entry.valueBuffer);
-        };
-        freeValues(currentGraphicStaticTextParameters);
-        freeValues(currentGraphicButtonParameters);
-        freeValues(currentGraphicEditParameters);
-        freeValues(currentGraphicLabelParameters);
+void removeForm(int32_t display) {
+    if (currentForm > 0) {
+        igUI_Del(display, currentForm);
+        currentForm = -1;
+        ++dialogTurn;
     }
-    firstReset = false;
-    for (char *&text : keptTexts) {
-        std::free(text);
-        text = nullptr;
-    }
-
-    forEachControlRecord([](auto &record) { std::memset(&record, 0, sizeof record); });
-    currentGraphicCaptionParameters = {};
-    currentShowType = 0;
-    std::fill(std::begin(currentKeyScheme), std::end(currentKeyScheme), nullptr);
-}
-
-void Dialogs_OverrideColors(ColorSet colors) {
-    const bool active = !equal(colors.activeBackground, colors.activeForeground);
-    const bool passive = !equal(colors.passiveBackground, colors.passiveForeground);
-    forEachControlRecord([&](auto &record) {
-        for (auto &entry : entriesOf(record)) {
-            if (active) {
-                entry.colors.activeForeground = colors.activeForeground;
-                entry.colors.activeBackground = colors.activeBackground;
-            }
-            if (passive) {
-                entry.colors.passiveForeground = colors.passiveForeground;
-                entry.colors.passiveBackground = colors.passiveBackground;
-            }
-        }
-    });
-}
-
-char *Dialogs_CopyText(std::string_view text) {
-    if (text.empty())
-        return nullptr;
-    char *copy = allocateBytes(text.size() + 1).release();
-    if (!copy)
-        return nullptr;
-    std::memcpy(copy, text.data(), text.size());
-    copy[replaceLineFeeds(copy, text.size())] = 0;
-    return copy;
-}
-
-void setValue(char *&valueBuffer, std::string_view text) {
-    std::free(valueBuffer);
-    valueBuffer = Dialogs_CopyText(text);
-}
-
-void keepUntilReset(char *text) {
-    char **place = std::find(std::begin(keptTexts), std::end(keptTexts), nullptr);
-    if (place != std::end(keptTexts))
-        *place = text;
-}
-
-int32_t Dialogs_FillLabels(const LabelValue *values) {
-    if (!values)
-        return UTI_DIALOG_NULL;
-    for (GraphicEditEntry &entry : entriesOf(currentGraphicLabelParameters)) {
-        if (entry.name[0] == 0)
-            continue;
-        for (const LabelValue *each = values; each->name; ++each) {
-            if (each->value && std::strcmp(each->name, entry.name) == 0) {
-                setValue(entry.valueBuffer, each->value);
-                break;
-            }
-        }
-    }
-    return UTI_OK;
+    freeLastTexts();
 }
 
 int32_t IG_CreateForm(const char *caption, uint32_t transparency, uint32_t positionType,
@@ -403,10 +319,7 @@ int32_t IG_CreateForm(const char *caption, uint32_t transparency, uint32_t posit
     const int32_t display = Display_GetHandle();
     if (display < 0)
         return display;
-    if (currentForm > 0) {
-        igUI_Del(display, currentForm);
-        currentForm = -1;
-    }
+    removeForm(display);
     IG_UpdateStatusLine();
 
     const bool child = positionType == 1;

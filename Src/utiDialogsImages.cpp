@@ -3,6 +3,7 @@
 #include "Src/assertions.h"
 #include "Src/heap.h"
 #include "Src/utiDialogsForm.h"
+#include "Src/utiDialogsRecords.h"
 #include "terminal.h"
 #include "toolkit.h"
 
@@ -59,10 +60,7 @@ int32_t DrawImage_IG(int16_t x, int16_t y, const char *fileName, const char *cap
     const int32_t display = Display_GetHandle();
     if (display < 0)
         return pictureFailure(display);
-    if (currentForm > 0) {
-        igUI_Del(display, currentForm);
-        currentForm = -1;
-    }
+    removeForm(display);
     if (!fileName || File_IsValid(fileName) == 0)
         return UTI_IMAGE_NOT_VALID;
     currentForm = igForm_Create(caption, 0);

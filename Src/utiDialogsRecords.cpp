@@ -1,66 +1,170 @@
-// utiDialogsRecords.cpp: loading a dialog description from the resources into the parameter
-// records.
-#include "Src/assertions.h"
-#include "Src/utiDialogFormat.h"
-#include "Src/utiResource.h"
-#include "Src/utiTLVParser.h"
+// utiDialogsRecords.cpp: the exported parameter records of dialogs, with their reset, what a
+// request overrides in them, and the texts that they own. Stands on the heap alone.
+#include "Src/utiDialogsRecords.h"
+
+#include "Src/heap.h"
+
+#include <cstring>
+
+constinit GraphicEditParameters currentGraphicEditParameters = {};
+constinit GraphicEditParameters currentGraphicLabelParameters = {};
+constinit GraphicStaticTextParameters currentGraphicStaticTextParameters = {};
+constinit GraphicButtonParameters currentGraphicButtonParameters = {};
+constinit GraphicIpEditParameters currentGraphicIpEditParameters = {};
+constinit GraphicBoxParameters currentGraphicSignatureParameters = {};
+constinit GraphicBoxParameters currentGraphicProgressBarParameters = {};
+constinit GraphicMenuParameters currentGraphicMenuParameters = {};
+constinit GraphicCaption currentGraphicCaptionParameters = {};
+constinit GraphicDialogParameters currentGraphicDialogParameters = {};
+
+constinit uint32_t currentDialogType = 0;
+constinit uint32_t currentDialogTimeout = 0;
+constinit uint32_t currentDialogTrasparency = 0;
+constinit uint32_t currentDialogPositionType = 0;
+constinit uint8_t currentDialogBorder = 0;
+constinit Rectangle currentDialogAreaRectangle = {};
+
+constinit EditParameters currentEditParameters = {};
+constinit ListBoxParameters currentListBoxParameters = {};
+constinit LabelsParameters currentLabelsParameters = {};
+constinit CaptionParameters currentCaptionParameters = {};
+constinit BorderParameters currentBorderParameters = {};
+constinit FrameParameters currentFrameParameters = {};
+constinit FooterParameters currentFooterParameters = {};
+constinit ImagesParameters currentImagesParameters = {};
+constinit StatusParameters currentBatteryParameters = {};
+constinit StatusParameters currentSignalParameters = {};
+constinit StatusParameters currentEthLinkStatusParameters = {};
+
+constinit char *currentKeyScheme[DIALOG_KEY_SCHEME] = {};
+constinit uint32_t currentShowType = 0;
 
 namespace uti {
+
+constinit uint32_t dialogTurn = 0;
+
 namespace {
 
-constexpr Assertions asserts{"Src/utiDialogs"};
+// At most one pattern for each edit and label, and the text of an IP edit.
+constinit char *keptTexts[2 * DIALOG_CONTROLS + 1] = {};
+// The texts of the dialog before; its form goes on reading them until it is taken down.
+constinit char *lastTexts[4 * DIALOG_CONTROLS + std::size(keptTexts)] = {};
+constinit bool firstReset = true;
 
-struct NodeParser {
-    dialog::Tag tag;
-    ParserCallback parse;
-};
+bool equal(const RgbColor &a, const RgbColor &b) {
+    return std::memcmp(&a, &b, sizeof a) == 0;
+}
 
-constexpr NodeParser nodeParsers[] = {
-    {dialog::tagDialogParameters, ParseDialogParameters},
-    {dialog::tagButton, ParseGraphicButton},
-    {dialog::tagProgressBar, ParseGraphicProgressBar},
-    {dialog::tagEdit, ParseGraphicEdit},
-    {dialog::tagStaticText, ParseGraphicStaticText},
-    {dialog::tagSignature, ParseGraphicSignature},
-    {dialog::tagMenu, ParseGraphicMenu},
-    {dialog::tagIpEdit, ParseGraphicIpEdit},
-    {dialog::tagLabel, ParseGraphicLabel},
-    {dialog::tagCaption, ParseGraphicCaption},
-};
-
-int32_t parseDescription(std::string_view description, uint32_t expectedType) {
-    ParserNode root;
-    Parser_Initialize(1, 2);
-    int32_t result = Parser_GetRootNodeInBlock(description.data(),
-                                               static_cast<uint32_t>(description.size()), &root);
-    if (result != UTI_OK)
-        return asserts.fail(result);
-    result = Parser_ParseNode(&root, ParseDialog);
-    if (result != UTI_OK)
-        return asserts.fail(result);
-    return currentDialogType == expectedType ? UTI_OK : asserts.fail(UTI_DIALOG_OTHER_TYPE);
+// Calls `take` with every text of the records and those that are kept beside them.
+template <class Take>
+void forEachText(Take take) {
+    const auto takeValues = [&](auto &parameters) {
+        for (auto &entry : entriesOf(parameters))
+            take(entry.valueBuffer);
+    };
+    takeValues(currentGraphicStaticTextParameters);
+    takeValues(currentGraphicButtonParameters);
+    takeValues(currentGraphicEditParameters);
+    takeValues(currentGraphicLabelParameters);
+    for (char *&text : keptTexts)
+        take(text);
 }
 
 } // namespace
-} // namespace uti
 
-using namespace uti;
+void Dialogs_ResetControls() {
+    ++dialogTurn;
+    // While texts wait for a form to be taken down, it can read none of those that came later.
+    const bool mayBeRead = !lastTexts[0];
+    char **waiting = lastTexts;
+    if (!firstReset) {
+        forEachText([&](char *&text) {
+            if (!mayBeRead)
+                std::free(text);
+            else if (text)
+                *waiting++ = text;
+            text = nullptr;
+        });
+    }
+    firstReset = false;
 
-int32_t GetDialogParameters(const char *module, uint32_t id, uint32_t expectedType) {
-    const std::string_view description = getResourceString(module, id);
-    if (description.data() == ResourceEmptyStr)
-        return asserts.fail(UTI_DIALOG_NOT_FOUND);
-    const int32_t result = parseDescription(description, expectedType);
-    Resource_Release(module, id);
-    return result;
+    forEachControlRecord([](auto &record) { std::memset(&record, 0, sizeof record); });
+    currentGraphicCaptionParameters = {};
+    currentShowType = 0;
+    std::fill(std::begin(currentKeyScheme), std::end(currentKeyScheme), nullptr);
 }
 
-int32_t ParseDialog(ParserNode *node) {
-    return walkChildren(node, [](ParserNode &child) {
-        for (const NodeParser &parser : nodeParsers) {
-            if (parser.tag == child.tag)
-                return Parser_ParseNode(&child, parser.parse);
+void freeLastTexts() {
+    for (char *&text : lastTexts) {
+        std::free(text);
+        text = nullptr;
+    }
+}
+
+void Dialogs_OverrideColors(ColorSet colors) {
+    const bool active = !equal(colors.activeBackground, colors.activeForeground);
+    const bool passive = !equal(colors.passiveBackground, colors.passiveForeground);
+    forEachControlRecord([&](auto &record) {
+        for (auto &entry : entriesOf(record)) {
+            if (active) {
+                entry.colors.activeForeground = colors.activeForeground;
+                entry.colors.activeBackground = colors.activeBackground;
+            }
+            if (passive) {
+                entry.colors.passiveForeground = colors.passiveForeground;
+                entry.colors.passiveBackground = colors.passiveBackground;
+            }
         }
-        return skipChild(child);
     });
 }
+
+int32_t Dialogs_FillLabels(const LabelValue *values) {
+    if (!values)
+        return UTI_DIALOG_NULL;
+    for (GraphicEditEntry &entry : entriesOf(currentGraphicLabelParameters)) {
+        if (entry.name[0] == 0)
+            continue;
+        for (const LabelValue *each = values; each->name; ++each) {
+            if (each->value && std::strcmp(each->name, entry.name) == 0) {
+                setValue(entry.valueBuffer, each->value);
+                break;
+            }
+        }
+    }
+    return UTI_OK;
+}
+
+std::size_t replaceLineFeeds(char *text, std::size_t length) {
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < length; ++i) {
+        const bool pair = text[i] == '\\' && i + 1 < length && text[i + 1] == 'n';
+        text[kept++] = pair ? '\n' : text[i];
+        i += pair ? 1 : 0;
+    }
+    std::memset(text + kept, 0, length - kept);
+    return kept;
+}
+
+char *Dialogs_CopyText(std::string_view text) {
+    if (text.empty())
+        return nullptr;
+    char *copy = allocateBytes(text.size() + 1).release();
+    if (!copy)
+        return nullptr;
+    std::memcpy(copy, text.data(), text.size());
+    copy[replaceLineFeeds(copy, text.size())] = 0;
+    return copy;
+}
+
+void setValue(char *&valueBuffer, std::string_view text) {
+    std::free(valueBuffer);
+    valueBuffer = Dialogs_CopyText(text);
+}
+
+void keepText(char *text) {
+    char **place = std::find(std::begin(keptTexts), std::end(keptTexts), nullptr);
+    if (place != std::end(keptTexts))
+        *place = text;
+}
+
+} // namespace uti

@@ -1,6 +1,6 @@
 // dialog_source_test.cpp: dialogs from a resource source through the compiler into the library's
 // records, and from a resource file back into source; the library's own messages.
-#include "Src/utiDialogsParameters.h"
+#include "Src/utiDialogsFonts.h"
 #include "tests/dialog_support.h"
 #include "tools/files.h"
 #include "tools/resource_source.h"

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Src/utiDialogsForm.h"
+#include "Src/utiDialogsRecords.h"
 #include "tests/fakes/toolkit.h"
 #include "tests/support.h"
 
@@ -42,6 +43,7 @@ protected:
         forgetResources();
         uti::currentForm = -1;
         uti::Dialogs_ResetControls();
+        uti::freeLastTexts();
         for (int slot = 6; slot < FONT_SLOTS; ++slot) {
             std::free(const_cast<char *>(fontTable[slot]));
             fontTable[slot] = nullptr;

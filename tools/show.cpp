@@ -1,6 +1,6 @@
 // show.cpp: `uti show`, the dialogs of a resource file as they look on the terminal. The library
 // itself loads and builds them, on the toolkit of the desktop.
-#include "Src/utiDialogsForm.h"
+#include "Src/utiDialogsRecords.h"
 #include "host/faces/window_face.h"
 #include "host/terminal/clock.h"
 #include "host/toolkit/display.h"
