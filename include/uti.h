@@ -84,7 +84,7 @@ enum UtiResult {
 
     UTI_DIALOG_NOT_FOUND = -3200,     /**< no such description, or a list without a menu */
     UTI_DIALOG_TIME_OUT = -3201,      /**< the allowed time has passed */
-    UTI_DIALOG_CANCELLED = -3202,     /**< Escape, or the form was cancelled */
+    UTI_DIALOG_CANCELLED = -3202,     /**< Escape, or a callback showed something else */
     UTI_DIALOG_BROKEN_OFF = -3203,    /**< broken off by the request's function */
     UTI_DIALOG_NO_ICONS = -3205,      /**< icons are not supported */
     UTI_DIALOG_OTHER_TYPE = -3206,    /**< a description of another type */
@@ -1008,6 +1008,25 @@ UTI_API const char *UTILS_GetVersion(void);
  *
  * A result is 0 or one of the negative codes of `enum UtiResult`; a failed toolkit operation gives
  * the toolkit's negative code minus 5000.
+ *
+ * What ends a dialog. Enter confirms it, on whichever control it is pressed, and so does a button
+ * that ends the form; a button whose key is Escape, and Escape itself, give UTI_DIALOG_CANCELLED.
+ * Of two buttons give one the key Escape, so that the result tells them apart.
+ *
+ * A dialog call or `DrawImage_IG` from a callback of a running dialog takes that dialog's place:
+ * the new one runs as ever, whether it can be shown or not, and the one below it is over. It ends
+ * with UTI_DIALOG_CANCELLED, whatever the callback returns, and is reported; it never counts as
+ * confirmed, and the buffer of an edit is left as it was. To ask something, return nonzero from
+ * `needToBreak` and ask after the call.
+ *
+ * Ticks are the milliseconds of `GetTicks`. A time-out stays from one dialog to the next, until a
+ * description, a request or a message of SHOW_SHORTLY sets another: give every description or
+ * request its own.
+ *
+ * Images: a name in a request (`imageName` of a message and of list items) goes through the
+ * toolkit's `IG_GetFullImagePath`; a name in a description goes to the toolkit as it stands. On a
+ * PC both are looked for from the present folder and then in UTI_IMAGES. One that cannot be loaded
+ * leaves its place empty.
  */
 
 enum {
@@ -1053,7 +1072,8 @@ typedef struct ColorSet {
 /** An edit or a label. */
 typedef struct GraphicEditEntry {
     int32_t handle;    /**< widget, 0 before it is created */
-    char *valueBuffer; /**< text shown at first, or null; freed by the next dialog */
+    char *valueBuffer; /**< text that is shown first or was refreshed last, or null; the library's,
+                            until the next dialog */
     Rectangle area;
     uint32_t justify; /**< alignment code 0 to 8, see `IG_GetJustify` */
     char fontName[DIALOG_TEXT + 1];
@@ -1070,7 +1090,7 @@ typedef struct GraphicEditEntry {
     uint8_t inputFlagD;    /**< several lines, 0: long lines are wrapped */
     uint8_t hideInput;     /**< character shown in place of those typed, or 0 */
     char keySchemeText[DIALOG_LONG_TEXT + 1]; /**< pieces separated by backslash and n */
-    char pattern[DIALOG_LONG_TEXT + 1];       /**< not empty: an input pattern */
+    char pattern[DIALOG_LONG_TEXT + 1];       /**< not empty: a pattern, see `EditRequest` */
     ColorSet colors;
     uint8_t radix;              /**< digits behind the decimal point; set by the edit dialog */
     uint8_t inputFlagF;         /**< 1: filled up from the right; set by the edit dialog */
@@ -1222,8 +1242,8 @@ UTI_API extern GraphicCaption currentGraphicCaptionParameters;
 UTI_API extern GraphicDialogParameters currentGraphicDialogParameters;
 
 /** The description's values for the whole dialog. */
-UTI_API extern uint32_t currentDialogType;         /**< `enum DialogType`; kept until it is set */
-UTI_API extern uint32_t currentDialogTimeout;      /**< ticks, 0 for none; kept until it is set */
+UTI_API extern uint32_t currentDialogType;    /**< `enum DialogType`; kept until it is set */
+UTI_API extern uint32_t currentDialogTimeout; /**< ticks, 0 for none; kept from dialog to dialog */
 UTI_API extern uint32_t currentDialogTrasparency;  /**< 0 opaque, 1 half, 2 transparent (default) */
 UTI_API extern uint32_t currentDialogPositionType; /**< 1: a child form in the area; default 0 */
 UTI_API extern uint8_t currentDialogBorder;        /**< 0: no frame; default 1 */
@@ -1264,8 +1284,9 @@ UTI_API int32_t ParseGraphicColors(ParserNode *node);
 UTI_API int32_t ParseRGB(ParserNode *node);
 
 /* --- records of nodes that applications parse themselves: the library calls none of these parsers
-       and clears none of these records. A value is named after its tag; `shortName` and `text` are
-       not terminated when they fill their field. */
+       and clears none of these records. The tags are drawn in docs/formats.md; a value is named
+       after its tag. The texts `shortName`, `text`, `value77` and `image` have no terminator when
+       they fill their field: read them with `strnlen` or "%.*s". */
 
 typedef struct EditParameters {
     Rectangle area;
@@ -1424,9 +1445,13 @@ typedef struct LabelValue {
 
 /** Returns nonzero to break the dialog off. */
 typedef int32_t (*DialogBreakFunction)(void);
-/** Sets `*labels` to an array with new texts and returns nonzero to have them shown. */
+/** Sets `*labels` to an array with new texts, which ends at a null name or value, and returns
+ * nonzero to have them shown. Return nonzero only when a text has changed: each time the form is
+ * shown anew and what is typed into a refreshed input is replaced, and a function that always asks
+ * keeps the dialog busy. The time that is left stays the same. */
 typedef int32_t (*DialogRefreshFunction)(const LabelValue **labels);
-/** Takes a terminal key code that was pressed; a negative result ends the dialog and is its own. */
+/** Takes a terminal key code that was pressed (`terminal.h`); a negative result ends the dialog and
+ *  is its own, but for Escape, which cancels it. */
 typedef int32_t (*DialogKeyFunction)(uint8_t key);
 /** Takes a key typed into the main edit with the text after it, which it may change: `text` has
  *  room for 128 characters and a zero, the edit takes `maxLength`. Returns nonzero to have the text
@@ -1444,7 +1469,8 @@ typedef struct DialogRequest {
     uintptr_t reserved1;
     DialogBreakFunction needToBreak; /**< called at every event; not for the selection */
     uintptr_t reserved2;
-    uint32_t timeout;                    /**< ticks, 0: the description's */
+    uint32_t
+        timeout; /**< ticks without a key; 0: the description's, or that of the dialog before */
     DialogRefreshFunction refresh;       /**< called at every event; not for the selection */
     DialogKeyFunction keyPostProcessing; /**< called at every key; not for the selection */
     const char *imageName;               /**< message alone: image of the first static text */
@@ -1458,13 +1484,14 @@ typedef struct ConfirmationRequest {
     const char *firstButton;  /**< text of the first button */
 } ConfirmationRequest;
 
-/** An item of a list; the words and the flag go to the toolkit as its `IgMenuItem`. */
+/** An item of a list; the words and the flag go to the toolkit as its `IgMenuItem`. The texts must
+ *  live as long as the list is on the display. */
 typedef struct ListItem {
-    uintptr_t word1;
-    uintptr_t word2;
-    uint8_t flag;
-    uintptr_t word3;
-    const char *imageName;
+    uintptr_t word1;       /**< address of its text (`const char *`), or 0 */
+    uintptr_t word2;       /**< address of a second text, shown at the right, or 0 */
+    uint8_t flag;          /**< nonzero: chosen at first; the first such item counts */
+    uintptr_t word3;       /**< the application's own */
+    const char *imageName; /**< or null */
 } ListItem;
 
 typedef struct ListRequest {
@@ -1480,9 +1507,17 @@ typedef struct InputLimits {
     uint32_t kind; /**< 1 digits, 2 any text, 3 an amount; others leave the description's */
 } InputLimits;
 
+/** The text of an edit is what the toolkit gives:
+ *
+ *  - of a pattern such as "__.__.____", in which every underscore is a place to fill, the
+ * characters in the places alone ("31122026"), and so is the text that is shown at first;
+ *  - of an amount, digits with a point, without blanks or a sign: "12", "12.3", "12.30" as they
+ * were typed, with at most `radix` digits behind the point; with `option` 1 and a radix every digit
+ *    moves the others to the left, so that typing 5 gives "0.05" and all `radix` digits are there;
+ *    empty when nothing was entered. */
 typedef struct EditRequest {
     DialogRequest dialog;
-    uint8_t radix;       /**< digits behind the decimal point, 0: the description's */
+    uint8_t radix;       /**< digits behind the decimal point, 0: none */
     uint8_t option;      /**< 1: an amount is filled up from the right */
     const char *pattern; /**< up to 256 characters; empty or longer: the description's */
     uint8_t fillSymbol;  /**< 0: the description's */
@@ -1493,20 +1528,22 @@ typedef struct EditRequest {
 /** How a message is shown. */
 enum ShowMode {
     SHOW_AND_RETURN = 0,   /**< at once; the form stays on the display */
-    SHOW_UNLIMITED = 1,    /**< until a key */
-    SHOW_WITH_TIMEOUT = 2, /**< until a key or the time-out */
-    SHOW_SHORTLY = 3       /**< until a key, for 1000 ticks at most */
+    SHOW_UNLIMITED = 1,    /**< until Enter or Escape */
+    SHOW_WITH_TIMEOUT = 2, /**< until Enter, Escape or the time-out, which every key starts anew */
+    SHOW_SHORTLY = 3       /**< likewise, with a time-out of 1000 ticks */
 };
 
-/** Shows a description of type 0. Without a time-out in the description and the request, modes 1
- * and 2 show it and return at once. Results of this and the next five calls: 0 for confirmed, for
- * shown without waiting, and while dialogs are deactivated; UTI_DIALOG_TIME_OUT,
+/** Shows a description of type 0. Without a time-out (`currentDialogTimeout` is 0, nothing having
+ * set it) modes 1 and 2 show it and return at once. Results of this and the next five calls: 0 for
+ * confirmed, for shown without waiting, and while dialogs are deactivated; UTI_DIALOG_TIME_OUT,
  * UTI_DIALOG_CANCELLED, UTI_DIALOG_BROKEN_OFF; a negative result of the key function; a toolkit
  * code minus 5000; a code of `GetDialogParameters`; the negative display handle or result of
  * `igUI_Add` as it is. */
 UTI_API int32_t DialogMessage_Show(const DialogRequest *request, uint32_t mode);
 
-/** Asks for a confirmation with a description of type 3. */
+/** Asks for a confirmation with a description of type 3. 0 for Enter and for every button that ends
+ *  the form, UTI_DIALOG_CANCELLED for Escape and a button whose key is Escape. When it fails before
+ *  it is shown, the request's functions stay installed until the next dialog ends. */
 UTI_API int32_t DialogConfirmation_DoModal(const ConfirmationRequest *request);
 
 /** Like a confirmation between two image buttons: each of the two buttons gets its suffix appended
@@ -1516,17 +1553,20 @@ UTI_API int32_t DialogSelect_DoModal_IG(const ConfirmationRequest *request, cons
                                         const char *secondSuffix);
 
 /** Has a text edited with a description of type 1: its second edit, or its IP edit when it has
- * fewer than two edits. `buffer` holds the text shown at first and receives the text entered, up to
- *  `size` - 1 characters and a zero; the dialog runs again while it is confirmed with fewer
- *  characters than the shortest length. A null buffer or size 0 returns no text. */
+ * fewer than two edits. `buffer` holds the text shown at first, zero-terminated and shown whole
+ *  whatever `size` is, and receives the text entered, however the dialog ended, up to `size` - 1
+ *  characters and a zero; the dialog runs again while it is confirmed with fewer characters than
+ * the shortest length. Size 0 returns no text and leaves the buffer alone; with a null buffer
+ *  the edit is empty at first and the request's pattern, limits and the like are not used. */
 UTI_API int32_t DialogEdit_DoModal(const EditRequest *request, char *buffer, uint32_t size);
 
 /** Has an item chosen with a description of type 2. Returns its index from 0; UTI_DIALOG_NOT_FOUND
  *  when the description has no menu. */
 UTI_API int32_t DialogList_DoModal(const ListRequest *request);
 
-/** Has a signature drawn with a description of type 4 and saves it to a file. Returns
- *  UTI_DIALOG_NOTHING_SAVED when nothing was drawn. */
+/** Has a signature drawn with a description of type 4 and saves it to a file, which the toolkit
+ *  writes: on a PC a PNG picture of the size of the box, black on white. Returns
+ *  UTI_DIALOG_NOTHING_SAVED when nothing was drawn; no file is then written. */
 UTI_API int32_t DialogSignature_DoModal(const DialogRequest *request, const char *fileName);
 
 /** The running dialog. Applications may set the four callbacks before a call; the call clears the
@@ -1570,7 +1610,8 @@ UTI_API int32_t Dialogs_Deactivate(void);
  *  deactivated; UTI_IMAGE_NOT_VALID; a toolkit or display code minus 5000, but -2102 as it is. */
 UTI_API int32_t DrawImage_IG(int16_t x, int16_t y, const char *fileName, const char *caption);
 
-/** Sets the picture behind all forms. Returns the result of the toolkit, or the negative display
+/** Sets the picture behind all forms; a null or empty name takes it away. Returns the result of the
+ *  toolkit, negative when the file cannot be loaded and the picture stays, or the negative display
  *  handle. */
 UTI_API int32_t SetBackgroundImage_IG(const char *fileName);
 
