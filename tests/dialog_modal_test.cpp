@@ -433,7 +433,7 @@ TEST_F(Modal, EditReturnsTheTextAndRunsAgainWhileItIsTooShort) {
         EXPECT_EQ(toHex({buffer.data(), row.size}), toHex(row.after));
         EXPECT_EQ(countOf(toolkit.calls, "igUI_ShowExt"), row.runs);
         EXPECT_NE(toolkit.calls.find(row.calls), std::string::npos);
-        EXPECT_EQ(toolkit.take({"igUI_SetKeyb"}), "igUI_SetKeyboard \"own\"\n");
+        EXPECT_EQ(toolkit.take({"igUI_SetKeyb"}), "igUI_SetKeyboard own\n");
     }
     EXPECT_EQ(edit(nullptr, 9), 0);
     serve(description(4));

@@ -7,26 +7,6 @@ namespace fake {
 
 namespace {
 
-// How arguments are written; handles are checked too, as those of one of the kinds.
-struct Handle {
-    int32_t value;
-    const char *kinds;
-};
-Handle aForm(int32_t form) {
-    return {form, "form "};
-}
-Handle anImage(int32_t image) {
-    return {image, "image "};
-}
-constexpr const char *anyWidget =
-    "static button multiLine pattern input ip menuBox signBox progress ";
-Handle aWidget(int32_t widget, const char *kinds = anyWidget) {
-    return {widget, kinds};
-}
-struct Hex {
-    uint32_t value;
-};
-
 Object *find(int32_t handle) {
     const auto found = toolkit().objects.find(handle);
     return found == toolkit().objects.end() ? nullptr : &found->second;
@@ -38,78 +18,108 @@ std::string name(int32_t handle) {
     return !object ? number : object->kind == "image" ? object->value : object->kind + number;
 }
 
-template <class Number>
-std::string shown(Number value) {
-    return std::to_string(value);
-}
-std::string shown(const char *text) {
+std::string quoted(const char *text) {
     std::string quoted = text ? "\"" : "null";
     for (; text && *text; ++text)
         quoted += *text == '\n' ? "^J" : std::string(1, *text);
-    return text ? quoted + '"' : quoted;
-}
-std::string shown(Hex hex) {
-    char text[16];
-    snprintf(text, sizeof text, "0x%X", hex.value);
-    return text;
-}
-std::string shown(const Handle &handle) {
-    return name(handle.value);
+    return quoted[0] == '"' ? quoted + '"' : quoted;
 }
 
-template <class Any>
-bool accepts(const std::string &, const Any &) {
-    return true;
-}
-bool accepts(const std::string &function, const Handle &handle) {
-    const Object *object = find(handle.value);
-    if (handle.value <= 0)
-        return handle.kinds == anImage(0).kinds;
-    if (object && std::strstr(handle.kinds, (object->kind + ' ').c_str()))
+// What the rows of the toolkit's functions give of a call.
+struct Form {
+    int32_t value;
+};
+struct Widget {
+    int32_t value;
+};
+struct Image {
+    int32_t value;
+};
+struct Hex {
+    uint32_t value;
+};
+
+// An argument: how it is written, and what the call does with it.
+struct Argument {
+    enum Kind { plain, form, widget, image };
+
+    template <class Number>
+    Argument(Number value) : shown(std::to_string(value)), number(static_cast<uint32_t>(value)) {}
+    Argument(const char *value) : shown(quoted(value)), text(value) {}
+    Argument(Hex bits) : shown(16, 0) {
+        shown.resize(static_cast<std::size_t>(snprintf(shown.data(), 16, "0x%X", bits.value)));
+    }
+    Argument(Form of) : Argument(of.value, form) {}
+    Argument(Widget of) : Argument(of.value, widget) {}
+    Argument(Image of) : Argument(of.value, image) {}
+    Argument(IgEventCallback function) : onEvent(function) {}
+    Argument(IgInputFunction function)
+        : shown(function == IG_KeyPushCallback ? "own" : ""), onKey(function) {}
+
+    int32_t handle() const { return static_cast<int32_t>(number); }
+
+    std::string shown;
+    uint32_t number = 0;
+    const char *text = nullptr;
+    Kind kind = plain;
+    IgEventCallback onEvent = nullptr;
+    IgInputFunction onKey = nullptr;
+
+private:
+    Argument(int32_t handle, Kind of)
+        : shown(name(handle)), number(static_cast<uint32_t>(handle)), kind(of) {}
+};
+using Arguments = std::vector<Argument>;
+
+// Kinds of objects: the functions that create them, and those that take them and what others.
+constexpr struct {
+    const char *functions, *kind;
+    int32_t type;
+    const char *also;
+} kinds[] = {
+    {"igForm_", "form", 0, ""},
+    {"igChildForm_", "form", 0, ""},
+    {"igStatic_", "static", IG_WIDGET_STATIC, ""},
+    {"igButton_", "button", IG_WIDGET_BUTTON, ""},
+    {"igInput_", "input", IG_WIDGET_INPUT, "pattern"},
+    {"igInput_SetControlCodes", "input", IG_WIDGET_INPUT, "ip"},
+    {"igMultiLine_", "multiLine", IG_WIDGET_MULTI_LINE, ""},
+    {"igPatternInput_", "pattern", IG_WIDGET_PATTERN_INPUT, ""},
+    {"igPatternInput_SetPattern", "pattern", IG_WIDGET_PATTERN_INPUT, "ip"},
+    {"igIPInput_", "ip", IG_WIDGET_IP_INPUT, ""},
+    {"igMenuBox_", "menuBox", IG_WIDGET_MENU_BOX, ""},
+    {"igProgress_", "progress", IG_WIDGET_PROGRESS, ""},
+    {"igSignBox_", "signBox", IG_WIDGET_SIGN_BOX, ""},
+};
+
+// Whether a function takes a handle: one of a living object of its kind, or no image.
+bool accepts(const std::string &function, const Argument &argument) {
+    if (argument.kind == Argument::plain)
         return true;
-    toolkit().mistakes += function + " of " + name(handle.value) + '\n';
-    return false;
+    if (argument.handle() <= 0)
+        return argument.kind == Argument::image;
+    const Object *object = find(argument.handle());
+    bool fits = false;
+    if (object && argument.kind != Argument::widget)
+        fits = object->kind == (argument.kind == Argument::form ? "form" : "image");
+    else if (object && (function.starts_with("igWidget_") || function.starts_with("igForm_")))
+        fits = object->type != 0;
+    else if (object)
+        fits = std::any_of(std::begin(kinds), std::end(kinds), [&](const auto &each) {
+            return function.starts_with(each.functions) &&
+                   (object->kind == each.kind || object->kind == each.also);
+        });
+    if (!fits)
+        toolkit().mistakes += function + " of " + name(argument.handle()) + '\n';
+    return fits;
 }
 
-// The result of a call: that of a fault, the answer that the test gave, a refusal, or 0.
-template <class... Args>
-int32_t asked(const std::string &function, Args... args) {
-    if (fails(Call::toolkit)) {
-        toolkit().failed = function;
-        return failure;
+// Reads the texts that the widgets of all forms were given: none may have been freed.
+void rereadTexts() {
+    for (const auto &[handle, object] : toolkit().objects) {
+        for (const char *text : object.form != 0 ? object.texts : std::vector<const char *>{})
+            toolkit().read += text ? std::strlen(text) : 0;
     }
-    const std::string line = function + ((' ' + shown(args)) + ... + "");
-    for (const std::string &key : {line, function}) {
-        if (const auto given = toolkit().answers.find(key); given != toolkit().answers.end())
-            return given->second;
-    }
-    return ((accepts(function, args) ? 0 : 1) + ... + 0) == 0 ? 0 : refused;
-}
-
-// The same for a call that is written.
-template <class... Args>
-int32_t told(const std::string &function, Args... args) {
-    toolkit().calls += function + ((' ' + shown(args)) + ... + "\n");
-    return asked(function, args...);
-}
-
-// Creates an object when the call succeeds, and writes its name behind the call. The object goes on
-// reading `text`.
-template <class... Args>
-int32_t create(const char *kind, int32_t type, const char *text, const char *function,
-               Args... args) {
-    const int32_t result = told(function, args...);
-    if (result != 0)
-        return result;
-    Object object;
-    object.kind = kind;
-    object.type = type;
-    object.texts = {text};
-    const int32_t handle = ++toolkit().lastHandle;
-    toolkit().objects[handle] = object;
-    toolkit().calls.back() = ' ';
-    toolkit().calls += "= " + name(handle) + '\n';
-    return handle;
 }
 
 // Reads the texts of a form's widgets, as drawing them does.
@@ -118,7 +128,7 @@ void draw(int32_t form) {
     drawn.clear();
     for (const auto &[handle, object] : toolkit().objects) {
         for (const char *text : object.form == form ? object.texts : std::vector<const char *>{})
-            drawn += text ? shown(text) + ' ' : "";
+            drawn += text ? quoted(text) + ' ' : "";
     }
 }
 
@@ -180,14 +190,87 @@ void remove(int32_t form) {
                   [&](const auto &each) { return each.first == form || each.second.form == form; });
 }
 
-void readKeyScheme(int32_t widget, int32_t number) {
-    const auto &scheme = toolkit().keySchemes[number];
-    find(widget)->texts.insert(find(widget)->texts.end(), scheme.begin(), scheme.end());
-}
-
 const char *textOf(int32_t widget) {
     const char *text = find(widget)->texts[0];
     return text ? text : "";
+}
+
+// What calls do beyond being written, and the value that those give which ask for one.
+const std::map<std::string, std::function<int32_t(const Arguments &)>> effects = {
+    {"igUI_Show", [](auto &a) { return draw(a[0].handle()), 0; }},
+    {"igUI_Del", [](auto &a) { return remove(a[0].handle()), 0; }},
+    {"igUI_ShowExt", [](auto &a) { return run(a[0].handle(), a[1].onEvent), 0; }},
+    {"igUI_GetWidth", [](auto &) { return 240; }},
+    {"igUI_GetHeight", [](auto &) { return 320; }},
+    {"igForm_Add", [](auto &a) { return find(a[1].handle())->form = a[0].handle(), 0; }},
+    {"igForm_SetFocused", [](auto &a) { return find(a[0].handle())->focus = a[1].handle(), 0; }},
+    {"igForm_SetTimeOut", [](auto &a) { return find(a[0].handle())->timeOut = a[1].number, 0; }},
+    {"igForm_ResetTime",
+     [](auto &a) { return find(a[0].handle())->started = terminal().ticks, 0; }},
+    {"igForm_GetState", [](auto &a) { return find(a[0].handle())->state; }},
+    {"igForm_GetClientWidth", [](auto &) { return 236; }},
+    {"igForm_GetClientHeight", [](auto &) { return 300; }},
+    {"igWidget_GetType", [](auto &a) { return find(a[0].handle())->type; }},
+    {"igWidget_SetKeyScheme",
+     [](auto &a) {
+         const auto &scheme = toolkit().keySchemes[a[1].handle()];
+         auto &texts = find(a[0].handle())->texts;
+         texts.insert(texts.end(), scheme.begin(), scheme.end());
+         return 0;
+     }},
+    {"igInput_SetValue",
+     [](auto &a) { return find(a[0].handle())->value = a[1].text ? a[1].text : "", 0; }},
+    {"igInput_GetMaxLen", [](auto &) { return 9; }},
+    {"igInput_SetUserFunc", [](auto &a) { return find(a[0].handle())->function = a[1].onKey, 0; }},
+    {"igMultiLine_SetValue", [](auto &a) { return find(a[0].handle())->texts = {a[1].text}, 0; }},
+    {"igIPInput_SetIPtext", [](auto &a) { return find(a[0].handle())->texts = {a[1].text}, 0; }},
+    {"igMenuBox_GetSelected", [](auto &) { return 1; }},
+};
+
+// Creates an object and writes its name behind the call. A widget goes on reading its text.
+int32_t create(const std::string &function, const Arguments &arguments) {
+    const auto *of = std::find_if(std::begin(kinds), std::end(kinds),
+                                  [&](auto &each) { return function.starts_with(each.functions); });
+    Object object;
+    object.kind = of->kind;
+    object.type = of->type;
+    const auto text =
+        std::find_if(arguments.begin(), arguments.end(), [](auto &each) { return each.text; });
+    object.texts = {of->type != 0 && text != arguments.end() ? text->text : nullptr};
+    const int32_t handle = ++toolkit().lastHandle;
+    toolkit().objects[handle] = object;
+    toolkit().calls.back() = ' ';
+    toolkit().calls += "= " + name(handle) + '\n';
+    return handle;
+}
+
+// Any call. Its result is that of a fault, the answer that the test gave, a refusal, or its own.
+int32_t call(const std::string &function, const Arguments &arguments) {
+    std::string line = function;
+    for (const Argument &argument : arguments)
+        line += argument.shown.empty() ? "" : ' ' + argument.shown;
+    const bool asks =
+        function.find("_Get") != std::string::npos || function.starts_with("igImage_");
+    rereadTexts();
+    if (!asks)
+        toolkit().calls += line + '\n';
+    if (fails(Call::toolkit)) {
+        toolkit().failed = function;
+        return failure;
+    }
+    for (const std::string &key : {line, function}) {
+        const auto given = toolkit().answers.find(key);
+        if (given != toolkit().answers.end() && given->second != 0)
+            return given->second;
+    }
+    for (const Argument &argument : arguments) {
+        if (!accepts(function, argument))
+            return refused;
+    }
+    if (function.ends_with("_Create"))
+        return create(function, arguments);
+    const auto effect = effects.find(function);
+    return effect == effects.end() ? 0 : effect->second(arguments);
 }
 
 } // namespace
@@ -220,146 +303,12 @@ void resetToolkit() {
 using namespace fake;
 using namespace std::string_literals;
 
-// The calls are rows of these: one that is written; one that then does something; one that asks for
-// a value; one that creates an object which goes on reading `text`.
-#define CALL(function, parameters, ...)                                                            \
+#define ROW(function, parameters, ...)                                                             \
     int32_t function parameters {                                                                  \
-        return told(#function __VA_OPT__(, ) __VA_ARGS__);                                         \
+        return call(#function, {__VA_ARGS__});                                                     \
     }
-#define SET(function, parameters, effect, ...)                                                     \
-    int32_t function parameters {                                                                  \
-        const int32_t result = told(#function, __VA_ARGS__);                                       \
-        if (result == 0)                                                                           \
-            effect;                                                                                \
-        return result;                                                                             \
-    }
-#define ASK(function, parameters, value, ...)                                                      \
-    int32_t function parameters {                                                                  \
-        const int32_t result = asked(#function __VA_OPT__(, ) __VA_ARGS__);                        \
-        return result == 0 ? value : result;                                                       \
-    }
-#define CREATE(function, parameters, kind, type, text, ...)                                        \
-    int32_t function parameters {                                                                  \
-        return create(kind, type, text, #function, __VA_ARGS__);                                   \
-    }
-#define VALUE(function, Type) CALL(function, (int32_t widget, Type value), aWidget(widget), value)
-#define OPTIONS(function) CALL(function, (int32_t form, uint32_t bits), aForm(form), Hex{bits})
-#define COLORS(function, Target)                                                                   \
-    CALL(function, (int32_t handle, uint16_t front, uint16_t back), Target(handle), Hex{front},    \
-         Hex{back})
-#define FRAME int16_t x, int16_t y, int16_t w, int16_t h
-
-// clang-format off
-CALL(igUI_Add, (int32_t, int32_t form), aForm(form))
-SET(igUI_Show, (int32_t, int32_t form), draw(form), aForm(form))
-SET(igUI_Del, (int32_t, int32_t form), remove(form), aForm(form))
-SET(igUI_ShowExt, (int32_t, int32_t form, IgEventCallback callback),
-    run(form, callback), aForm(form))
-CALL(igUI_SetFileFont, (int32_t, int32_t slot, const char *file), slot, file)
-CALL(igUI_SetKeyboard, (int32_t, IgKeyboardHandler handler),
-     handler == IG_KeyPushCallback ? "own" : "other")
-CALL(igUI_BlockInput, (int32_t, int32_t block), block)
-ASK(igUI_GetWidth, (int32_t), 240)
-ASK(igUI_GetHeight, (int32_t), 320)
-CALL(igUI_SetBackgroundImage, (int32_t, int32_t image), anImage(image))
-
-CREATE(igForm_Create, (const char *caption, int32_t flags), "form", 0, nullptr, caption, flags)
-CREATE(igChildForm_Create, (FRAME, const char *caption, int32_t flags), "form", 0, nullptr,
-       x, y, w, h, caption, flags)
-OPTIONS(igForm_SetOption)
-OPTIONS(igForm_ClearOption)
-COLORS(igForm_SetColors, aForm)
-COLORS(igForm_SetHeaderColors, aForm)
-CALL(igForm_SetHeaderFont, (int32_t form, uint16_t font), aForm(form), font)
-CALL(igForm_SetHeaderHeight, (int32_t form, int16_t height), aForm(form), height)
-CALL(igForm_SetHeaderJustify, (int32_t form, uint32_t justify), aForm(form), justify)
-SET(igForm_Add, (int32_t form, int32_t widget),
-    find(widget)->form = form, aForm(form), aWidget(widget))
-CALL(igForm_Reset, (int32_t form), aForm(form))
-SET(igForm_SetFocused, (int32_t form, int32_t widget),
-    find(form)->focus = widget, aForm(form), aWidget(widget))
-SET(igForm_SetTimeOut, (int32_t form, uint32_t ticks),
-    find(form)->timeOut = ticks, aForm(form), ticks)
-SET(igForm_ResetTime, (int32_t form), find(form)->started = terminal().ticks, aForm(form))
-ASK(igForm_GetState, (int32_t form), find(form)->state, aForm(form))
-ASK(igForm_GetClientWidth, (int32_t form), 236, aForm(form))
-ASK(igForm_GetClientHeight, (int32_t form), 300, aForm(form))
-
-ASK(igWidget_GetType, (int32_t widget), find(widget)->type, aWidget(widget))
-ASK(igWidget_GetDeltaY, (int32_t widget, int32_t direction), 0, aWidget(widget), direction)
-SET(igWidget_SetKeyScheme, (int32_t widget, int32_t number),
-    readKeyScheme(widget, number), aWidget(widget), number)
-VALUE(igWidget_SetBorder, uint32_t)
-VALUE(igWidget_SetJustify, uint32_t)
-VALUE(igWidget_SetTransparency, uint32_t)
-VALUE(igWidget_SetFont, uint16_t)
-COLORS(igWidget_SetActiveColor, aWidget)
-COLORS(igWidget_SetPassiveColor, aWidget)
-CALL(igWidget_SetActiveBackImage, (int32_t widget, int32_t image), aWidget(widget), anImage(image))
-CALL(igWidget_SetPassiveBackImage, (int32_t widget, int32_t image), aWidget(widget), anImage(image))
-
-CREATE(igStatic_Create, (FRAME, const char *text, int32_t image), "static", IG_WIDGET_STATIC, text,
-       x, y, w, h, text, anImage(image))
-CALL(igStatic_SetImage, (int32_t widget, int32_t image), aWidget(widget, "static "), anImage(image))
-CREATE(igButton_Create, (FRAME, const char *text, int32_t image, uint8_t key),
-       "button", IG_WIDGET_BUTTON, text, x, y, w, h, text, anImage(image), key)
-CALL(igButton_SetOption, (int32_t widget, uint32_t bits), aWidget(widget, "button "), bits)
-
-#define INPUT aWidget(widget, "input pattern ")
-#define PATTERN_OR_IP(handle) aWidget(handle, "pattern ip ")
-CREATE(igInput_Create, (FRAME, uint16_t most, uint32_t style), "input", IG_WIDGET_INPUT, nullptr,
-       x, y, w, h, most, Hex{style})
-CALL(igInput_SetRadix, (int32_t widget, uint8_t radix), INPUT, radix)
-CALL(igInput_SetHideSymbol, (int32_t widget, uint8_t symbol), INPUT, symbol)
-SET(igInput_SetValue, (int32_t widget, const char *text),
-    find(widget)->value = text ? text : "", INPUT, text)
-ASK(igInput_GetMaxLen, (int32_t widget), 9, INPUT)
-CALL(igInput_SetControlCodes, (int32_t widget, uint8_t a, uint8_t b, uint8_t c, uint8_t d),
-     aWidget(widget, "input pattern ip "), a, b, c, d)
-SET(igInput_SetUserFunc, (int32_t widget, IgInputFunction function, int32_t a, int32_t b, int32_t c),
-    find(widget)->function = function, INPUT, a, b, c)
-CREATE(igMultiLine_Create, (FRAME, uint32_t style, const char *text),
-       "multiLine", IG_WIDGET_MULTI_LINE, text, x, y, w, h, Hex{style}, text)
-CALL(igMultiLine_SetMaxLen, (int32_t widget, uint16_t most), aWidget(widget, "multiLine "), most)
-SET(igMultiLine_SetValue, (int32_t widget, const char *text), find(widget)->texts[0] = text,
-    aWidget(widget, "multiLine "), text)
-CREATE(igPatternInput_Create, (FRAME, uint32_t style, const char *pattern),
-       "pattern", IG_WIDGET_PATTERN_INPUT, pattern, x, y, w, h, Hex{style}, pattern)
-CALL(igPatternInput_SetMaxLen, (int32_t widget, uint16_t most), aWidget(widget, "pattern "), most)
-COLORS(igPatternInput_SetPatternActiveColor, PATTERN_OR_IP)
-COLORS(igPatternInput_SetPatternPassiveColor, PATTERN_OR_IP)
-CALL(igPatternInput_SetFillSymbol, (int32_t widget, char symbol),
-     aWidget(widget, "pattern "), symbol)
-CREATE(igIPInput_Create, (FRAME, uint32_t style),
-       "ip", IG_WIDGET_IP_INPUT, nullptr, x, y, w, h, Hex{style})
-SET(igIPInput_SetIPtext, (int32_t widget, const char *text), find(widget)->texts[0] = text,
-    aWidget(widget, "ip "), text)
-ASK(igIPInput_GetIPtext, (int32_t widget, char *buffer, uint32_t size),
-    snprintf(buffer, size, "%s", textOf(widget)), aWidget(widget, "ip "))
-
-CREATE(igMenuBox_Create, (FRAME, uint32_t columns, uint32_t style),
-       "menuBox", IG_WIDGET_MENU_BOX, nullptr, x, y, w, h, columns, Hex{style})
-#define MENU aWidget(menu, "menuBox ")
-CALL(igMenuBox_AddItemExt2, (int32_t menu, const IgMenuItem *item, int32_t image, uint16_t font),
-     MENU, item->text, item->detail, item->data, item->selected, anImage(image), font)
-VALUE(igMenuBox_SetItemsTransparency, uint32_t)
-COLORS(igMenuBox_SetItemsActiveColor, aWidget)
-COLORS(igMenuBox_SetItemsPassiveColor, aWidget)
-VALUE(igMenuBox_SetItemsActiveBorder, uint32_t)
-VALUE(igMenuBox_SetRowDelta, int32_t)
-VALUE(igMenuBox_SetAccelFont, uint16_t)
-CALL(igMenuBox_SetControlCodes, (int32_t menu, uint8_t a, uint8_t b, uint8_t c, uint8_t d),
-     MENU, a, b, c, d)
-ASK(igMenuBox_GetSelected, (int32_t menu), 1, MENU)
-CREATE(igProgress_Create, (FRAME), "progress", IG_WIDGET_PROGRESS, nullptr, x, y, w, h)
-CREATE(igSignBox_Create, (FRAME), "signBox", IG_WIDGET_SIGN_BOX, nullptr, x, y, w, h)
-CALL(igSignBox_SetLineWidth, (int32_t box, int32_t pixels), aWidget(box, "signBox "), pixels)
-CALL(igSignBox_SaveData, (int32_t box, const char *file), aWidget(box, "signBox "), file)
-
-CALL(IG_EnableStatusLine, (void))
-CALL(IG_DisableStatusLine, (void))
-CALL(IG_KeyPushCallback, (int32_t display, int32_t key), display, key)
-// clang-format on
+#pragma GCC diagnostic ignored "-Wunused-parameter"
+#include "common/toolkit_functions.h"
 
 int32_t igUI_IsModal(void) {
     return toolkit().running;
@@ -370,12 +319,22 @@ int32_t igUI_SetKeyScheme(int32_t, int32_t number, char *const scheme[12]) {
     for (int i = 0; i < 12; ++i)
         pieces += scheme[i] ? scheme[i] + "|"s : "-";
     toolkit().keySchemes[number].assign(scheme, scheme + 12);
-    return told("igUI_SetKeyScheme", number, pieces.c_str());
+    return call("igUI_SetKeyScheme", {number, pieces.c_str()});
+}
+
+int32_t igForm_GetState(int32_t form) {
+    return call("igForm_GetState", {Form{form}});
+}
+
+int32_t igWidget_GetDeltaY(int32_t widget, int32_t direction) {
+    return call("igWidget_GetDeltaY", {Widget{widget}, direction});
 }
 
 int32_t igImage_CreateFromFile(const char *fileName) {
-    const int32_t result = fileName && *fileName ? asked("igImage_CreateFromFile", fileName) : 0;
-    if (result != 0 || !fileName || *fileName == 0)
+    if (!fileName || *fileName == 0)
+        return 0;
+    const int32_t result = call("igImage_CreateFromFile", {fileName});
+    if (result != 0)
         return result;
     Object image;
     image.kind = "image";
@@ -385,11 +344,16 @@ int32_t igImage_CreateFromFile(const char *fileName) {
 }
 
 const char *igInput_GetValue(int32_t widget) {
-    return asked("igInput_GetValue", INPUT) == 0 ? find(widget)->value.c_str() : "";
+    return call("igInput_GetValue", {Widget{widget}}) == 0 ? find(widget)->value.c_str() : "";
 }
 
 const char *igMultiLine_GetValue(int32_t widget) {
-    return asked("igMultiLine_GetValue", aWidget(widget, "multiLine ")) == 0 ? textOf(widget) : "";
+    return call("igMultiLine_GetValue", {Widget{widget}}) == 0 ? textOf(widget) : "";
+}
+
+int32_t igIPInput_GetIPtext(int32_t widget, char *buffer, uint32_t size) {
+    const int32_t result = call("igIPInput_GetIPtext", {Widget{widget}});
+    return result == 0 ? snprintf(buffer, size, "%s", textOf(widget)) : result;
 }
 
 void IG_UpdateStatusLine(void) {
@@ -397,8 +361,13 @@ void IG_UpdateStatusLine(void) {
 }
 
 int32_t IG_GetFullImagePath(const char *name, char *buffer, uint32_t capacity) {
-    toolkit().calls += "IG_GetFullImagePath " + shown(name) + ' ' + shown(capacity) + '\n';
+    toolkit().calls +=
+        "IG_GetFullImagePath " + quoted(name) + ' ' + std::to_string(capacity) + '\n';
     if (name && *name != 0)
         snprintf(buffer, capacity, "img/%s", name);
     return 0;
+}
+
+int32_t IG_KeyPushCallback(int32_t display, int32_t key) {
+    return call("IG_KeyPushCallback", {display, key});
 }
