@@ -85,14 +85,16 @@ int32_t IG_EventCallback(uint8_t *key) {
     IG_AdditionalListElements();
     if (Display_CheckEvent() != 0)
         return IG_STATE_CONFIRMED;
-    const uint32_t turn = dialogTurn;
+    // A function that shows something else in place of this dialog is the last one called.
+    const auto isLost = [turn = dialogTurn] { return dialogTurn != turn; };
     if (NeedToBreakFunction && NeedToBreakFunction() != 0)
         return stateBroken;
-    if (RefreshDialogFunction && RefreshDialogFunction(&refLabelData) != 0 && refLabelData)
+    if (!isLost() && RefreshDialogFunction && RefreshDialogFunction(&refLabelData) != 0 &&
+        refLabelData)
         return stateRefresh;
-    if (KeyPostProcessingFunction && !postProcessKey())
+    if (!isLost() && KeyPostProcessingFunction && !postProcessKey())
         return stateBroken;
-    if (dialogTurn != turn) // one of them has shown something else in place of this dialog
+    if (isLost())
         return IG_STATE_CANCELLED;
 
     const uint8_t code = key ? *key : 0;

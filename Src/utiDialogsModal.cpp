@@ -31,6 +31,9 @@ constexpr DialogKind signature{.type = DIALOG_SIGNATURE, .labels = false};
 
 // --- the run
 
+// A form waits for its end; what is called now is called from its callbacks.
+constinit bool isWaiting = false;
+
 using SetText = int32_t (*)(int32_t widget, const char *text);
 
 // The operation that gives a widget another text, or null when it has none.
@@ -113,10 +116,12 @@ int32_t Dialogs_RunForm(uint32_t mode) {
             return toolkitFailure(shown);
         if (mode == SHOW_AND_RETURN)
             return UTI_OK;
+        const bool wasWaiting = std::exchange(isWaiting, true);
         while (dialogTurn == turn && igUI_IsModal() != 0) {
             Wait(1);
             WaitSleep(pollMilliseconds);
         }
+        isWaiting = wasWaiting;
         // A callback has shown something else in place of this dialog: no state is its own now.
         if (dialogTurn != turn)
             return asserts.fail(UTI_DIALOG_CANCELLED);
@@ -176,6 +181,9 @@ int32_t performDialog(const DialogRequest &request, const DialogKind &kind, Dial
     if (dialogDeactivate != 0)
         return UTI_OK;
 
+    if (isWaiting) // the functions of the dialog below would be asked, and might show this one
+                   // again
+        clearCallbacks();
     int32_t result = prepareDialog(request, kind, steps);
     const bool prepared = result >= 0;
     if (prepared)

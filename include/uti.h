@@ -1016,8 +1016,8 @@ UTI_API const char *UTILS_GetVersion(void);
  * A dialog call or `DrawImage_IG` from a callback of a running dialog takes that dialog's place:
  * the new one runs as ever, whether it can be shown or not, and the one below it is over. It ends
  * with UTI_DIALOG_CANCELLED, whatever the callback returns, and is reported; it never counts as
- * confirmed, and the buffer of an edit is left as it was. To ask something, return nonzero from
- * `needToBreak` and ask after the call.
+ * confirmed, the buffer of an edit is left as it was, and its functions are not called again. To
+ * ask something, return nonzero from `needToBreak` and ask after the call.
  *
  * Ticks are the milliseconds of `GetTicks`. A time-out stays from one dialog to the next, until a
  * description, a request or a message of SHOW_SHORTLY sets another: give every description or

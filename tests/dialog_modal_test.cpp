@@ -183,12 +183,84 @@ TEST_F(Modal, RefreshKeepsTheAllowedTime) {
     EXPECT_EQ(confirm({{0, typeEscape}}), -3202);
     app.labels = nullptr;
     EXPECT_EQ(confirm({{}, {13}}), 0) << "a refresh without labels is none";
+    const LabelValue kept[] = {{"m", "kept"}, {nullptr, nullptr}};
+    request.labelValues = kept;
+
+    // A widget that refuses a text goes on with the one that it has.
+    app.labels = labels;
+    toolkit.take();
+    for (const char *refuses : {"igMultiLine_SetValue", "igWidget_GetType"}) {
+        app = {};
+        app.labels = labels;
+        app.refreshAt = 2;
+        const Event refuse{0, [=] { fake::toolkit().answers[refuses] = -3; }};
+        EXPECT_EQ(confirm({{}, refuse, {0, refreshNoMore}, {13}}), 0);
+        EXPECT_EQ(toolkit.drawn, "\"_\" \"kept\" ");
+        toolkit.answers.clear();
+    }
 
     // A label without a widget: the walk goes on to the last of the values.
-    app.labels = labels;
+    app.refreshAt = 0;
     toolkit.answers["igInput_Create"] = -3;
     EXPECT_EQ(confirm({{}, {0, typeEscape}}), -3202);
     EXPECT_STREQ(currentGraphicLabelParameters.entries[0].valueBuffer, "more");
+}
+
+// What a callback shows takes the place of the running dialog, which is then over; whatever becomes
+// of the other one, and whatever the callback returns, it is not confirmed.
+TEST_F(Modal, OtherDialogFromACallback) {
+    static DialogRequest other;
+    static std::function<int32_t()> show;
+    static int32_t (*const shows)() = [] { return show ? std::exchange(show, nullptr)() : 0; };
+    static constexpr auto message = [](uint32_t mode) {
+        return [=] {
+            fake::toolkit().script.push_front({13});
+            EXPECT_EQ(DialogMessage_Show(&other, mode), 0);
+            return 0;
+        };
+    };
+    const std::function<int32_t()> shown[] = {
+        message(SHOW_AND_RETURN),
+        message(SHOW_UNLIMITED),
+        [] { return message(SHOW_WITH_TIMEOUT)() + 1; },
+        [] { return DrawImage_IG(0, 0, "p.png", nullptr); },
+        [] { return DrawImage_IG(0, 0, "missing", nullptr) < -2253; },
+        [] { return (other.resourceId = 9, DialogMessage_Show(&other, 2) + 3200); },
+        [] { return GetSignalPosition(&other); }, // shows nothing
+    };
+    char buffer[10];
+    request.timeout = 500;
+    for (const auto &each : shown) {
+        const auto showsAsBreak = [] { return shows(); };
+        const auto showsAsRefresh = [](const LabelValue **) { return shows(); };
+        const auto showsAsKeys = [](uint8_t) { return shows() - 1; };
+        const auto showsAsTyped = [](int32_t, char *, int32_t) { return shows() + 1; };
+        for (int callback = 0; callback < 4; ++callback) {
+            SCOPED_TRACE(std::to_string(&each - shown) + ' ' + std::to_string(callback));
+            renew(dialog(1, group(150) + group(150, word(80, 2)), dword(18, 400)));
+            terminal.files["p.png"] = "";
+            terminal.files["n.res"] =
+                resourceFile(1, {{0, {{"en", 0, {"", dialog(0, group(150) + group(150))}}}}});
+            openLog();
+            other = {};
+            other.resourceId = 1;
+            other.module = "n";
+            other.text = "of another";
+            show = each;
+            request.needToBreak = callback == 0 ? +showsAsBreak : nullptr;
+            request.refresh = callback == 1 ? +showsAsRefresh : nullptr;
+            request.keyPostProcessing = callback == 2 ? +showsAsKeys : nullptr;
+            editing.keyPressed = callback == 3 ? +showsAsTyped : nullptr;
+            std::strcpy(buffer, "as was");
+            const bool lost = &each != &shown[6];
+            const int32_t result = edit(buffer, sizeof buffer, {{'a'}, {'b'}, {27}});
+            EXPECT_EQ(result, !lost && callback == 2 ? -1 : -3202);
+            EXPECT_EQ(std::string(buffer) == "as was", lost || callback == 2);
+            EXPECT_EQ(reports("File: Src/utiDialogs ") > (&each == &shown[5]), lost);
+            expectNothingInstalled();
+            EXPECT_EQ(toolkit.mistakes, "");
+        }
+    }
 }
 
 TEST_F(Modal, ShowModesOfAMessage) {
@@ -357,6 +429,7 @@ TEST_F(Modal, EditTakesOverTheRequest) {
         {[](auto &r, auto &l) { (r.limits = &l, l.kind = 3); }, "", "5 0x203", 0},
         {[](auto &r, auto &l) { (r.limits = &l, l.kind = 4); }, byte(65, 2), "5 0x203", 0},
         {[](auto &r, auto &) { r.pattern = "__"; }, text(81, "____"), "0x641 \"__\"", '.'},
+        {[](auto &r, auto &) { r.pattern = "_"; }, "", "0x641 \"_\"", '.'},
         {[](auto &r, auto &) { r.pattern = ""; }, text(81, "____"), "0x641 \"____\"", '.'},
         {[&](auto &r, auto &) { r.pattern = most.c_str(); }, "", "0x641 \"" + most + '"', '.'},
         {[&](auto &r, auto &) { r.pattern = more.c_str(); }, text(81, "_"), "0x641 \"_\"", '.'},
@@ -407,18 +480,18 @@ TEST_F(Modal, EditReturnsTheTextAndRunsAgainWhileItIsTooShort) {
         {description(0), "", 6, {{13}}, 0, "\0\0\0\0\0\0"s, 1},
         {description(0), "ab", 6, {{'1'}, {'2'}, {13}}, 0, "ab12\0\0"s, 1},
         {description(0), "abc", 4, {{'1'}, {13}}, 0, "abc\0"s, 1},
-        {description(0), "12345", 3, {{13}}, 0, "12\0"s, 1},
+        {description(0), "12345", 3, {{13}}, 0, "12\0"s, 1, "SetValue input3 \"12345\"\n"},
         {description(4), "", 5, {{'1'}, {13}, {'2'}, {'3'}, {13}, {'4'}, {13}}, 0, "1234\0"s, 3},
         {description(4), "", 6, {{'1'}, {13}, {'2'}, {27}}, -3202, "12\0\0\0\0"s, 2},
         {description(300), "", 3, {{'1'}, {13}, {'2'}, {13}}, 0, "12\0"s, 2},
         {description(4), "", 1, {{'1'}, {13}}, 0, "\0"s, 1},
-        {description(4), "", 0, {{'1'}, {13}}, 0, "", 1},
+        {description(4), "ab", 0, {{'1'}, {13}}, 0, "", 1, "SetValue input3 \"ab\"\n"},
         {description(0, byte(87, 1)), "a\\nb", 5, {{13}}, 0, "a\nb\0\0"s, 1},
         {description(9, byte(87, 1)), "x", 3, {{13}, {13}, {27}}, -3202, "x\0\0"s, 3},
         {dialog(1, group(150)), "xyz", 4, {{13}}, 0, "\0\0\0\0"s, 1},
         {dialog(1, group(150) + group(150) + group(156)), "1", 3, {{13}}, 0, "1\0\0"s, 1},
         {ip, "1.2.3.4", 9, {{13}}, 0, "1.2.3.4\0\0"s, 1, address, 26},
-        {ip, "1.2.3.4", 4, {{27}}, -3202, "1.2\0"s, 1, "1.2."},
+        {ip, "1.2.3.4", 4, {{27}}, -3202, "1.2\0"s, 1, address},
         {ip, "1.2.3.4", 8, {{13}}, 0, "1.2.3.4\0"s, 1, codes + address, 19},
         {ip, "1.2.3.4", 8, {{13}}, 0, "1.2.3.4\0"s, 1, codes + address, 20},
     };
@@ -426,11 +499,12 @@ TEST_F(Modal, EditReturnsTheTextAndRunsAgainWhileItIsTooShort) {
         SCOPED_TRACE(&row - rows);
         renew(row.description);
         terminal.type = row.terminal;
-        // Not terminated when the text fills it.
-        const std::string before = row.before + '\0' + std::string(9, 'x');
-        const ExactBlock buffer(before.substr(0, row.size));
+        std::string before = row.before + '\0';
+        before.resize(std::max<std::size_t>(before.size(), row.size), 'x');
+        const ExactBlock buffer(before);
         EXPECT_EQ(edit(buffer.data(), row.size, row.script), row.result);
-        EXPECT_EQ(toHex({buffer.data(), row.size}), toHex(row.after));
+        EXPECT_EQ(toHex({buffer.data(), buffer.size()}),
+                  toHex(row.after + before.substr(row.size)));
         EXPECT_EQ(countOf(toolkit.calls, "igUI_ShowExt"), row.runs);
         EXPECT_NE(toolkit.calls.find(row.calls), std::string::npos);
         EXPECT_EQ(toolkit.take({"igUI_SetKeyb"}), "igUI_SetKeyboard own\n");
@@ -548,6 +622,30 @@ igUI_Add form1
     serve(dialog(2, group(150)));
     EXPECT_EQ(list(), -3200);
     EXPECT_EQ(toolkit.take(), "");
+
+    renew(dialog(2, group(153, group(160, byte(123, 1) + text(117, "up")) +
+                                   group(160, byte(123, 2) + text(117, "down")))));
+    const auto scrolls = [&](int32_t up, int32_t down) {
+        return Event{0, [=] {
+                         fake::toolkit().answers["igWidget_GetDeltaY menuBox2 0"] = up;
+                         fake::toolkit().answers["igWidget_GetDeltaY menuBox2 1"] = down;
+                     }};
+    };
+    EXPECT_EQ(list({scrolls(0, 9), scrolls(1, 0), {13}}), 0);
+    currentGraphicMenuParameters.entries[0].elements[1].notFirst = 2;
+    IG_AdditionalListElements();
+    EXPECT_EQ(toolkit.take({"igStatic_Set"}),
+              "igStatic_SetImage static4 0\nigStatic_SetImage static6 0\n"
+              "igStatic_SetImage static4 0\nigStatic_SetImage static6 down\n"
+              "igStatic_SetImage static4 up\nigStatic_SetImage static6 0\n"
+              "igStatic_SetImage static4 up\nigStatic_SetImage static6 0\n"
+              "igStatic_SetImage static4 up\n");
+    for (const bool counted : {true, false}) {
+        currentGraphicMenuParameters.entries[0].handle = counted ? 0 : 2;
+        currentGraphicMenuParameters.count = counted;
+        IG_AdditionalListElements();
+    }
+    EXPECT_EQ(toolkit.take({"igStatic_Set"}), "");
 }
 
 TEST_F(Modal, ListStylesAndKeys) {
@@ -599,33 +697,6 @@ TEST_F(Modal, ListStylesAndKeys) {
                           line("igMenuBox_SetAccelFont", row.font));
         }
     }
-}
-
-TEST_F(Modal, ScrollIndicators) {
-    serve(dialog(2, group(153, group(160, byte(123, 1) + text(117, "up")) +
-                                   group(160, byte(123, 2) + text(117, "down")))));
-    const auto scrolls = [&](int32_t up, int32_t down) {
-        return Event{0, [=] {
-                         fake::toolkit().answers["igWidget_GetDeltaY menuBox2 0"] = up;
-                         fake::toolkit().answers["igWidget_GetDeltaY menuBox2 1"] = down;
-                     }};
-    };
-    EXPECT_EQ(list({scrolls(0, 9), scrolls(1, 0), {13}}), 0);
-    EXPECT_EQ(toolkit.take({"igStatic_Set"}),
-              "igStatic_SetImage static4 0\nigStatic_SetImage static6 0\n"
-              "igStatic_SetImage static4 0\nigStatic_SetImage static6 down\n"
-              "igStatic_SetImage static4 up\nigStatic_SetImage static6 0\n"
-              "igStatic_SetImage static4 up\nigStatic_SetImage static6 0\n");
-    GraphicMenuEntry &menu = currentGraphicMenuParameters.entries[0];
-    menu.elements[1].notFirst = 2;
-    IG_AdditionalListElements();
-    EXPECT_EQ(toolkit.take({"igStatic_Set"}), "igStatic_SetImage static4 up\n");
-    const int32_t handle = std::exchange(menu.handle, 0);
-    IG_AdditionalListElements();
-    menu.handle = handle;
-    currentGraphicMenuParameters.count = 0;
-    IG_AdditionalListElements();
-    EXPECT_EQ(toolkit.take({"igStatic_Set"}), "");
 }
 
 TEST_F(Modal, EventsInTheirOrder) {

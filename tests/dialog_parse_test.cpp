@@ -260,6 +260,7 @@ TEST_F(Parse, AreasAndColours) {
         EXPECT_EQ(toHex(rectangle), toHex(*row.area ? hex(row.area) : std::string(8, 9)));
         EXPECT_EQ(toHex(set), toHex(*row.colors ? hex(row.colors) : std::string(12, 0)));
         EXPECT_EQ(caption.justify, 6u) << "the walk went on behind it";
+        EXPECT_EQ(isLeftTop, &row == rows) << "until a position is met";
     }
 }
 

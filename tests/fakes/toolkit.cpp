@@ -148,8 +148,9 @@ void type(uint8_t key) {
 
 // One wait of the running form.
 void step() {
-    draw(toolkit().running);
-    const Object &form = *find(toolkit().running);
+    const int32_t running = toolkit().running;
+    draw(running);
+    const Object &form = *find(running);
     if (form.timeOut != 0 && terminal().ticks - form.started >= form.timeOut)
         return end(IG_STATE_TIME_OUT);
 
@@ -169,6 +170,8 @@ void step() {
         return;
     uint8_t key = event.key;
     const int32_t result = toolkit().callback(&key);
+    if (toolkit().running != running) // the application has shown another form
+        return;
     if (result != 0)
         return end(result);
     type(key);
