@@ -1,4 +1,5 @@
 // log_tool_test.cpp: `uti log` on logs that the library writes here, whole and damaged.
+#include "tests/command.h"
 #include "tests/support.h"
 #include "tools/code_page.h"
 #include "tools/log_scanner.h"
@@ -8,8 +9,6 @@
 #include <filesystem>
 #include <fstream>
 
-#include <fcntl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 using namespace uti;
@@ -81,10 +80,11 @@ protected:
     }
 
     int run(const std::string &arguments) {
-        const int status = std::system((UTI_TOOL " log " + arguments + " >out 2>err").c_str());
-        out = readAll("out");
-        err = readAll("err");
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        Command command(UTI_TOOL " log " + arguments);
+        const int status = command.wait();
+        out = command.out();
+        err = command.err();
+        return status;
     }
 
     // The message ids of the lines without wording.
@@ -375,15 +375,10 @@ TEST_F(LogToolTest, ChoosesRecordsAndForms) {
 TEST_F(LogToolTest, FollowsOverRotations) {
     pace = 1;
     open("t", 0, 8 * 60);
-    const pid_t reader = fork();
-    if (reader == 0) {
-        dup2(::open("out", O_WRONLY | O_CREAT, 0600), STDOUT_FILENO);
-        dup2(::open("err", O_WRONLY | O_CREAT, 0600), STDERR_FILENO);
-        execl(UTI_TOOL, UTI_TOOL, "log", "--follow", "t.log", nullptr);
-    }
+    Command reader(UTI_TOOL " log --follow t.log");
     std::string expected;
     const auto awaitAll = [&] {
-        for (int i = 0; i < 1000 && (out = readAll("out"), ids() != expected); ++i)
+        for (int i = 0; i < 1000 && (out = reader.out(), ids() != expected); ++i)
             usleep(10'000);
         EXPECT_EQ(ids(), expected);
     };
@@ -402,16 +397,14 @@ TEST_F(LogToolTest, FollowsOverRotations) {
     write("t1.log", record.substr(20) + half, std::ios::app);
     expected += "7 ";
     awaitAll();
-    EXPECT_EQ(readAll("err"), "");
+    EXPECT_EQ(reader.err(), "");
     write("t1.log", record, std::ios::app);
     expected += "7 ";
     awaitAll();
-    EXPECT_EQ(readAll("err"), "t1.log: error: offset 53: damaged; 20 bytes passed over\n");
+    EXPECT_EQ(reader.err(), "t1.log: error: offset 53: damaged; 20 bytes passed over\n");
     write("t6.log", record, std::ios::app); // a file that was read to its end before
     expected += "7 ";
     awaitAll();
-    kill(reader, SIGTERM);
-    waitpid(reader, nullptr, 0);
 }
 
 } // namespace

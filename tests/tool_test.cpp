@@ -1,12 +1,12 @@
 // tool_test.cpp: the uti command as a user types it, and its rooms on bytes of every kind.
+#include "tests/command.h"
 #include "tools/resource_source.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <sys/wait.h>
+
 #include <unistd.h>
 
 using namespace uti::tool;
@@ -33,12 +33,11 @@ protected:
     }
 
     int run(const std::string &arguments, const std::string &from = ".") {
-        const std::string command = concat("cd ", folder, '/', from, " && " UTI_TOOL " ", arguments,
-                                           " >", folder / "stdout", " 2>", folder / "stderr");
-        const int status = std::system(command.c_str());
-        out = readAll(folder / "stdout");
-        err = readAll(folder / "stderr");
-        return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+        support::Command command(UTI_TOOL " " + arguments, folder / from);
+        const int status = command.wait();
+        out = command.out();
+        err = command.err();
+        return status;
     }
 
     const fs::path folder = fs::temp_directory_path() / concat("tool_test.", getpid());

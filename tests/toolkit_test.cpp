@@ -8,12 +8,12 @@
 #include "host/toolkit/display.h"
 #include "host/toolkit/dump.h"
 #include "terminal.h"
+#include "tests/command.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
-#include <sys/wait.h>
 
 namespace {
 
@@ -729,9 +729,8 @@ TEST_F(Toolkit, TheEnvironmentNamesTheScript) {
         if (script)
             std::ofstream(path) << script;
         const std::string self = std::filesystem::read_symlink("/proc/self/exe");
-        const int result = std::system(
-            ("UTI_SCRIPT=" + path + " " + self + " --gtest_list_tests >/dev/null 2>&1").c_str());
-        EXPECT_EQ(WEXITSTATUS(result), status) << path;
+        support::Command command("UTI_SCRIPT=" + path + " " + self + " --gtest_list_tests");
+        EXPECT_EQ(command.wait(), status) << path;
     }
 }
 
