@@ -57,6 +57,9 @@ public:
         }
     }
 
+    // To it and whatever it started: SIGSTOP, SIGCONT.
+    void signal(int number) { kill(-child_, number); }
+
     // Ends it and whatever it started.
     void end() {
         if (child_ <= 0)

@@ -19,7 +19,7 @@ using Ahead = LogScanner::Ahead;
 
 namespace {
 
-uint8_t second; // of the library's clock, which goes on by `pace` with each record
+uint16_t second; // of the library's clock since 11:49, which goes on by `pace` with each record
 uint8_t pace;
 
 std::string readAll(const fs::path &path) {
@@ -35,8 +35,8 @@ void write(const fs::path &path, std::string_view bytes, std::ios::openmode mode
 
 void GetDateTime(TerminalDate *date, TerminalTime *time) {
     *date = {2026, 11, 16, {}};
-    *time = {11, 49, second};
-    second = static_cast<uint8_t>(second + pace);
+    *time = {11, static_cast<uint8_t>(49 + second / 60), static_cast<uint8_t>(second % 60)};
+    second = static_cast<uint16_t>(second + pace);
 }
 
 namespace {
@@ -136,7 +136,11 @@ TEST_F(LogToolTest, PrintsTheLinesOfTextRecords) {
             at = text.find("\r\n", at) + 2;
         static const auto codePage = CodePage::open(defaultCodePage);
         const std::string bytes = text.substr(at, text.find("\r\n", at) - at);
-        return level + std::get<0>(codePage).decode(bytes).value();
+        std::string shown = level + std::get<0>(codePage).decode(bytes).value();
+        // What a text record drops of a wording stays: {5}, and {b behind the text.
+        if (const std::size_t word = shown.find("Нет"); word != shown.npos)
+            shown.insert(word + std::strlen("Нет"), "{5}").append("{b");
+        return shown;
     };
     ASSERT_EQ(run("t --module m --module ASSERT --lang ru"), 0) << err;
     // The text log has a report of the missing wording in line 2 and nothing else in line 3.
@@ -162,9 +166,11 @@ TEST_F(LogToolTest, ReadsMonitoringLogs) {
         EXPECT_NE(out.find(std::string("SUPPORT 2026-11-16 11:49:35 [Monitor") + everyType),
                   out.npos)
             << out;
-        EXPECT_TRUE(out.ends_with("LEVEL 9 2026-11-16 11:49:35 [m] Нет70000 a\n")) << out;
+        EXPECT_TRUE(out.ends_with("LEVEL 9 2026-11-16 11:49:35 [m] Нет{5}70000 a{b\n")) << out;
     }
     EXPECT_EQ(run("copy.log"), 1) << "a trace log by its extension";
+    EXPECT_NE(err.find("they look like a monitoring log, which --monitor reads\n"), err.npos)
+        << err;
 }
 
 TEST_F(LogToolTest, WritesJson) {
@@ -178,10 +184,11 @@ TEST_F(LogToolTest, WritesJson) {
         R"({"type":"DWord","value":4294967294},{"type":"Int64","value":"-4"},{"type":"UInt64",)"
         R"("value":"18364758544493064720"},{"type":"Double","value":1.5000000000000002},)"
         R"({"type":"Date","value":"2026-01-02"},{"type":"Time","value":"03:04:05"},{"type":)"
-        R"("String","value":"Да�\u000a\"","bytes":"C4E0980A22"},{"type":"String","value":""},)"
+        R"("String","value":"Да�\n\"","bytes":"C4E0980A22"},{"type":"String","value":""},)"
         R"({"type":"ByteArray","value":"01AB"}],"text":null,"file":"t.log","offset":104})";
     EXPECT_NE(out.find('\n' + expected + '\n'), out.npos) << out;
-    EXPECT_TRUE(out.ends_with("\"text\":\"Нетx a\",\"file\":\"t.log\",\"offset\":208}\n")) << out;
+    EXPECT_TRUE(out.ends_with("\"text\":\"Нет{5}x a{b\",\"file\":\"t.log\",\"offset\":208}\n"))
+        << out;
 }
 
 // Records of 29 bytes with these ids.
@@ -232,7 +239,8 @@ TEST_F(LogToolTest, PassesOverDamage) {
         write("d.log", bytes);
         EXPECT_EQ(run("d.log"), *error ? 1 : 0);
         EXPECT_EQ(ids(), found);
-        EXPECT_EQ(err.substr(0, err.find(" bytes")), error);
+        const std::string told = err.substr(std::min(err.find("d.log"), err.size()));
+        EXPECT_EQ(told.substr(0, told.find(" bytes")), error);
     }
 }
 
@@ -305,6 +313,8 @@ TEST_F(LogToolTest, ReadsSetsOldestFirst) {
     open("t", 0, 8 * 60); // two records a file
     for (uint32_t id = 1; id <= 20; ++id)
         ASSERT_EQ(TraceExError("x", id, 0), 0);
+    write("t", "\x7F"
+               "ELF");
     EXPECT_EQ(run("t"), 0) << err;
     EXPECT_EQ(ids(), "5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20 ");
     EXPECT_EQ(run("t1.log t.log"), 0);
@@ -339,9 +349,11 @@ TEST_F(LogToolTest, ChoosesRecordsAndForms) {
         {"--level error --res / t", 0, "1 3 ",
          "ERROR   2026-11-16 11:49:50 [m] message 3 (0x0003): Long 5\n"},
         {"--level support --res / t", 0, "1 2 3 ", "SUPPORT 2026-11-16 11:49:40 [b] "},
+        {"--module a t", 0, "1 ", "no a.res in this folder; --res names another folder\n"},
         {"--level debug --module b t", 1, "2 3 ", "b.res: error: this is no resource file\n"},
         {"--module m --module a t.log", 0, "1 ", "[m] rest {0: Long 5}\n"},
-        {"--lang ru --module m t", 0, "3 ", ""},
+        {"--lang ru --module m t", 0, "3 ", "m.res has no text for message 3 (0x0003) in ru\n"},
+        {"--lang de --module m t", 0, "3 ", "m: m.res has no texts in de; it has en, ru\n"},
         {"--since 2026-11-16T11:49:40 --res / t", 0, "2 3 3 ", ""},
         {"--since 11:49:41 --until 11:49:45 --res / t", 0, "3 ", "[b]"},
         {"--until '2026-11-16 11:48' t", 0, "", ""},
@@ -354,6 +366,9 @@ TEST_F(LogToolTest, ChoosesRecordsAndForms) {
          "{\"module\":\"m\",\"level\":\"error\",\"records\":1,\"bytes\":29}\n"},
         {"- --res / <t.log", 0, "1 2 3 3 ", ""},
         {"text.log", 1, "", "30 bytes passed over; they look like lines of text"},
+        {"--monitor t.log", 1, "", "they look like a trace log, which is read without --monitor\n"},
+        {"--follow text.log", 1, "", "error: its bytes are no binary log; they look like lines of"},
+        {"--follow /dev/null", 2, "", "uti: --follow needs a file; /dev/null is none\n"},
         {"--level none t", 2, "", "--level"},
         {"--since 24:00 t", 2, "", "\"24:00\" is not"},
         {"--until 2026-02-30 t", 2, "", "\"2026-02-30\" is not"},
@@ -370,6 +385,8 @@ TEST_F(LogToolTest, ChoosesRecordsAndForms) {
         EXPECT_EQ(ids(), found);
         EXPECT_NE((out + err).find(shown), out.npos) << out << err;
     }
+    EXPECT_EQ(run("--module b --res / t"), 0);
+    EXPECT_EQ(err, "uti: no wording for b: there is no b.res in /\n") << "told once";
 }
 
 TEST_F(LogToolTest, FollowsOverRotations) {
@@ -382,29 +399,54 @@ TEST_F(LogToolTest, FollowsOverRotations) {
             usleep(10'000);
         EXPECT_EQ(ids(), expected);
     };
-    for (uint32_t id = 1; id <= 19; ++id) { // in every file, and beyond
-        TraceExError("x", id, 0);
+    uint32_t id = 0;
+    const auto add = [&] {
+        TraceExError("M", ++id, 0);
         expected += concat(id, ' ');
+    };
+    while (id < 19) { // in every file, and beyond
+        add();
         if (id % 5 == 1)
             awaitAll();
     }
     awaitAll();
+    const std::string noFile = "uti: no wording for M: there is no M.res in this folder; --res "
+                               "names another folder\n";
+
+    // A reader that rests misses nothing until it is overtaken, and then the oldest records.
+    for (const uint32_t last : {35u, 55u}) {
+        reader.signal(SIGSTOP);
+        while (id < last)
+            add();
+        if (last == 55)
+            expected.erase(expected.find("37 "), std::strlen("37 38 39 40 "));
+        EXPECT_EQ(reader.err(), noFile);
+        reader.signal(SIGCONT);
+        awaitAll();
+    }
+    const std::string told = noFile + "uti: records lost: the log was overwritten faster than it "
+                                      "could be read\n";
+    EXPECT_EQ(reader.err(), told);
 
     // The rest of a record may come later, or never.
     const std::string record = records("\7"), half = record.substr(0, 20);
-    write("t1.log", half, std::ios::app);
+    write("t3.log", half, std::ios::app);
     usleep(500'000);
-    write("t1.log", record.substr(20) + half, std::ios::app);
+    write("t3.log", record.substr(20) + half, std::ios::app);
     expected += "7 ";
     awaitAll();
-    EXPECT_EQ(reader.err(), "");
-    write("t1.log", record, std::ios::app);
+    EXPECT_EQ(reader.err(), told);
+    write("t3.log", record, std::ios::app);
     expected += "7 ";
     awaitAll();
-    EXPECT_EQ(reader.err(), "t1.log: error: offset 53: damaged; 20 bytes passed over\n");
+    EXPECT_EQ(reader.err(), told + "t3.log: error: offset 53: damaged; 20 bytes passed over\n");
     write("t6.log", record, std::ios::app); // a file that was read to its end before
     expected += "7 ";
     awaitAll();
+    write("t6.log", "\r\n26-11-16", std::ios::app);
+    for (int i = 0; i < 1000 && !reader.err().ends_with("not binary records\n"); ++i)
+        usleep(10'000);
+    EXPECT_NE(reader.err().find("damaged; waiting for a record; they look like"), err.npos);
 }
 
 } // namespace

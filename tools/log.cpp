@@ -50,9 +50,13 @@ public:
 
     LogOutput &output() { return *output_; }
 
-    void enter(const std::filesystem::path &folder) { wording_.enter(folder); }
+    void enter(LogKind kind, const std::filesystem::path &folder) {
+        kind_ = kind;
+        wording_.enter(folder);
+    }
 
     void add(const TraceRecord &record, const std::string &file, uint64_t offset) {
+        ++records_;
         if (!filter_.passes(record))
             return;
         arguments_.clear();
@@ -60,18 +64,30 @@ public:
         UnreadItems items = record.arguments;
         while (items.claimed > 0 && items.take(argument) == Reading::whole)
             arguments_.push_back(argument);
-        const std::string *wording = wording_.find(record.module, record.messageId);
+        const bool isWorded = output_->needsWording();
+        const Wording *wording =
+            isWorded ? wording_.find(record.module, record.messageId) : nullptr;
+        // Events of a monitoring log have a wording by way of exception.
+        if (isWorded && !wording && kind_ == LogKind::trace)
+            tellWording(record);
         output_->add({record, arguments_, wording, file, offset});
     }
 
-    void reportDamage(const LogScanner::Found &found, const std::string &file, bool linesOfText) {
-        const bool cut = found.kind == LogScanner::Kind::cut;
-        const bool text = linesOfText && found.offset == 0;
+    // Records so far, those that the filter leaves out among them.
+    uint64_t records() const { return records_; }
+
+    // Says something on standard error, behind the records so far.
+    template <class... Parts>
+    void tell(const Parts &...parts) {
         output_->flush();
-        std::cerr << concat(file, ": error: offset ", found.offset, ": ",
-                            cut ? "a record is cut off; " : "damaged; ", found.size,
-                            " bytes passed over",
-                            text ? "; they look like lines of text, not binary records\n" : "\n");
+        std::cerr << concat(parts...) << '\n';
+    }
+
+    void reportDamage(const LogScanner::Found &found, const std::string &file,
+                      std::string_view hint) {
+        const bool cut = found.kind == LogScanner::Kind::cut;
+        tell(file, ": error: offset ", found.offset, ": ",
+             cut ? "a record is cut off; " : "damaged; ", found.size, " bytes passed over", hint);
         ++damages_;
         damagedBytes_ += found.size;
     }
@@ -90,10 +106,18 @@ public:
     }
 
 private:
+    void tellWording(const TraceRecord &record) {
+        const std::string reason = wording_.explain(record.module, record.messageId);
+        if (!reason.empty())
+            tell("uti: ", reason);
+    }
+
     LogFilter filter_;
     LogWording wording_;
     std::unique_ptr<LogOutput> output_;
+    LogKind kind_ = LogKind::trace;
     std::vector<Argument> arguments_;
+    uint64_t records_ = 0;
     uint64_t damages_ = 0;
     uint64_t damagedBytes_ = 0;
 };
@@ -102,9 +126,9 @@ private:
 class LogReader {
 public:
     LogReader(LogKind kind, LogFile &file, LogSession &session)
-        : file_(file), session_(session), scanner_(kind, file.position()),
-          name_(file.path().string()) {
-        session_.enter(file.path().parent_path());
+        : kind_(kind), file_(file), session_(session), scanner_(kind, file.position()),
+          name_(validUtf8(file.path().string())) {
+        session_.enter(kind, file.path().parent_path());
     }
 
     // Reads to the end, as it is now. False, and a message, when the file cannot be read.
@@ -118,18 +142,29 @@ public:
             }
             if (count == 0)
                 break;
-            const auto bytes = block().first(static_cast<std::size_t>(count));
-            if (!isStarted_)
-                linesOfText_ = bytes.size() > 1 && bytes[0] == '\r' && bytes[1] == '\n';
-            isStarted_ = true;
             isNew = true;
-            scanner_.append(bytes);
+            scanner_.append(block().first(static_cast<std::size_t>(count)));
             handOn(Ahead::bytes);
             session_.output().flush();
         }
         if (isNew)
             handOn(behindTheEnd);
         return true;
+    }
+
+    // Tells of bytes at the end that are no record, once, since they are reported only when a
+    // record follows. False when they are all that there is, in any file: this is no binary log.
+    bool checkEnd() {
+        const LogScanner::Found rest = scanner_.pending();
+        if (rest.kind == LogScanner::Kind::none || rest.offset == toldUpTo_)
+            return true;
+        toldUpTo_ = rest.offset;
+        const bool isLog = session_.records() > 0;
+        session_.tell(name_, ": error: ",
+                      isLog ? concat("offset ", rest.offset, ": damaged; waiting for a record")
+                            : "its bytes are no binary log",
+                      hint(rest.look));
+        return isLog;
     }
 
 private:
@@ -146,16 +181,29 @@ private:
             if (found.kind == LogScanner::Kind::record)
                 session_.add(found.record, name_, found.offset);
             else
-                session_.reportDamage(found, name_, linesOfText_);
+                session_.reportDamage(found, name_, hint(found.look));
         }
     }
 
+    // What bytes that are no record probably are, and how to read them.
+    std::string hint(LogScanner::Look look) const {
+        if (look == LogScanner::Look::linesOfText)
+            return "; they look like lines of text, not binary records";
+        if (look == LogScanner::Look::unknown)
+            return "";
+        if (kind_ == LogKind::trace)
+            return "; they look like a monitoring log, which --monitor reads";
+        return concat("; they look like a trace log, which is read ",
+                      file_.path().extension() == ".mlog" ? "from standard input"
+                                                          : "without --monitor");
+    }
+
+    LogKind kind_;
     LogFile &file_;
     LogSession &session_;
     LogScanner scanner_;
     std::string name_;
-    bool isStarted_ = false;
-    bool linesOfText_ = false;
+    std::optional<uint64_t> toldUpTo_;
 };
 
 // Reads all files of a log. False when one of them cannot be read.
@@ -169,7 +217,8 @@ bool readLog(Log &log, LogSession &session) {
 }
 
 // Reads a log and goes on with whatever is written to it, from file to file, until it fails.
-void followLog(Log log, LogSession &session) {
+// Returns the exit code.
+int followLog(Log log, LogSession &session) {
     const LogKind kind = log.kind;
     for (std::size_t i = 0; i + 1 < log.files.size(); ++i)
         LogReader(kind, log.files[i], session).readOn(Ahead::nothing);
@@ -177,17 +226,21 @@ void followLog(Log log, LogSession &session) {
     FollowedLog followed(std::move(log));
     for (;;) {
         LogReader reader(kind, followed.present(), session);
-        std::optional<LogFile> successor;
+        std::shared_ptr<LogFile> successor;
         while (!successor) {
             if (!reader.readOn(Ahead::unknown) || !session.output().flush())
-                return;
+                return exitUsage;
+            if (!reader.checkEnd())
+                return exitErrors;
             successor = followed.successor();
             if (!successor)
                 std::this_thread::sleep_for(pollInterval);
         }
         if (!reader.readOn(Ahead::nothing))
-            return;
-        followed.moveOnTo(std::move(*successor));
+            return exitUsage;
+        if (followed.hasLostRecords())
+            session.tell("uti: records lost: the log was overwritten faster than it could be read");
+        followed.moveOnTo(std::move(successor));
     }
 }
 
@@ -263,12 +316,19 @@ int log(const LogOptions &options) {
     if (!filter || !logs)
         return exitUsage;
 
-    LogSession session(std::move(*filter), LogWording(options.resources, options.language),
+    if (LogFile &newest = logs->front().files.back();
+        options.follow && newest.open() && !newest.isRegular()) {
+        std::cerr << "uti: --follow needs a file; " << options.names[0] << " is none\n";
+        return exitUsage;
+    }
+
+    LogSession session(std::move(*filter),
+                       LogWording(options.resources, options.language, codePage),
                        makeOutput(options, codePage));
     if (options.follow) {
-        followLog(std::move(logs->front()), session);
+        const int result = followLog(std::move(logs->front()), session);
         session.finish();
-        return exitUsage;
+        return result;
     }
     bool read = true;
     for (Log &each : *logs)

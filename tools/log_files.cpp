@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <climits>
+#include <thread>
 #include <tuple>
 #include <utility>
 
@@ -82,7 +84,7 @@ void sortByAge(std::vector<LogFile> &files, LogKind kind) {
     }
     files.clear();
 
-    if (kind == LogKind::trace) {
+    if (kind == LogKind::trace && !aged.empty()) {
         const auto isOlder = [](const auto &a, const auto &b) { return a.first < b.first; };
         auto newest = std::max_element(aged.begin(), aged.end(), isOlder);
         while (newest + 1 != aged.end() && newest->first == (newest + 1)->first)
@@ -94,12 +96,28 @@ void sortByAge(std::vector<LogFile> &files, LogKind kind) {
         files.push_back(std::move(file));
 }
 
-Log openSet(LogNames names, const std::vector<int> &numbers, LogKind kind) {
+// True when a file is not the one that its name stands for now.
+bool isStale(LogFile &file) {
+    if (file.isOpen())
+        return file.change() == LogFile::Change::replaced;
+    return file.open() || errno == ENOENT;
+}
+
+// Opens the files of a log, oldest first. While the files of a trace log are looked at, a rotation
+// may replace some of them, which then are looked at anew, lest old and new ones get mixed up.
+Log openSet(LogNames names, LogKind kind) {
+    constexpr int mostTries = 50;
     Log log{kind, std::move(names), {}};
-    for (const int number : numbers)
-        log.files.emplace_back(log.names.file(number), number);
-    sortByAge(log.files, kind);
-    return log;
+    for (int tries = 1;; ++tries) {
+        log.files.clear();
+        for (const int number : log.names.present())
+            log.files.emplace_back(log.names.file(number), number);
+        sortByAge(log.files, kind);
+        if (kind == LogKind::monitoring || tries == mostTries ||
+            std::ranges::none_of(log.files, isStale))
+            return log;
+        std::this_thread::sleep_for(std::chrono::milliseconds(tries));
+    }
 }
 
 } // namespace
@@ -228,55 +246,91 @@ std::optional<Log> findLog(const std::string &name, bool monitoring, Scope scope
         log.files.push_back(LogFile::standardInput());
         return log;
     }
-    if (isFile(name)) {
-        const fs::path path = name;
-        const LogKind own = path.extension() == ".mlog" ? LogKind::monitoring : kind;
-        if (scope == Scope::wholeLog) {
-            LogNames names = namesAround(path, own);
-            const std::vector<int> numbers = names.present();
-            if (!numbers.empty())
-                return openSet(std::move(names), numbers, own);
+    const fs::path path = name;
+    const bool isNamedAsLog = path.extension() == ".log" || path.extension() == ".mlog";
+    if (!isNamedAsLog || !isFile(path)) {
+        for (const LogKind wanted : {kind, LogKind::monitoring}) {
+            Log log = openSet(namesOf(name, wanted), wanted);
+            if (!log.files.empty())
+                return log;
         }
-        Log log{own, {}, {}};
-        log.files.emplace_back(path, 0);
-        return log;
     }
+    if (!isFile(path))
+        return std::nullopt;
 
-    for (const LogKind wanted : {kind, LogKind::monitoring}) {
-        LogNames names = namesOf(name, wanted);
-        const std::vector<int> numbers = names.present();
-        if (!numbers.empty())
-            return openSet(std::move(names), numbers, wanted);
+    const LogKind own = path.extension() == ".mlog" ? LogKind::monitoring : kind;
+    if (scope == Scope::wholeLog) {
+        Log log = openSet(namesAround(path, own), own);
+        if (!log.files.empty())
+            return log;
     }
-    return std::nullopt;
+    Log log{own, {}, {}};
+    log.files.emplace_back(path, 0);
+    return log;
 }
 
 FollowedLog::FollowedLog(Log &&log)
-    : names_(std::move(log.names)), number_(log.files.back().number()) {
+    : kind_(log.kind), names_(std::move(log.names)), number_(log.files.back().number()) {
     for (LogFile &file : log.files)
-        files_.emplace(file.number(), std::move(file));
+        files_.emplace(file.number(), std::make_shared<LogFile>(std::move(file)));
 }
 
-// The numbers behind the present one come first, so that of several new files none is left out.
-std::optional<LogFile> FollowedLog::successor() {
+// The files with something new in them, those behind the present one first: a rotation replaces the
+// files in turn.
+void FollowedLog::lookForChanges() {
     const int last = files_.rbegin()->first;
-    const int count = last < names_.count - 2 ? last + 2 : names_.count;
+    const int count = last < names_.count - 2
+                          ? std::max(last + 2, std::min(traceFiles, names_.count))
+                          : names_.count;
     for (int step = 1; step <= count; ++step) {
         const int number = (number_ + step) % count;
         const auto known = files_.find(number);
         const bool isKnown = known != files_.end();
-        const LogFile::Change change = isKnown ? known->second.change() : LogFile::Change::replaced;
+        const LogFile::Change change =
+            isKnown ? known->second->change() : LogFile::Change::replaced;
         if (change == LogFile::Change::grown && number != number_)
-            return std::move(known->second);
-        LogFile file(names_.file(number), number);
-        if (change == LogFile::Change::replaced && file.open())
-            return file;
+            waiting_.push_back(known->second);
+        auto file = std::make_shared<LogFile>(names_.file(number), number);
+        if (change == LogFile::Change::replaced && file->open())
+            waiting_.push_back(std::move(file));
     }
-    return std::nullopt;
 }
 
-void FollowedLog::moveOnTo(LogFile file) {
-    number_ = file.number();
+// When the present file of a trace log has been replaced, the rotation has gone round, perhaps more
+// than once, and only the files themselves tell their order.
+void FollowedLog::lookAtAll() {
+    Log all = openSet(names_, kind_);
+    bool areAllNew = static_cast<int>(all.files.size()) == names_.count;
+    waiting_.clear();
+    for (LogFile &file : all.files) {
+        const auto known = files_.find(file.number());
+        const LogFile::Change change =
+            known != files_.end() ? known->second->change() : LogFile::Change::replaced;
+        areAllNew = areAllNew && change == LogFile::Change::replaced;
+        if (change == LogFile::Change::grown)
+            waiting_.push_back(known->second);
+        if (change == LogFile::Change::replaced)
+            waiting_.push_back(std::make_shared<LogFile>(std::move(file)));
+    }
+    hasLost_ = areAllNew && waiting_.front()->number() != (number_ + 1) % names_.count;
+}
+
+std::shared_ptr<LogFile> FollowedLog::successor() {
+    hasLost_ = false;
+    if (waiting_.empty()) {
+        lookForChanges();
+        if (kind_ == LogKind::trace && present().change() == LogFile::Change::replaced)
+            lookAtAll();
+    }
+    if (waiting_.empty())
+        return nullptr;
+    std::shared_ptr<LogFile> next = std::move(waiting_.front());
+    waiting_.pop_front();
+    return next;
+}
+
+void FollowedLog::moveOnTo(std::shared_ptr<LogFile> file) {
+    number_ = file->number();
     files_.insert_or_assign(number_, std::move(file));
 }
 

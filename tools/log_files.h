@@ -4,8 +4,10 @@
 
 #include "tools/log_record.h"
 
+#include <deque>
 #include <filesystem>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -33,6 +35,7 @@ public:
     // opened.
     bool open();
     void close();
+    bool isOpen() const { return descriptor_ >= 0; }
 
     // Bytes read so far.
     uint64_t position() const { return position_; }
@@ -45,6 +48,9 @@ public:
     std::optional<Stamp> firstStamp(LogKind kind);
 
     enum class Change : uint8_t { none, grown, replaced };
+
+    // True for a file that can grow, unlike a pipe or a device, as of its opening.
+    bool isRegular() const { return S_ISREG(status_.st_mode); }
 
     // What has become of its path since it was read; replaced when there is another file now, or
     // less in it than was read.
@@ -81,9 +87,10 @@ struct Log {
 
 enum class Scope : uint8_t { asNamed, wholeLog };
 
-// Finds what a name on the command line means: a file (or the whole log that it belongs to); "-",
-// standard input; or else all files of which it is the base name. Nothing when there is no such
-// file. A file is a monitoring log by its extension; `monitoring` makes it one in any case.
+// Finds what a name on the command line means: "-", standard input; a file with the extension of a
+// log, or the whole log that it belongs to; all files of which it is the base name, whatever else
+// bears that name; or else the file of that name. Nothing when there is no such file. A file is a
+// monitoring log by its extension; `monitoring` makes it one in any case.
 std::optional<Log> findLog(const std::string &name, bool monitoring, Scope scope);
 
 // The files of a log while it is being written.
@@ -92,17 +99,26 @@ public:
     explicit FollowedLog(Log &&log);
 
     // The file that is written to.
-    LogFile &present() { return files_.at(number_); }
+    LogFile &present() { return *files_.at(number_); }
 
     // Opens the file that has taken over from the present one, which then is complete; nothing as
-    // long as there is none.
-    std::optional<LogFile> successor();
-    void moveOnTo(LogFile file);
+    // long as there is none. Whatever follows it is opened as well, so that no rotation takes it.
+    std::shared_ptr<LogFile> successor();
+    // True when files between the present one and the last successor were gone before they could
+    // be opened.
+    bool hasLostRecords() const { return hasLost_; }
+    void moveOnTo(std::shared_ptr<LogFile> file);
 
 private:
+    void lookForChanges();
+    void lookAtAll();
+
+    LogKind kind_;
     LogNames names_;
-    std::map<int, LogFile> files_; // as they were seen last
+    std::map<int, std::shared_ptr<LogFile>> files_; // as far as they were read
+    std::deque<std::shared_ptr<LogFile>> waiting_;  // open, in the order in which they were written
     int number_;
+    bool hasLost_ = false;
 };
 
 } // namespace uti::tool

@@ -1,16 +1,20 @@
-// log_output.cpp: the forms in which log records come out.
+// log_output.cpp: the forms in which log records come out. JSON stands on RapidJSON.
 #include "tools/log_output.h"
 
 #include "tools/log_filter.h"
 
+#include <algorithm>
 #include <bit>
 #include <cctype>
 #include <charconv>
+#include <cinttypes>
 #include <cmath>
 #include <cstdio>
 #include <iostream>
 #include <map>
 #include <vector>
+
+#include <rapidjson/writer.h>
 
 namespace uti::tool {
 
@@ -28,24 +32,46 @@ std::string levelName(uint8_t level) {
     return isNamed(level) ? levelNames[level - 1] : std::to_string(level);
 }
 
-// For short texts.
-template <class... Values>
-void appendFormat(std::string &out, const char *format, Values... values) {
-    char text[160];
-    out.append(text, static_cast<std::size_t>(snprintf(text, sizeof text, format, values...)));
+void appendDate(std::string &out, const TerminalDate &date) {
+    appendPadded(out, date.year, 4);
+    out += '-';
+    appendPadded(out, date.month, 2);
+    out += '-';
+    appendPadded(out, date.day, 2);
+}
+
+void appendTime(std::string &out, const TerminalTime &time) {
+    appendPadded(out, time.hour, 2);
+    out += ':';
+    appendPadded(out, time.minute, 2);
+    out += ':';
+    appendPadded(out, time.second, 2);
 }
 
 class LineOutput : public LogOutput {
 public:
-    LineOutput(const CodePage &codePage, Colours colours)
-        : spelling_(codePage, Form::line), colours_(colours) {}
+    LineOutput(const CodePage &codePage, Colours colours) : spelling_(codePage, Form::line) {
+        for (std::size_t level = 0; level < std::size(levels_); ++level)
+            levels_[level] = heading(static_cast<uint8_t>(level), colours);
+    }
 
 private:
+    static std::string heading(uint8_t level, Colours colours) {
+        std::string name = (isNamed(level) ? "" : "LEVEL ") + levelName(level);
+        for (char &letter : name)
+            letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+        name.resize(std::max<std::size_t>(name.size(), 7), ' ');
+        if (colours == Colours::ansi && isNamed(level))
+            name = levelColours[level - 1] + name + "\x1B[0m";
+        return name + ' ';
+    }
+
     void write(const LogEntry &entry) override {
-        const auto &[date, time] = entry.record.stamp;
-        writeLevel(entry.record.level);
-        appendFormat(out_, " %04d-%02d-%02d %02d:%02d:%02d [", date.year, date.month, date.day,
-                     time.hour, time.minute, time.second);
+        out_ += levels_[entry.record.level];
+        appendDate(out_, entry.record.stamp.date);
+        out_ += ' ';
+        appendTime(out_, entry.record.stamp.time);
+        out_ += " [";
         spelling_.append(out_, entry.record.module);
         out_ += "] ";
 
@@ -58,21 +84,9 @@ private:
         out_ += '\n';
     }
 
-    void writeLevel(uint8_t level) {
-        const bool coloured = colours_ == Colours::ansi && isNamed(level);
-        std::string name = isNamed(level) ? "" : "LEVEL ";
-        name += levelName(level);
-        for (char &letter : name)
-            letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
-        out_ += coloured ? levelColours[level - 1] : "";
-        appendFormat(out_, "%-7s", name.c_str());
-        out_ += coloured ? "\x1B[0m" : "";
-    }
-
-    void wordMessage(const std::string &wording, std::span<const Argument> arguments) {
+    void wordMessage(const Wording &wording, std::span<const Argument> arguments) {
         named_.assign(arguments.size(), false);
-        appendMessage(message_, wording, arguments,
-                      [&](uint32_t number) { named_[number] = true; });
+        wording.append(message_, arguments, named_);
 
         const char *before = " {";
         for (std::size_t number = 0; number < arguments.size(); ++number) {
@@ -87,7 +101,9 @@ private:
     }
 
     void listArguments(uint16_t messageId, std::span<const Argument> arguments) {
-        appendFormat(message_, "message %u (0x%04X)", unsigned{messageId}, unsigned{messageId});
+        char heading[32];
+        snprintf(heading, sizeof heading, "message %u (0x%04X)", messageId, messageId);
+        message_ += heading;
         const char *before = ": ";
         for (const Argument &argument : arguments) {
             message_ += before;
@@ -106,9 +122,38 @@ private:
     }
 
     Spelling spelling_;
-    Colours colours_;
+    std::string levels_[UINT8_MAX + 1];
     std::string message_;
     std::vector<bool> named_;
+};
+
+// One object after the other, each on a line.
+class JsonLines {
+public:
+    void begin() {
+        writer_.Reset(buffer_);
+        writer_.StartObject();
+    }
+    void end(std::string &out) {
+        writer_.EndObject();
+        out.append(buffer_.GetString(), buffer_.GetSize()).append("\n");
+        buffer_.Clear();
+    }
+
+    rapidjson::Writer<rapidjson::StringBuffer> &key(const char *name) {
+        writer_.Key(name);
+        return writer_;
+    }
+    rapidjson::Writer<rapidjson::StringBuffer> &writer() { return writer_; }
+
+    // A text in UTF-8.
+    void text(const std::string &text) {
+        writer_.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
+    }
+
+private:
+    rapidjson::StringBuffer buffer_;
+    rapidjson::Writer<rapidjson::StringBuffer> writer_{buffer_};
 };
 
 class JsonOutput : public LogOutput {
@@ -117,46 +162,57 @@ public:
 
 private:
     void write(const LogEntry &entry) override {
-        const auto &[date, time] = entry.record.stamp;
-        appendFormat(out_, R"({"time":"%04d-%02d-%02dT%02d:%02d:%02d","level":"%s","module":)",
-                     date.year, date.month, date.day, time.hour, time.minute, time.second,
-                     levelName(entry.record.level).c_str());
+        json_.begin();
+        json_.key("time");
+        spelled_.clear();
+        appendDate(spelled_, entry.record.stamp.date);
+        spelled_ += 'T';
+        appendTime(spelled_, entry.record.stamp.time);
+        json_.text(spelled_);
+        json_.key("level");
+        json_.text(levelName(entry.record.level));
+        json_.key("module");
         writeText(entry.record.module);
-        appendFormat(out_, R"(,"id":%u,"arguments":[)", unsigned{entry.record.messageId});
-        const char *before = "";
-        for (const Argument &argument : entry.arguments) {
-            out_.append(before).append(R"({"type":")").append(argumentTypes[argument.type].name);
-            out_ += R"(","value":)";
-            writeValue(argument);
-            out_ += '}';
-            before = ",";
-        }
+        json_.key("id").Uint(entry.record.messageId);
 
-        out_ += R"(],"text":)";
+        json_.key("arguments").StartArray();
+        for (const Argument &argument : entry.arguments) {
+            json_.writer().StartObject();
+            json_.key("type").String(argumentTypes[argument.type].name);
+            json_.key("value");
+            writeValue(argument);
+            json_.writer().EndObject();
+        }
+        json_.writer().EndArray();
+
+        json_.key("text");
         writeMessage(entry);
-        out_ += R"(,"file":")";
-        appendJson(out_, entry.file);
-        out_.append(R"(","offset":)").append(std::to_string(entry.offset)).append("}\n");
+        json_.key("file");
+        json_.text(entry.file);
+        json_.key("offset").Uint64(entry.offset);
+        json_.end(out_);
     }
 
     void writeMessage(const LogEntry &entry) {
         if (!entry.wording) {
-            out_ += "null";
+            json_.writer().Null();
             return;
         }
         message_.clear();
-        appendMessage(message_, *entry.wording, entry.arguments);
+        named_.resize(entry.arguments.size());
+        entry.wording->append(message_, entry.arguments, named_);
         writeText(message_);
     }
 
     void writeText(std::string_view bytes) {
-        out_ += '"';
-        spelling_.append(out_, bytes);
-        out_ += '"';
+        spelled_.clear();
+        spelling_.append(spelled_, bytes);
+        json_.text(spelled_);
     }
 
     void writeValue(const Argument &argument) {
         const char character = static_cast<char>(argument.bits);
+        spelled_.clear();
         switch (argument.type) {
         case Char:
             writeTextValue({&character, 1});
@@ -165,30 +221,29 @@ private:
             writeTextValue({argument.data, argument.length});
             break;
         case ByteArray:
-            out_ += '"';
-            appendHex(out_, {argument.data, argument.length}, "");
-            out_ += '"';
+            appendHex(spelled_, {argument.data, argument.length}, "");
+            json_.text(spelled_);
             break;
         case Word:
         case DWord:
-            out_ += std::to_string(argument.bits);
+            json_.writer().Uint64(argument.bits);
             break;
         case Double:
             writeDouble(std::bit_cast<double>(argument.bits));
             break;
         case Date:
-            appendFormat(out_, R"("%04d-%02d-%02d")", argument.date.year, argument.date.month,
-                         argument.date.day);
+            appendDate(spelled_, argument.date);
+            json_.text(spelled_);
             break;
         case Int64:
         case UInt64:
         case Time:
-            out_ += '"';
-            appendArgument(out_, argument);
-            out_ += '"';
+            appendArgument(spelled_, argument);
+            json_.text(spelled_);
             break;
         default:
-            appendArgument(out_, argument);
+            appendArgument(spelled_, argument);
+            json_.writer().RawValue(spelled_.data(), spelled_.size(), rapidjson::kNumberType);
             break;
         }
     }
@@ -198,34 +253,46 @@ private:
         writeText(bytes);
         if (spelling_.isText(bytes))
             return;
-        out_ += R"(,"bytes":")";
-        appendHex(out_, bytes, "");
-        out_ += '"';
+        json_.key("bytes");
+        spelled_.clear();
+        appendHex(spelled_, bytes, "");
+        json_.text(spelled_);
     }
 
+    // In the fewest digits that give the same value again.
     void writeDouble(double value) {
         char digits[32];
-        char *end = std::to_chars(std::begin(digits), std::end(digits), value).ptr;
-        const char *quote = std::isfinite(value) ? "" : "\"";
-        out_.append(quote).append(digits, end).append(quote);
+        const auto length =
+            static_cast<std::size_t>(std::to_chars(digits, std::end(digits), value).ptr - digits);
+        if (std::isfinite(value))
+            json_.writer().RawValue(digits, length, rapidjson::kNumberType);
+        else
+            json_.text(std::string(digits, length));
     }
 
     Spelling spelling_;
+    JsonLines json_;
+    std::string spelled_;
     std::string message_;
+    std::vector<bool> named_;
 };
 
 class StatsOutput : public LogOutput {
 public:
     StatsOutput(const CodePage &codePage, Form form) : spelling_(codePage, form), form_(form) {}
 
+    bool needsWording() const override { return false; }
+
     void finish() override {
         if (form_ == Form::line)
             out_ += "     RECORDS          BYTES  LEVEL    MODULE\n";
         Count total;
         for (const auto &[module, counts] : modules_) {
+            std::string name;
+            spelling_.append(name, module);
             for (const auto &[level, count] : counts) {
-                form_ == Form::line ? writeRow(count, levelName(level), module)
-                                    : writeObject(count, levelName(level), module);
+                form_ == Form::line ? writeRow(count, levelName(level), name)
+                                    : writeObject(count, levelName(level), name);
                 total.records += count.records;
                 total.bytes += count.bytes;
             }
@@ -236,8 +303,8 @@ public:
 
 private:
     struct Count {
-        unsigned long long records = 0;
-        unsigned long long bytes = 0;
+        uint64_t records = 0;
+        uint64_t bytes = 0;
     };
 
     void write(const LogEntry &entry) override {
@@ -249,22 +316,29 @@ private:
         count.bytes += entry.record.size;
     }
 
-    void writeRow(const Count &count, const std::string &level, std::string_view module) {
-        appendFormat(out_, "%12llu %14llu  %-8s ", count.records, count.bytes, level.c_str());
-        spelling_.append(out_, module);
+    void writeRow(const Count &count, const std::string &level, const std::string &module) {
+        char numbers[80];
+        snprintf(numbers, sizeof numbers, "%12" PRIu64 " %14" PRIu64 "  %-8s ", count.records,
+                 count.bytes, level.c_str());
+        out_.append(numbers).append(module);
         out_.erase(out_.find_last_not_of(' ') + 1);
         out_ += '\n';
     }
 
-    void writeObject(const Count &count, const std::string &level, std::string_view module) {
-        out_ += R"({"module":")";
-        spelling_.append(out_, module);
-        appendFormat(out_, "\",\"level\":\"%s\",\"records\":%llu,\"bytes\":%llu}\n", level.c_str(),
-                     count.records, count.bytes);
+    void writeObject(const Count &count, const std::string &level, const std::string &module) {
+        json_.begin();
+        json_.key("module");
+        json_.text(module);
+        json_.key("level");
+        json_.text(level);
+        json_.key("records").Uint64(count.records);
+        json_.key("bytes").Uint64(count.bytes);
+        json_.end(out_);
     }
 
     Spelling spelling_;
     Form form_;
+    JsonLines json_;
     std::map<std::string, std::map<uint8_t, Count>, std::less<>> modules_; // by level inside
 };
 

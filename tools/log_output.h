@@ -13,8 +13,8 @@ namespace uti::tool {
 struct LogEntry {
     const TraceRecord &record;
     std::span<const Argument> arguments;
-    const std::string *wording; // null when there is none
-    const std::string &file;
+    const Wording *wording;  // null when there is none
+    const std::string &file; // in UTF-8
     uint64_t offset;
 };
 
@@ -26,6 +26,7 @@ public:
     void add(const LogEntry &entry);
     // False when standard output cannot be written.
     bool flush();
+    virtual bool needsWording() const { return true; }
     // Adds what stands behind the last record.
     virtual void finish() {}
 

@@ -24,12 +24,20 @@ std::size_t LogScanner::seek(Stop stop) {
     return bytes.size();
 }
 
-LogScanner::Found LogScanner::passedOver() {
-    const uint64_t end = bufferOffset_ + position_;
-    const Found found{cutAtEnd_ ? Kind::cut : Kind::damaged, foundEnd_, end - foundEnd_, {}};
-    foundEnd_ = end;
-    cutAtEnd_ = false;
-    return found;
+LogScanner::Look LogScanner::look() {
+    const std::span<const uint8_t> bytes = rest();
+    if (bytes.size() > 1 && bytes[0] == '\r' && bytes[1] == '\n')
+        return Look::linesOfText;
+    const LogKind other = kind_ == LogKind::trace ? LogKind::monitoring : LogKind::trace;
+    TraceRecord record;
+    return readRecord(bytes, other, budget_, record) == Reading::whole ? Look::otherKind
+                                                                       : Look::unknown;
+}
+
+LogScanner::Found LogScanner::pending() const {
+    const uint64_t size = bufferOffset_ + position_ - foundEnd_;
+    const Kind kind = size == 0 ? Kind::none : cutAtEnd_ ? Kind::cut : Kind::damaged;
+    return {kind, foundEnd_, size, look_};
 }
 
 LogScanner::Found LogScanner::next(Ahead ahead) {
@@ -37,25 +45,32 @@ LogScanner::Found LogScanner::next(Ahead ahead) {
         const uint64_t offset = bufferOffset_ + position_;
         const bool atEnd = position_ == buffer_.size();
         const Reading reading = atEnd ? Reading::cut : read(rest());
-        if (foundEnd_ < offset && (reading == Reading::whole || (atEnd && ahead == Ahead::nothing)))
-            return passedOver();
+        if (foundEnd_ < offset &&
+            (reading == Reading::whole || (atEnd && ahead == Ahead::nothing))) {
+            const Found passedOver = pending();
+            foundEnd_ = offset;
+            cutAtEnd_ = false;
+            return passedOver;
+        }
 
         if (reading == Reading::whole) {
             position_ += record_.size;
             foundEnd_ = offset + record_.size;
-            return {Kind::record, offset, record_.size, record_};
+            return {Kind::record, offset, record_.size, Look::unknown, record_};
         }
+        if (foundEnd_ == offset && !atEnd)
+            look_ = look();
         if (reading == Reading::damaged) {
             position_ += seek(Stop::atWholeOrCut);
             continue;
         }
         if (atEnd || ahead == Ahead::bytes)
-            return {};
+            return {Kind::none, offset, 0};
 
         const std::size_t distance = seek(Stop::atWhole);
         const bool found = distance < buffer_.size() - position_;
         if (!found && ahead == Ahead::unknown)
-            return {};
+            return {Kind::none, offset, 0};
         cutAtEnd_ = !found && foundEnd_ == offset;
         position_ += distance;
     }

@@ -25,11 +25,15 @@ public:
         cut      // the beginning of a record, and the end of the log
     };
 
+    // What bytes that are no record look like.
+    enum class Look : uint8_t { unknown, linesOfText, otherKind };
+
     struct Found {
         Kind kind;
         uint64_t offset; // in the log
         uint64_t size;
-        TraceRecord record; // its texts and arguments are valid until `append`
+        Look look = Look::unknown;
+        TraceRecord record{}; // its texts and arguments are valid until `append`
     };
 
     // The bytes begin at `offset` of the log.
@@ -40,6 +44,10 @@ public:
 
     Found next(Ahead ahead);
 
+    // What has been passed over up to now and is not told yet, since more of it may follow; of kind
+    // none when there is nothing.
+    Found pending() const;
+
 private:
     enum class Stop : uint8_t { atWhole, atWholeOrCut };
 
@@ -48,7 +56,7 @@ private:
         return readRecord(bytes, kind_, budget_, record_);
     }
     std::size_t seek(Stop stop);
-    Found passedOver();
+    Look look();
 
     LogKind kind_;
     std::vector<uint8_t> buffer_;
@@ -56,6 +64,7 @@ private:
     std::size_t position_ = 0;  // in the buffer: all before it has been found or passed over
     uint64_t foundEnd_ = 0;     // in the log: behind it bytes have been passed over
     bool cutAtEnd_ = false;     // they begin like a record
+    Look look_ = Look::unknown; // of their beginning
     // The search for a record goes over some bytes again and again. This keeps it in proportion to
     // the length of the log, whatever that holds.
     uint64_t budget_ = 1 << 20;

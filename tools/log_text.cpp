@@ -6,6 +6,7 @@
 #include "tools/utf8.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdio>
 
 namespace uti::tool {
@@ -15,36 +16,26 @@ namespace {
 // A wording may name a large argument again and again; the message ends when it is this long.
 constexpr std::size_t messageLimit = std::size_t{4} * longestRecord;
 
+constexpr char digitsOfHex[] = "0123456789ABCDEF";
+
 bool isControl(char32_t character) {
     return character < ' ' || (character >= 0x7F && character < 0xA0);
 }
 
-void appendEscape(std::string &out, const char *format, char32_t character) {
-    char escape[16];
-    snprintf(escape, sizeof escape, format, static_cast<unsigned>(character));
-    out += escape;
+std::string escape(uint8_t byte) {
+    return {'\\', 'x', digitsOfHex[byte >> 4], digitsOfHex[byte & 0xF]};
 }
 
-void appendForLine(std::string &out, char32_t character) {
+std::string onLine(char32_t character) {
     if (character == '\n')
-        out += "\\n";
-    else if (character == '\r')
-        out += "\\r";
-    else if (isControl(character) && character != '\t')
-        appendEscape(out, "\\x%02X", character);
-    else
-        appendCharacter(out, character);
-}
-
-void appendForJson(std::string &out, char32_t character) {
-    const bool isSurrogate = character >= 0xD800 && character <= 0xDFFF;
-    if (isControl(character)) {
-        appendEscape(out, "\\u%04x", character);
-        return;
-    }
-    if (character == '"' || character == '\\')
-        out += '\\';
-    appendCharacter(out, isSurrogate || character > 0x10FFFF ? replacementCharacter : character);
+        return "\\n";
+    if (character == '\r')
+        return "\\r";
+    if (isControl(character) && character != '\t')
+        return escape(static_cast<uint8_t>(character));
+    std::string text;
+    appendCharacter(text, character);
+    return text;
 }
 
 } // namespace
@@ -53,38 +44,68 @@ Spelling::Spelling(const CodePage &codePage, Form form) {
     for (std::size_t value = 0; value < std::size(bytes_); ++value) {
         const char byte = static_cast<char>(value);
         const std::optional<std::string> decoded = codePage.decode({&byte, 1});
-        auto &[isCharacter, text] = bytes_[value];
-        isCharacter = decoded.has_value();
-        if (!isCharacter && form == Form::line) {
-            appendEscape(text, "\\x%02X", static_cast<char32_t>(value));
-            continue;
-        }
-        std::string_view rest = isCharacter ? *decoded : std::string_view();
-        const char32_t character = isCharacter ? takeCharacter(rest) : replacementCharacter;
-        form == Form::line ? appendForLine(text, character) : appendForJson(text, character);
+        std::string text = decoded.value_or("");
+        if (!decoded && form == Form::line)
+            text = escape(static_cast<uint8_t>(value));
+        else if (!decoded)
+            appendCharacter(text, replacementCharacter);
+        else if (std::string_view rest = *decoded; form == Form::line)
+            text = onLine(takeCharacter(rest));
+
+        Byte &spelled = bytes_[value];
+        spelled.isCharacter = decoded.has_value();
+        spelled.length = static_cast<uint8_t>(text.copy(spelled.text, sizeof spelled.text));
     }
 }
 
 void Spelling::append(std::string &out, std::string_view bytes) const {
-    for (const char byte : bytes)
-        out += bytes_[static_cast<unsigned char>(byte)].text;
+    const std::size_t begin = out.size();
+    out.resize(begin + sizeof Byte::text * bytes.size());
+    char *end = out.data() + begin;
+    for (const char byte : bytes) {
+        const Byte &spelled = bytes_[static_cast<uint8_t>(byte)];
+        std::copy_n(spelled.text, sizeof spelled.text, end);
+        end += spelled.length;
+    }
+    out.resize(static_cast<std::size_t>(end - out.data()));
 }
 
 bool Spelling::isText(std::string_view bytes) const {
     return std::ranges::all_of(
-        bytes, [&](char byte) { return bytes_[static_cast<unsigned char>(byte)].isCharacter; });
+        bytes, [&](char byte) { return bytes_[static_cast<uint8_t>(byte)].isCharacter; });
 }
 
-void appendJson(std::string &out, std::string_view text) {
-    while (!text.empty())
-        appendForJson(out, takeCharacter(text));
+std::string validUtf8(std::string_view text) {
+    std::string valid;
+    while (!text.empty()) {
+        std::string_view rest = text;
+        const char32_t character = takeCharacter(rest);
+        std::string encoded;
+        appendCharacter(encoded, character);
+        const bool isScalar = character <= 0x10FFFF && (character < 0xD800 || character > 0xDFFF);
+        const bool isShortest = text.starts_with(encoded);
+        if (isScalar && isShortest)
+            valid += encoded;
+        else
+            appendCharacter(valid, replacementCharacter);
+        text = rest;
+    }
+    return valid;
+}
+
+void appendPadded(std::string &out, int32_t number, std::size_t digits) {
+    char text[12];
+    const auto length =
+        static_cast<std::size_t>(std::to_chars(text, std::end(text), number).ptr - text);
+    if (number >= 0 && length < digits)
+        out.append(digits - length, '0');
+    out.append(text, length);
 }
 
 void appendHex(std::string &out, std::string_view bytes, std::string_view behind) {
-    constexpr char digits[] = "0123456789ABCDEF";
     for (const char byte : bytes) {
-        out += digits[static_cast<unsigned char>(byte) >> 4];
-        out += digits[static_cast<unsigned char>(byte) & 0xF];
+        out += digitsOfHex[static_cast<uint8_t>(byte) >> 4];
+        out += digitsOfHex[static_cast<uint8_t>(byte) & 0xF];
         out += behind;
     }
 }
@@ -100,21 +121,45 @@ void appendArgument(std::string &out, const Argument &argument) {
     }
 }
 
-void appendMessage(std::string &out, const std::string &wording,
-                   std::span<const Argument> arguments,
-                   const std::function<void(uint32_t)> &named) {
+Wording::Wording(const std::string &text) {
+    std::size_t done = 0; // in pieces
+    const auto addUpTo = [&](std::size_t end, uint32_t number) {
+        if (end > done)
+            pieces_.push_back({text.substr(done, end - done), number});
+        done = std::max(done, end);
+    };
+    uint32_t number = none;
+    const auto placeOf = [&](std::string_view slice) {
+        return static_cast<std::size_t>(slice.data() - text.data());
+    };
     expandMessage(
-        wording, static_cast<uint32_t>(arguments.size()),
+        text, none,
         [&](std::string_view slice) {
-            out += slice;
+            addUpTo(placeOf(slice), number);
+            number = none;
+            addUpTo(placeOf(slice) + slice.size(), none);
             return 0;
         },
-        [&](uint32_t number) {
-            appendArgument(out, arguments[number]);
-            if (named)
-                named(number);
-            return out.size() < messageLimit ? 0 : 1;
+        [&](uint32_t named) {
+            number = named;
+            return 0;
         });
+    addUpTo(text.size(), number);
+}
+
+void Wording::append(std::string &out, std::span<const Argument> arguments,
+                     std::vector<bool> &named) const {
+    const std::size_t most = out.size() + messageLimit;
+    for (const auto &[text, number] : pieces_) {
+        if (number >= arguments.size()) {
+            out += text;
+            continue;
+        }
+        appendArgument(out, arguments[number]);
+        named[number] = true;
+        if (out.size() >= most)
+            return;
+    }
 }
 
 } // namespace uti::tool

@@ -5,18 +5,19 @@
 #include "Src/utiTraceArguments.h"
 #include "tools/code_page.h"
 
-#include <functional>
+#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace uti::tool {
 
 // Where a text is to stand: on a line of its own, where nothing may be invisible or steer the
-// terminal, or between the quotes of a JSON string.
+// terminal, or in JSON, whose writer makes its own escapes.
 enum class Form : uint8_t { line, json };
 
-// How each byte of a code page is written in UTF-8. A byte without a character is an escape on a
-// line and the replacement character in JSON.
+// How each byte of a code page is written in UTF-8, always valid. A byte without a character is an
+// escape on a line and the replacement character in JSON.
 class Spelling {
 public:
     Spelling(const CodePage &codePage, Form form);
@@ -29,13 +30,17 @@ public:
 private:
     struct Byte {
         bool isCharacter;
-        std::string text;
+        uint8_t length;
+        char text[4];
     };
     Byte bytes_[256];
 };
 
-// Appends a text that should be UTF-8, for a JSON string.
-void appendJson(std::string &out, std::string_view text);
+// The bytes of a text that may not be UTF-8 as UTF-8.
+std::string validUtf8(std::string_view text);
+
+// Appends a number of at least so many digits.
+void appendPadded(std::string &out, int32_t number, std::size_t digits);
 
 // Appends bytes in upper-case hex, `behind` after each.
 void appendHex(std::string &out, std::string_view bytes, std::string_view behind);
@@ -43,10 +48,24 @@ void appendHex(std::string &out, std::string_view bytes, std::string_view behind
 // Appends the text of an argument as a text record has it.
 void appendArgument(std::string &out, const Argument &argument);
 
-// Appends the message: the wording with its placeholders replaced. `named` is told the number of
-// each argument that it names.
-void appendMessage(std::string &out, const std::string &wording,
-                   std::span<const Argument> arguments,
-                   const std::function<void(uint32_t)> &named = {});
+// A wording taken apart, once for all records that have it.
+class Wording {
+public:
+    explicit Wording(const std::string &text);
+
+    // Appends the message: the text with its placeholders replaced, those without an argument as
+    // they stand. `named`, which has a place for each argument, gets true for those that are named.
+    void append(std::string &out, std::span<const Argument> arguments,
+                std::vector<bool> &named) const;
+
+private:
+    static constexpr uint32_t none = UINT32_MAX;
+
+    struct Piece {
+        std::string text; // a placeholder with its braces, or what stands between two
+        uint32_t number;  // of the argument
+    };
+    std::vector<Piece> pieces_;
+};
 
 } // namespace uti::tool

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <utility>
 
 namespace uti::tool {
 
@@ -37,10 +38,10 @@ void LogWording::enter(const fs::path &logFolder) {
 }
 
 // What is there already stays. Empty strings give no wording.
-void LogWording::addFile(Texts &texts, const std::string &module) {
-    const fs::path path = present_->first / (module + ".res");
+void LogWording::addFile(Module &module, const std::string &name) {
+    const fs::path path = present_->first / (name + ".res");
     std::error_code failure;
-    if (module.size() > RESOURCE_NAME_LENGTH || !fs::is_regular_file(path, failure))
+    if (name.size() > RESOURCE_NAME_LENGTH || !fs::is_regular_file(path, failure))
         return;
     const std::optional<std::string> bytes = readFile(path);
     Diagnostics diagnostics(path.string());
@@ -49,6 +50,8 @@ void LogWording::addFile(Texts &texts, const std::string &module) {
     const auto file = bytes ? readResourceFile(*bytes, diagnostics) : std::nullopt;
     diagnostics.print(std::cerr);
     hasErrors_ = hasErrors_ || diagnostics.hasErrors();
+    module.hasFile = true;
+    module.isExplained = module.isExplained || !file;
     if (!file)
         return;
 
@@ -58,9 +61,11 @@ void LogWording::addFile(Texts &texts, const std::string &module) {
             for (const auto &[index, string] : table.strings) {
                 const std::string text = string.c_str(); // a wording ends at its first zero
                 if (!text.empty())
-                    texts.emplace(stringId(number, index), text);
+                    module.wordings.try_emplace(stringId(number, index), text);
             }
         };
+        for (const LanguageTable &table : tables)
+            module.languages.insert(table.language.code);
         const auto own = std::ranges::find_if(tables, [&](const LanguageTable &table) {
             return table.language.code == wanted && !table.strings.empty();
         });
@@ -73,28 +78,58 @@ void LogWording::addFile(Texts &texts, const std::string &module) {
     }
 }
 
-LogWording::Texts LogWording::load(const std::string &module) {
-    Texts texts;
-    if (!isFileName(module))
-        return texts;
-    const ExternalName external(module.c_str());
+LogWording::Module LogWording::load(const std::string &name) {
+    Module module;
+    if (!isFileName(name))
+        return module;
+    const ExternalName external(name.c_str());
     if (external.enabled())
-        addFile(texts, external.text());
-    addFile(texts, module);
-    return texts;
+        addFile(module, external.text());
+    addFile(module, name);
+    return module;
 }
 
-const std::string *LogWording::find(std::string_view module, uint16_t messageId) {
-    if (const char *builtIn = builtInWording(module, messageId)) {
-        static const std::string text = builtIn;
-        return &text;
+const Wording *LogWording::find(std::string_view module, uint16_t messageId) {
+    if (const char *text = builtInWording(module, messageId)) {
+        static const Wording builtIn(text);
+        return &builtIn;
+    }
+    // The trace log says for itself why it refused a record.
+    if (module == "TRACE" && messageId == 0) {
+        static const Wording refusal("{0}");
+        return &refusal;
     }
     Modules &modules = present_->second;
     auto found = modules.find(module);
     if (found == modules.end())
         found = modules.emplace(module, load(std::string(module))).first;
-    const auto text = found->second.find(messageId);
-    return text == found->second.end() ? nullptr : &text->second;
+    const auto wording = found->second.wordings.find(messageId);
+    return wording == found->second.wordings.end() ? nullptr : &wording->second;
+}
+
+std::string LogWording::explain(std::string_view name, uint16_t messageId) {
+    Module &module = present_->second.find(name)->second;
+    if (std::exchange(module.isExplained, true))
+        return {};
+    const fs::path &folder = present_->first;
+    std::string file;
+    spelling_.append(file, name);
+    const std::string head = concat("no wording for ", file, ": ");
+    file += ".res";
+    if (!isFileName(name) || name.size() > RESOURCE_NAME_LENGTH)
+        return concat(head, "no resource file can have this name");
+    if (!module.hasFile)
+        return concat(head, "there is no ", file, " in ",
+                      folder.empty() ? "this folder" : folder.string(),
+                      folder_.empty() ? "; --res names another folder" : "");
+    if (language_.empty() || module.languages.contains(language_))
+        return concat(head, file, " has no text for message ", messageId, " (", Hex{messageId, 4},
+                      ')', language_.empty() ? "" : " in " + language_);
+    std::string languages;
+    for (const std::string &language : module.languages)
+        languages += (languages.empty() ? "" : ", ") + language;
+    return concat(head, file, " has no texts in ", language_, "; it has ",
+                  languages.empty() ? "none" : languages);
 }
 
 } // namespace uti::tool

@@ -2,9 +2,12 @@
 // the tools' own reader of resource files.
 #pragma once
 
+#include "tools/log_text.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -15,28 +18,40 @@ class LogWording {
 public:
     // Looks for resource files in `folder`, or in that of each log when it is empty. An empty
     // `language` means the terminal's (the environment variable default_lang, or else "ru") and,
-    // for what that lacks, the first language of the file that has it.
-    LogWording(std::filesystem::path folder, std::string language)
-        : folder_(std::move(folder)), language_(std::move(language)) {}
+    // for what that lacks, the first language of the file that has it. Modules are named in
+    // `codePage`.
+    LogWording(std::filesystem::path folder, std::string language, const CodePage &codePage)
+        : folder_(std::move(folder)), language_(std::move(language)),
+          spelling_(codePage, Form::line) {}
 
     // From now on records are those of a log in this folder.
     void enter(const std::filesystem::path &logFolder);
 
     // The wording of a message as the terminal would use it, or null when there is none.
-    const std::string *find(std::string_view module, uint16_t messageId);
+    const Wording *find(std::string_view module, uint16_t messageId);
+
+    // Why `find` gave null, the first time for a module in a folder; empty later on, and when a
+    // damaged file, which has been told, is the reason.
+    std::string explain(std::string_view module, uint16_t messageId);
 
     // True when some resource file is damaged; what is wrong has been printed.
     bool hasErrors() const { return hasErrors_; }
 
 private:
-    using Texts = std::unordered_map<uint16_t, std::string>;
-    using Modules = std::map<std::string, Texts, std::less<>>;
+    struct Module {
+        std::unordered_map<uint16_t, Wording> wordings;
+        std::set<std::string> languages; // of its files
+        bool hasFile = false;
+        bool isExplained = false;
+    };
+    using Modules = std::map<std::string, Module, std::less<>>;
 
-    Texts load(const std::string &module);
-    void addFile(Texts &texts, const std::string &module);
+    Module load(const std::string &name);
+    void addFile(Module &module, const std::string &name);
 
     std::filesystem::path folder_;
     std::string language_;
+    Spelling spelling_;
     bool hasErrors_ = false;
     std::map<std::filesystem::path, Modules> folders_;
     std::pair<const std::filesystem::path, Modules> *present_ = nullptr;
