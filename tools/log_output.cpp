@@ -14,6 +14,9 @@
 #include <map>
 #include <vector>
 
+#ifdef __SSE2__
+#define RAPIDJSON_SSE2 // looks for characters to escape 16 at a time
+#endif
 #include <rapidjson/writer.h>
 
 namespace uti::tool {
@@ -140,8 +143,9 @@ public:
         buffer_.Clear();
     }
 
-    rapidjson::Writer<rapidjson::StringBuffer> &key(const char *name) {
-        writer_.Key(name);
+    template <rapidjson::SizeType size>
+    rapidjson::Writer<rapidjson::StringBuffer> &key(const char (&name)[size]) {
+        writer_.Key(name, size - 1);
         return writer_;
     }
     rapidjson::Writer<rapidjson::StringBuffer> &writer() { return writer_; }

@@ -6,7 +6,6 @@
 #include "tools/utf8.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdio>
 
 namespace uti::tool {
@@ -95,11 +94,15 @@ std::string validUtf8(std::string_view text) {
 
 void appendPadded(std::string &out, int32_t number, std::size_t digits) {
     char text[12];
-    const auto length =
-        static_cast<std::size_t>(std::to_chars(text, std::end(text), number).ptr - text);
-    if (number >= 0 && length < digits)
-        out.append(digits - length, '0');
-    out.append(text, length);
+    char *begin = std::end(text);
+    for (int32_t rest = number < 0 ? 0 : number; rest > 0; rest /= 10)
+        *--begin = static_cast<char>('0' + rest % 10);
+    while (static_cast<std::size_t>(std::end(text) - begin) < std::min(digits, sizeof text))
+        *--begin = '0';
+    if (number < 0)
+        out += std::to_string(number);
+    else
+        out.append(begin, std::end(text));
 }
 
 void appendHex(std::string &out, std::string_view bytes, std::string_view behind) {
