@@ -82,9 +82,9 @@ LogWording::Module LogWording::load(const std::string &name) {
     Module module;
     if (!isFileName(name))
         return module;
-    const ExternalName external(name.c_str());
-    if (external.enabled())
-        addFile(module, external.text());
+    prepareModules();
+    if (CheckExternalResources == 1)
+        addFile(module, name + "_ext");
     addFile(module, name);
     return module;
 }
