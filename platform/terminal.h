@@ -138,7 +138,24 @@ int32_t Display_CheckEvent(void);
 /** Places the text cursor, counting from 0. */
 void Display_SetCursorPosition(uint8_t column, uint8_t row);
 
-/** Takes the code of the last key that was pressed; 0 when there is none since it was taken. */
+/** Codes of the terminal's keys. Digits and letters are their characters, as are '*' and '#'; keys
+ *  of one terminal or another have other codes between 90 and 195. */
+enum TerminalKey {
+    TERMINAL_KEY_BACKSPACE = 8,
+    TERMINAL_KEY_ENTER = 13,
+    TERMINAL_KEY_LAYOUT = 26, /**< goes on to the next set of letters */
+    TERMINAL_KEY_ESCAPE = 27,
+    TERMINAL_KEY_F1 = 129,
+    TERMINAL_KEY_F2 = 130,
+    TERMINAL_KEY_MENU = 188,
+    TERMINAL_KEY_UP = 189,
+    TERMINAL_KEY_DOWN = 190,
+    TERMINAL_KEY_UP_2 = 191, /**< a second pair of arrow keys */
+    TERMINAL_KEY_DOWN_2 = 192
+};
+
+/** Takes the code of the last key that was pressed, `TerminalKey`; 0 when there is none since it
+ *  was taken. */
 uint8_t Keyboard_GetLastKey(void);
 
 /** Forgets the keys that were pressed. */

@@ -2,8 +2,11 @@
 #include "tools/dialog_values.h"
 
 #include "common/bytes.h"
+#include "common/keys.h"
 
 #include <algorithm>
+#include <array>
+#include <ranges>
 
 namespace uti::tool {
 
@@ -30,9 +33,17 @@ constexpr Choice transparencies[] = {{"opaque", 0}, {"transparent", 1}};
 constexpr Choice formTransparencies[] = {{"opaque", 0}, {"half", 1}, {"transparent", 2}};
 constexpr Choice inputTypes[] = {{"digits", 0}, {"text", 1}, {"amount", 2}};
 constexpr Choice digitFonts[] = {{"dig6x8", 0}, {"12x16", 1}, {"16x24", 2}};
-constexpr Choice keyCodes[] = {{"BACKSPACE", 8}, {"ENTER", 13}, {"LAYOUT", 26}, {"ESCAPE", 27},
-                               {"#", 35},        {"*", 42},     {"F1", 129},    {"F2", 130},
-                               {"MENU", 188},    {"UP", 189},   {"DOWN", 190}};
+constexpr bool isWritten(const Key &key) {
+    return key.name && key.terminal != 0;
+}
+constexpr auto keyCodes = [] {
+    std::array<Choice, std::ranges::count_if(keys, isWritten)> choices{};
+    std::ranges::transform(keys | std::views::filter(isWritten), choices.begin(),
+                           [](const Key &key) {
+                               return Choice{key.name, key.terminal};
+                           });
+    return choices;
+}();
 
 constexpr std::string_view plainColors = R"(["#000000", "#FFFFFF"])";
 constexpr std::string_view focusColors =

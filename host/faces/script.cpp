@@ -1,8 +1,8 @@
 // script.cpp: reading key scripts, line by line, word by word.
 #include "host/faces/script.h"
 
+#include "common/keys.h"
 #include "host/toolkit/code_page.h"
-#include "toolkit.h"
 
 #include <algorithm>
 #include <charconv>
@@ -14,26 +14,20 @@ namespace uti::host {
 
 namespace {
 
-constexpr struct {
-    std::string_view name;
-    uint8_t code;
-} keyNames[] = {{"ENTER", IG_KEY_ENTER},   {"ESCAPE", IG_KEY_ESCAPE},       {"UP", IG_KEY_UP},
-                {"DOWN", IG_KEY_DOWN},     {"LEFT", IG_KEY_LEFT},           {"RIGHT", IG_KEY_RIGHT},
-                {"TAB", IG_KEY_TAB},       {"BACKSPACE", IG_KEY_BACKSPACE}, {"CLEAR", IG_KEY_CLEAR},
-                {"LAYOUT", IG_KEY_LAYOUT}, {"MENU", IG_KEY_MENU},           {"F1", IG_KEY_F1},
-                {"F2", IG_KEY_F2}};
-constexpr std::string_view keypad = "0123456789*#";
+bool isDigit(char character) {
+    return character >= '0' && character <= '9';
+}
 
 bool isContinuation(char byte) {
     return (byte & 0xC0) == 0x80;
 }
 
-// A key by its name, by its character on the keypad, or by its code of two digits or more.
+// A key by its name, by its digit, or by its code of two digits or more.
 std::optional<uint8_t> keyOf(std::string_view word) {
-    for (const auto &[name, code] : keyNames)
-        if (name == word)
-            return code;
-    if (word.size() == 1 && keypad.find(word[0]) != std::string_view::npos)
+    for (const Key &key : keys)
+        if (key.name && key.name == word)
+            return key.toolkit;
+    if (word.size() == 1 && isDigit(word[0]))
         return static_cast<uint8_t>(word[0]);
     uint8_t code = 0;
     const auto [end, error] = std::from_chars(word.begin(), word.end(), code);
@@ -303,12 +297,11 @@ std::string_view lineOf(std::string_view source, std::size_t number) {
 } // namespace
 
 std::string keyName(uint8_t key) {
-    for (const auto &[name, code] : keyNames)
-        if (code == key)
-            return std::string(name);
-    const char character = static_cast<char>(key);
-    return keypad.find(character) == std::string_view::npos ? std::to_string(key)
-                                                            : std::string(1, character);
+    for (const Key &each : keys)
+        if (each.name && each.toolkit == key)
+            return each.name;
+    return isDigit(static_cast<char>(key)) ? std::string(1, static_cast<char>(key))
+                                           : std::to_string(key);
 }
 
 void Script::report(ScriptPlace place, std::string_view what) const {

@@ -1,5 +1,6 @@
 // ui.cpp: the functions of toolkit.h and terminal.h for the display as a whole and for its
 // keyboard.
+#include "common/keys.h"
 #include "host/terminal/copy_text.h"
 #include "host/toolkit/doors.h"
 #include "terminal.h"
@@ -10,16 +11,12 @@ namespace uti::host {
 
 namespace {
 
-constexpr std::pair<uint8_t, uint8_t> terminalCodes[] = {{IG_KEY_LAYOUT, 26}, {IG_KEY_F1, 129},
-                                                         {IG_KEY_F2, 130},    {IG_KEY_MENU, 188},
-                                                         {IG_KEY_UP, 189},    {IG_KEY_DOWN, 190}};
-
-// The terminal's code of a toolkit's key; keys that are not in the table have the same in both.
-uint8_t terminalCode(uint8_t key) {
-    for (const auto &[toolkit, terminal] : terminalCodes)
-        if (toolkit == key)
-            return terminal;
-    return key;
+// The terminal's code of a toolkit's key; what is no key of the terminal has the same in both.
+uint8_t terminalCode(uint8_t code) {
+    for (const Key &key : keys)
+        if (key.toolkit == code && key.terminal != 0)
+            return key.terminal;
+    return code;
 }
 
 // Calls `use` with the display of that handle. Returns IG_ERROR_HANDLE for any other handle.
