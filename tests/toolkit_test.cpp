@@ -1,6 +1,7 @@
 // The desktop stand-in of the widget toolkit: called as the library calls it, answered by key
 // scripts on the virtual clock, and looked at through dumps and pictures. tests/golden/ holds what
 // is expected; with UTI_GOLDEN_UPDATE set it is written anew.
+#include "host/faces/choose.h"
 #include "host/faces/recorder.h"
 #include "host/faces/script_face.h"
 #include "host/terminal/clock.h"
@@ -205,7 +206,7 @@ TEST_F(Toolkit, EveryFontDrawsEveryCharacterInItsCell) {
         return std::string(cell, cell + font.width(static_cast<char>(code)) * font.height());
     };
     for (std::size_t slot = 0; slot < 6; ++slot) {
-        Font &font = display().fonts.at(slot);
+        Font &font = display().stage().fonts.at(slot);
         for (int code = 0; code < 256; ++code) {
             SCOPED_TRACE(std::to_string(slot) + " " + std::to_string(code));
             EXPECT_EQ(font.width(static_cast<char>(code)), cells[slot].width);
@@ -221,8 +222,8 @@ TEST_F(Toolkit, EveryFontDrawsEveryCharacterInItsCell) {
 
     const char *const file = "DejaVuSans.ttf";
     EXPECT_EQ(igUI_SetFileFont(screen, 7, file), 0);
-    EXPECT_LT(display().fonts.at(7).width('i'), display().fonts.at(7).width('W'));
-    EXPECT_EQ(&display().fonts.at(8), &display().fonts.at(1));
+    EXPECT_LT(display().stage().fonts.at(7).width('i'), display().stage().fonts.at(7).width('W'));
+    EXPECT_EQ(&display().stage().fonts.at(8), &display().stage().fonts.at(1));
     EXPECT_LT(igUI_SetFileFont(screen, 12, file), 0);
     EXPECT_LT(igUI_SetFileFont(screen, 6, "/dev/null"), 0);
     EXPECT_LT(igUI_SetFileFont(screen, 6, nullptr), 0);
@@ -559,8 +560,8 @@ TEST_F(Toolkit, ImagesAndSignatures) {
 
     const int32_t image = igImage_CreateFromFile(file.c_str());
     EXPECT_EQ(igImage_CreateFromFile(file.c_str()), image);
-    ASSERT_TRUE(display().image(image));
-    EXPECT_EQ(display().image(image)->size.height, 80);
+    ASSERT_TRUE(display().stage().images.find(image));
+    EXPECT_EQ(display().stage().images.find(image)->size.height, 80);
     EXPECT_EQ(igUI_SetBackgroundImage(screen, image) + igUI_SetBackgroundImage(screen, 0), 0);
     EXPECT_LT(igUI_SetBackgroundImage(screen, -7) + igUI_SetBackgroundImage(screen, form), 0);
     EXPECT_EQ(igImage_CreateFromFile(nullptr) + igImage_CreateFromFile(""), 0);
@@ -655,7 +656,6 @@ TEST_F(Toolkit, ScriptsMayEndEarlyOrByGoingAway) {
     EXPECT_EQ(run(form), IG_STATE_CANCELLED) << "there is nobody any more";
     Wait(1);
     EXPECT_NE(Display_CheckEvent(), 0);
-    display().closed = false;
     display().useFace(std::make_unique<Watcher>());
     EXPECT_FALSE(failed);
 }

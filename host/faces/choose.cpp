@@ -1,6 +1,8 @@
 // choose.cpp: which face the environment asks for: a key script, a window or none. A key script is
 // read when the library is loaded, so that its clock and its peripherals hold from the
 // application's first call on.
+#include "host/faces/choose.h"
+
 #include "host/faces/script_face.h"
 #include "host/faces/window_face.h"
 #include "host/terminal/clock.h"
@@ -60,6 +62,7 @@ void endRun() {
 }
 
 [[gnu::constructor]] void startRun() {
+    setFaceMaker(makeFace);
     if (valueOf("UTI_SCRIPT").empty())
         return;
     std::atexit(endRun);

@@ -2,7 +2,7 @@
 // again.
 #pragma once
 
-#include "host/faces/face.h"
+#include "host/toolkit/face.h"
 
 #include <fstream>
 #include <string>

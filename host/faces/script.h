@@ -2,7 +2,7 @@
 // language is told in docs/script.md.
 #pragma once
 
-#include "host/faces/face.h"
+#include "host/toolkit/face.h"
 
 #include <string>
 #include <string_view>

@@ -160,7 +160,7 @@ void ScriptFace::save(const ScriptCommand &command) {
 std::optional<Event> ScriptFace::afterEnd(uint32_t milliseconds) {
     const Form *form = display_.running();
     if (!form) {
-        if (isGone_ && !display_.closed)
+        if (isGone_ && !display_.isClosed())
             return Event{.kind = Event::Kind::close};
         endWhenStuck(script_.end());
         pass(milliseconds);

@@ -70,7 +70,7 @@ class WindowFace final : public Face {
 public:
     WindowFace(Display &display, const WindowOptions &options)
         : display_(display), scale_(options.scale), pictures_(options.pictures),
-          keypad_(display.fonts, display.size(), options.scale) {}
+          keypad_(display.stage().fonts, display.size(), options.scale) {}
     ~WindowFace() override;
     WindowFace(const WindowFace &) = delete;
     WindowFace &operator=(const WindowFace &) = delete;
@@ -356,7 +356,7 @@ std::optional<Event> WindowFace::afterClose(uint32_t milliseconds) {
     }
     if (isRunning)
         closedAt_ = ticks();
-    if (isRunning || !display_.closed)
+    if (isRunning || !display_.isClosed())
         return Event{.kind = Event::Kind::close};
     pass(milliseconds);
     return std::nullopt;

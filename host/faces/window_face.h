@@ -1,7 +1,7 @@
 // window_face.h: the display in a window of the desktop, with a keypad below it.
 #pragma once
 
-#include "host/faces/face.h"
+#include "host/toolkit/face.h"
 
 #include <filesystem>
 #include <memory>

@@ -9,13 +9,11 @@ constexpr int radius = 6;
 
 class Button final : public Widget {
 public:
-    Button(Display &on, const Rect &place, const char *text, int32_t image, uint8_t key)
+    Button(Stage &on, const Rect &place, const char *text, int32_t image, uint8_t key)
         : Widget(on, place), image_(image), text_(orEmpty(text)), key_(key) {}
 
     int32_t type() const override { return IG_WIDGET_BUTTON; }
-    Description describe() const override {
-        return {"button", {text_}, display.images.name(image_)};
-    }
+    Description describe() const override { return {"button", {text_}, stage.images.name(image_)}; }
     void draw(Painter &painter) const override;
 
     bool takesFocus() const override { return true; }
@@ -52,7 +50,7 @@ bool Button::press() {
 void Button::draw(Painter &painter) const {
     Painter inner = drawBox(painter, colors(), radius);
     const Rect room{3, 2, inside().width - 6, inside().height - 4};
-    drawContent(inner, room, display.image(image_), text_);
+    drawContent(inner, room, stage.images.find(image_), text_);
 }
 
 } // namespace

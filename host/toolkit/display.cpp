@@ -51,7 +51,8 @@ private:
 };
 
 Display::Display(Size size) : surface_(size) {
-    damage_.add(surface_.area());
+    enableStatusLine(true);
+    stage_.damage.add(surface_.area());
 }
 
 Display::~Display() {
@@ -61,7 +62,7 @@ Display::~Display() {
 int32_t Display::loadImage(const std::string &name) {
     if (lastHandle_ == INT32_MAX)
         return IG_ERROR_HANDLE;
-    const int32_t image = images.load(name, lastHandle_ + 1);
+    const int32_t image = stage_.images.load(name, lastHandle_ + 1);
     lastHandle_ = std::max(lastHandle_, image);
     return image;
 }
@@ -76,7 +77,7 @@ void Display::add(int32_t form) {
 void Display::remove(int32_t form) {
     std::unique_ptr<Form> removed = forms_.take(form);
     std::erase(stack_, removed.get());
-    damage_.add(surface_.area()); // a form that filled the display hid others
+    stage_.damage.add(surface_.area()); // a form that filled the display hid others
     for (const Widget *widget : removed->widgets)
         deletedWidgets_.push_back(widgets_.take(widget->handle));
     deletedForms_.push_back(std::move(removed));
@@ -98,7 +99,7 @@ void Display::show(int32_t form) {
     shown->layOut();
     shown->shown = true;
     updateStatusLine();
-    damage_.add(surface_.area());
+    stage_.damage.add(surface_.area());
     redraw();
 }
 
@@ -113,7 +114,7 @@ void Display::run(int32_t form, IgEventCallback callback) {
     asked_ = ticks() - pollInterval;
     ++runs_;
     show(form);
-    if (std::exchange(closed, false))
+    if (std::exchange(isClosed_, false))
         started->end(IG_STATE_CANCELLED);
 }
 
@@ -175,8 +176,8 @@ void Display::updateStatusLine() {
     std::snprintf(clock, sizeof clock, "%02u:%02u", time.hour % 100u, time.minute % 100u);
     const Form *form = running();
     const Widget *focused = form ? form->focused() : nullptr;
-    if (statusLine.update(clock, focused ? focused->letters() : ""))
-        damage_.add({0, 0, size().width, StatusLine::height});
+    if (statusLine_.update(clock, focused ? focused->letters() : ""))
+        damageStatusLine();
 }
 
 Form *Display::ask(uint8_t &key) {
@@ -203,8 +204,8 @@ void Display::handleEvent(const Event &event) {
     case Event::Kind::character:
         return press(static_cast<uint8_t>(event.character), event.character);
     case Event::Kind::keyboard:
-        if (!inputBlocked)
-            keyboardHandler(handle, event.key);
+        if (!isInputBlocked_)
+            keyboardHandler_(handle, event.key);
         return;
     case Event::Kind::penDown:
         return touch(PenPhase::down, event.at);
@@ -216,14 +217,14 @@ void Display::handleEvent(const Event &event) {
         if (Form *form = running())
             form->end(IG_STATE_CANCELLED);
         else
-            closed = true;
+            isClosed_ = true;
     }
 }
 
 // The key goes to the display's handler, to the application's callback, to the form, until one
 // takes it. Nobody took Enter or Escape: they end the form.
 void Display::press(uint8_t key, char character) {
-    if (inputBlocked || keyboardHandler(handle, key) != 0)
+    if (isInputBlocked_ || keyboardHandler_(handle, key) != 0)
         return;
     Form *form = listening();
     if (!form)
@@ -255,7 +256,7 @@ void Display::press(uint8_t key, char character) {
 // Whoever draws with the pen is there, so the time-out starts anew.
 void Display::touch(PenPhase phase, Point at) {
     uint8_t key = 0;
-    if (inputBlocked)
+    if (isInputBlocked_)
         return;
     if (Form *form = ask(key)) {
         form->started = ticks();
@@ -267,9 +268,15 @@ void Display::touch(PenPhase phase, Point at) {
 
 // -------------------------------------------------------------------------------- drawing
 
-Rect Display::formArea() const {
-    const int top = statusLine.enabled ? StatusLine::height : 0;
-    return {0, top, size().width, size().height - top};
+void Display::enableStatusLine(bool isEnabled) {
+    statusLine_.enabled = isEnabled;
+    const int top = isEnabled ? StatusLine::height : 0;
+    stage_.formArea = {0, top, size().width, size().height - top};
+    damageStatusLine();
+}
+
+void Display::damageStatusLine() {
+    stage_.damage.add({0, 0, size().width, StatusLine::height});
 }
 
 // A form that was shown without the status line covers its place until another one is shown.
@@ -277,12 +284,12 @@ bool Display::statusLineShown() const {
     const auto forms = visibleForms();
     const bool covered =
         !forms.empty() && forms.front()->fillsDisplay() && forms.front()->area().y == 0;
-    return statusLine.enabled && !covered;
+    return statusLine_.enabled && !covered;
 }
 
 void Display::setBackground(int32_t image) {
     background_ = image;
-    damage_.add(surface_.area());
+    stage_.damage.add(surface_.area());
 }
 
 void Display::drawAll(const Rect &part) {
@@ -305,19 +312,19 @@ void Display::drawAll(const Rect &part) {
 void Display::drawDesktop(Painter &painter) {
     painter.fill(surface_.area(), desktop);
     painter.ground = desktop;
-    if (const Image *picture = image(background_)) {
+    if (const Image *picture = stage_.images.find(background_)) {
         painter.image({}, *picture);
         painter.ground.reset();
     }
     if (!statusLineShown())
         return;
     Painter line = painter;
-    statusLine.draw(line, size().width, fonts.label());
+    statusLine_.draw(line, size().width, stage_.fonts.label());
 }
 
 void Display::redraw() {
     Rect changed;
-    for (const Rect &part : damage_.take()) {
+    for (const Rect &part : stage_.damage.take()) {
         drawAll(part);
         changed = changed.united(part.intersected(surface_.area()));
     }
@@ -325,10 +332,20 @@ void Display::redraw() {
         face_->show(surface_, changed);
 }
 
+namespace {
+
+constinit FaceMaker faceMaker = nullptr;
+
+} // namespace
+
+void setFaceMaker(FaceMaker maker) {
+    faceMaker = maker;
+}
+
 Display &display() {
     static Display all(sizeFromEnvironment());
     static const bool ready = [] {
-        all.useFace(makeFace(all));
+        all.useFace(faceMaker(all));
         setWaiter([](uint32_t milliseconds) { all.wait(milliseconds); });
         return true;
     }();

@@ -2,18 +2,16 @@
 // It has no thread; everything happens while the application shows something or waits.
 #pragma once
 
-#include "host/faces/face.h"
-#include "host/toolkit/damage.h"
-#include "host/toolkit/fonts.h"
+#include "host/toolkit/face.h"
 #include "host/toolkit/form.h"
 #include "host/toolkit/handles.h"
-#include "host/toolkit/images.h"
-#include "host/toolkit/key_schemes.h"
+#include "host/toolkit/stage.h"
 #include "host/toolkit/status_line.h"
 #include "host/toolkit/widget.h"
 
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace uti::host {
@@ -31,15 +29,15 @@ public:
 
     template <class Kind, class... Arguments>
     int32_t createWidget(const Arguments &...arguments) {
-        return keep<Widget>(widgets_, std::make_unique<Kind>(*this, arguments...));
+        return keep<Widget>(widgets_, std::make_unique<Kind>(stage_, arguments...));
     }
     int32_t createForm(const char *caption, const Rect *area) {
-        return keep<Form>(forms_, std::make_unique<Form>(*this, caption, area));
+        return keep<Form>(forms_, std::make_unique<Form>(stage_, caption, area));
     }
     int32_t loadImage(const std::string &name);
     Widget *widget(int32_t widget) const { return widgets_.find(widget); }
     Form *form(int32_t form) const { return forms_.find(form); }
-    const Image *image(int32_t image) const { return images.find(image); }
+    Stage &stage() { return stage_; }
 
     // --- the stack of forms
 
@@ -58,7 +56,19 @@ public:
 
     // --- the outside
 
-    void useFace(std::unique_ptr<Face> face) { face_ = std::move(face); }
+    // A new face, behind which somebody is there again.
+    void useFace(std::unique_ptr<Face> face) {
+        face_ = std::move(face);
+        isClosed_ = false;
+    }
+    void setKeyboardHandler(IgKeyboardHandler handler) { keyboardHandler_ = handler; }
+    void blockInput(bool isBlocked) { isInputBlocked_ = isBlocked; }
+    // The last key as a code of the terminal, 0 for none.
+    void keepKey(uint8_t code) { lastKey_ = code; }
+    uint8_t takeKey() { return std::exchange(lastKey_, uint8_t{0}); }
+    // The person went away while no form was running, which cancels the next one; an application's
+    // callback never sees it, since it might take it for an answer.
+    bool isClosed() const { return isClosed_; }
     // Lets `milliseconds` of the platform's clock pass, in which events come and the running form
     // goes on.
     void wait(uint32_t milliseconds);
@@ -67,27 +77,19 @@ public:
     // --- drawing
 
     Size size() const { return surface_.size(); }
-    // The part of the display that a form without an area takes.
-    Rect formArea() const;
+    // Makes room for the status line or takes it, for forms that are shown from now on.
+    void enableStatusLine(bool isEnabled);
     bool statusLineShown() const;
-    void damage(const Rect &part) { damage_.add(part); }
+    const StatusLine &statusLine() const { return statusLine_; }
+    void damageStatusLine();
+    // Column and row of the text cursor, negative before it is placed.
+    Point cursor() const { return cursor_; }
+    void setCursor(Point cursor) { cursor_ = cursor; }
     // Draws what changed and hands it to the face.
     void redraw();
     void drawAll(const Rect &part); // without the face
     const Surface &surface() const { return surface_; }
     void setBackground(int32_t image);
-
-    Fonts fonts;
-    Images images;
-    KeySchemes keySchemes;
-    StatusLine statusLine;
-    IgKeyboardHandler keyboardHandler = IG_KeyPushCallback;
-    bool inputBlocked = false;
-    // The person went away while no form was running, which cancels the next one; an application's
-    // callback never sees it, since it might take it for an answer.
-    bool closed = false;
-    uint8_t lastKey = 0;     // code of the terminal, 0 for none
-    Point cursor = {-1, -1}; // column and row of the text cursor, negative before it is placed
 
 private:
     class Dispatch;
@@ -113,7 +115,8 @@ private:
     void sweep();
 
     Surface surface_;
-    Damage damage_;
+    Stage stage_;
+    StatusLine statusLine_;
     Handles<Form> forms_;
     Handles<Widget> widgets_;
     int32_t lastHandle_ = handle;
@@ -128,6 +131,12 @@ private:
     uint32_t runs_ = 0;
     uint32_t asked_ = 0;      // ticks of the last callback
     int32_t dispatching_ = 0; // the form whose events are being handled
+
+    IgKeyboardHandler keyboardHandler_ = IG_KeyPushCallback;
+    bool isInputBlocked_ = false;
+    uint8_t lastKey_ = 0;
+    Point cursor_ = {-1, -1};
+    bool isClosed_ = false;
     std::unique_ptr<Face> face_;
 };
 

@@ -32,13 +32,13 @@ std::string dump(const Display &display) {
     std::ostringstream out;
     out << "display " << display.size().width << 'x' << display.size().height << '\n';
     if (display.statusLineShown()) {
-        out << "status " << display.statusLine.clock();
-        if (!display.statusLine.letters().empty())
-            out << ' ' << toUtf8(display.statusLine.letters());
+        out << "status " << display.statusLine().clock();
+        if (!display.statusLine().letters().empty())
+            out << ' ' << toUtf8(display.statusLine().letters());
         out << '\n';
     }
-    if (display.cursor.x >= 0)
-        out << "cursor " << display.cursor.x << ',' << display.cursor.y << '\n';
+    if (display.cursor().x >= 0)
+        out << "cursor " << display.cursor().x << ',' << display.cursor().y << '\n';
 
     for (const Form *form : display.visibleForms()) {
         out << "form " << written(form->area())

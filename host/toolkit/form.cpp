@@ -1,7 +1,6 @@
 // form.cpp: laying out, drawing and working a form, and its functions of toolkit.h.
 #include "host/toolkit/form.h"
 
-#include "host/toolkit/display.h"
 #include "host/toolkit/doors.h"
 #include "host/toolkit/text_layout.h"
 #include "terminal.h"
@@ -15,13 +14,12 @@ constexpr int headerPadding = 5;
 
 } // namespace
 
-Form::Form(Display &on, const char *title, const Rect *area)
-    : display(on), caption(orEmpty(title)), fillsDisplay_(!area),
-      area_(area ? *area : on.formArea()) {}
+Form::Form(Stage &on, const char *title, const Rect *area)
+    : stage(on), caption(orEmpty(title)), fillsDisplay_(!area), area_(area ? *area : on.formArea) {}
 
 void Form::layOut() {
     if (fillsDisplay_)
-        area_ = display.formArea();
+        area_ = stage.formArea;
 }
 
 Rect Form::painted() const {
@@ -36,7 +34,7 @@ Rect Form::painted() const {
 Rect Form::header() const {
     if (!(options & IG_FORM_HEADER) || caption.empty())
         return {};
-    const int needed = display.fonts.at(headerFont).height() + 2 * headerPadding;
+    const int needed = stage.fonts.at(headerFont).height() + 2 * headerPadding;
     return {area_.x, area_.y, area_.width, headerHeight > 0 ? headerHeight : needed};
 }
 
@@ -58,7 +56,7 @@ Rect Form::closeMark() const {
 
 void Form::changed(const Rect &part) const {
     if (shown)
-        display.damage(part.intersected(painted()));
+        stage.damage.add(part.intersected(painted()));
 }
 
 void Form::draw(Painter &painter) const {
@@ -117,7 +115,7 @@ void Form::drawHeader(Painter &painter) const {
         inner.line({cross.right() - 2, cross.y}, {cross.x, cross.bottom() - 2}, 2,
                    headerColors.foreground);
     }
-    drawLine(inner, text, caption, display.fonts.at(headerFont), headerColors.foreground,
+    drawLine(inner, text, caption, stage.fonts.at(headerFont), headerColors.foreground,
              headerJustify);
 }
 

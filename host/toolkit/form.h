@@ -13,7 +13,7 @@ namespace uti::host {
 class Form {
 public:
     // A form without an area of its own fills what the status line leaves of the display.
-    Form(Display &on, const char *title, const Rect *area);
+    Form(Stage &on, const char *title, const Rect *area);
     Form(const Form &) = delete;
     Form &operator=(const Form &) = delete;
 
@@ -48,7 +48,7 @@ public:
     void end(int32_t with) { state = with; }
     bool running() const { return state == IG_STATE_RUNNING; }
 
-    Display &display;
+    Stage &stage;
     int32_t handle = 0;
     const std::string caption;
     std::vector<Widget *> widgets; // in the order they were added

@@ -14,7 +14,7 @@ constexpr std::size_t longest = 255; // of an input that is given no maximum len
 
 class Input final : public ValueField {
 public:
-    Input(Display &on, const Rect &place, uint16_t maxLength, uint32_t style)
+    Input(Stage &on, const Rect &place, uint16_t maxLength, uint32_t style)
         : ValueField(on, place, style), maxLength_(maxLength > 0 ? maxLength : longest) {}
 
     int32_t type() const override { return IG_WIDGET_INPUT; }

@@ -8,7 +8,7 @@ namespace uti::host {
 
 class ValueField : public TextField {
 public:
-    ValueField(Display &on, const Rect &place, uint32_t style)
+    ValueField(Stage &on, const Rect &place, uint32_t style)
         : TextField(on, place, setsFor(style)), style_(style) {}
 
     bool takesFocus() const override { return !(style_ & IG_INPUT_READ_ONLY); }

@@ -16,7 +16,7 @@ constexpr std::size_t longest = 15;
 
 class IpInput final : public ValueField {
 public:
-    IpInput(Display &on, const Rect &place, uint32_t style)
+    IpInput(Stage &on, const Rect &place, uint32_t style)
         : ValueField(on, place, style | IG_INPUT_DIGITS | IG_INPUT_AMOUNT) {}
 
     int32_t type() const override { return IG_WIDGET_IP_INPUT; }

@@ -22,7 +22,7 @@ struct Item {
 
 class MenuBox final : public Widget {
 public:
-    MenuBox(Display &on, const Rect &place, uint32_t columns, uint32_t style)
+    MenuBox(Stage &on, const Rect &place, uint32_t columns, uint32_t style)
         : Widget(on, place), columns_(columns != 0 ? 2 : 1), style_(style) {}
 
     int32_t type() const override { return IG_WIDGET_MENU_BOX; }
@@ -74,7 +74,7 @@ private:
         return std::min(firstInSight() + most, items_.size());
     }
     const Image *imageOf(const Item &item) const {
-        return style_ & IG_MENU_IMAGES ? display.image(item.image) : nullptr;
+        return style_ & IG_MENU_IMAGES ? stage.images.find(item.image) : nullptr;
     }
     void select(int index);
     void step(int by);
@@ -109,7 +109,7 @@ void MenuBox::add(const IgMenuItem &item, int32_t image, uint16_t itemFont) {
         return orEmpty(reinterpret_cast<const char *>(address));
     };
     items_.push_back({text(item.text), text(item.detail), image, itemFont});
-    fontHeight_ = std::max(fontHeight_, display.fonts.at(itemFont).height());
+    fontHeight_ = std::max(fontHeight_, stage.fonts.at(itemFont).height());
     if (const Image *picture = imageOf(items_.back()))
         imageSize_ = {std::max(imageSize_.width, picture->size.width),
                       std::max(imageSize_.height, picture->size.height)};
@@ -260,7 +260,7 @@ void MenuBox::drawItem(Painter &painter, std::size_t index) const {
 
 void MenuBox::drawTile(Painter &painter, const Rect &cell, const Item &item, Color ink) const {
     const Rect room = cell.inset(padding, gap);
-    Font &face = display.fonts.at(item.font);
+    Font &face = stage.fonts.at(item.font);
     if (const Image *image = imageOf(item))
         painter.within(room).image(justified(image->size,
                                              {0, 0, room.width, room.height - face.height()},
@@ -275,7 +275,7 @@ void MenuBox::drawRow(Painter &painter, const Rect &cell, std::size_t index, Col
     Rect rest = cell.inset(padding, 0);
 
     if (style_ & IG_MENU_SHOW_DIGITS && count() > 0) {
-        Font &face = display.fonts.at(accelFont);
+        Font &face = stage.fonts.at(accelFont);
         const char digit = static_cast<char>('1' + index);
         const int side = std::max(face.width(digit), face.height()) + badgePadding;
         const Rect badge{rest.x, rest.y + (rest.height - side) / 2, side, side};
@@ -297,7 +297,7 @@ void MenuBox::drawRow(Painter &painter, const Rect &cell, std::size_t index, Col
         rest.width -= column + gap;
     }
 
-    Font &face = display.fonts.at(item.font);
+    Font &face = stage.fonts.at(item.font);
     if (!item.detail.empty()) {
         drawLine(painter, rest, item.detail, face, ink, IG_JUSTIFY_RIGHT);
         rest.width -= face.width(item.detail) + gap;

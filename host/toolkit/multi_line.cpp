@@ -12,7 +12,7 @@ constexpr std::size_t longest = 65535; // of an input that is given no maximum l
 
 class MultiLine final : public TextField {
 public:
-    MultiLine(Display &on, const Rect &place, uint32_t style, const char *text)
+    MultiLine(Stage &on, const Rect &place, uint32_t style, const char *text)
         : TextField(on, place, setsFor(0)), style_(style), value_(orEmpty(text)) {}
 
     int32_t type() const override { return IG_WIDGET_MULTI_LINE; }

@@ -13,7 +13,7 @@ constexpr char placeMark = '_';
 
 class PatternInput final : public ValueField {
 public:
-    PatternInput(Display &on, const Rect &place, uint32_t style, const char *pattern)
+    PatternInput(Stage &on, const Rect &place, uint32_t style, const char *pattern)
         : ValueField(on, place, style), pattern_(orEmpty(pattern)),
           places_(static_cast<std::size_t>(std::ranges::count(pattern_, placeMark))),
           maxLength_(places_) {}

@@ -10,7 +10,7 @@ constexpr int padding = 4;
 
 class Progress final : public Widget {
 public:
-    Progress(Display &on, const Rect &place) : Widget(on, place) {}
+    Progress(Stage &on, const Rect &place) : Widget(on, place) {}
 
     int32_t type() const override { return IG_WIDGET_PROGRESS; }
     Description describe() const override { return {"progress", {text()}, ""}; }

@@ -13,7 +13,7 @@ constexpr int margin = 10; // of the line to sign on
 
 class SignBox final : public Widget {
 public:
-    SignBox(Display &on, const Rect &place);
+    SignBox(Stage &on, const Rect &place);
 
     int32_t type() const override { return IG_WIDGET_SIGN_BOX; }
     Description describe() const override {
@@ -39,7 +39,7 @@ private:
     Point last_;
 };
 
-SignBox::SignBox(Display &on, const Rect &place)
+SignBox::SignBox(Stage &on, const Rect &place)
     : Widget(on, place),
       size_(area.empty() ? Size{} : area.intersected({area.x, area.y, 2048, 2048}).size()),
       stride_(cairo_format_stride_for_width(CAIRO_FORMAT_A8, size_.width)),

@@ -7,13 +7,11 @@ namespace {
 
 class Static final : public Widget {
 public:
-    Static(Display &on, const Rect &place, const char *text, int32_t image)
+    Static(Stage &on, const Rect &place, const char *text, int32_t image)
         : Widget(on, place), image_(image), text_(orEmpty(text)) {}
 
     int32_t type() const override { return IG_WIDGET_STATIC; }
-    Description describe() const override {
-        return {"static", {text_}, display.images.name(image_)};
-    }
+    Description describe() const override { return {"static", {text_}, stage.images.name(image_)}; }
     void draw(Painter &painter) const override;
 
     void setImage(int32_t image) { image_ = image; }
@@ -26,7 +24,7 @@ private:
 void Static::draw(Painter &painter) const {
     Painter inner = drawBox(painter);
     const Rect room{0, 0, inside().width, inside().height};
-    drawContent(inner, border == 0 ? room : room.inset(4, 2), display.image(image_), text_);
+    drawContent(inner, border == 0 ? room : room.inset(4, 2), stage.images.find(image_), text_);
 }
 
 } // namespace

@@ -105,7 +105,7 @@ bool TextField::character(char character) {
 // What the key gives in the present letters, without what the field does not take.
 std::string TextField::offered(uint8_t key) const {
     std::string characters;
-    for (const char each : display.keySchemes.characters(keyScheme, sets_[set_], key))
+    for (const char each : stage.keySchemes.characters(keyScheme, sets_[set_], key))
         if (const std::optional<char> taken = accepted(each))
             characters += *taken;
     return characters;

@@ -15,7 +15,7 @@ namespace uti::host {
 class TextField : public Widget {
 public:
     // `sets` are the sets of letters that its keys can give, the first one at first.
-    TextField(Display &on, const Rect &place, std::span<const Letters> sets)
+    TextField(Stage &on, const Rect &place, std::span<const Letters> sets)
         : Widget(on, place), sets_(sets) {}
 
     bool takesFocus() const override { return true; }

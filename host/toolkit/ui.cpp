@@ -36,13 +36,6 @@ int32_t withShown(int32_t handle, int32_t form, Use use) {
     });
 }
 
-// The status line changes the room of forms that are shown from now on.
-int32_t enableStatusLine(bool enabled) {
-    display().statusLine.enabled = enabled;
-    display().damage({0, 0, display().size().width, StatusLine::height});
-    return 0;
-}
-
 } // namespace
 } // namespace uti::host
 
@@ -72,7 +65,7 @@ int32_t igUI_SetKeyScheme(int32_t display, int32_t number, char *const scheme[12
     if (!scheme || number <= 0)
         return IG_ERROR_ARGUMENT;
     return withDisplay(display, [=](Display &it) {
-        it.keySchemes.set(number, std::span<char *const, 12>(scheme, 12));
+        it.stage().keySchemes.set(number, std::span<char *const, 12>(scheme, 12));
         return 0;
     });
 }
@@ -80,23 +73,23 @@ int32_t igUI_SetKeyScheme(int32_t display, int32_t number, char *const scheme[12
 int32_t igUI_SetFileFont(int32_t display, int32_t slot, const char *fileName) {
     return withDisplay(display, [=](Display &it) {
         const bool possible = slot >= 0 && fileName && *fileName;
-        if (!possible || !it.fonts.load(static_cast<std::size_t>(slot), fileName))
+        if (!possible || !it.stage().fonts.load(static_cast<std::size_t>(slot), fileName))
             return int32_t{IG_ERROR_FILE};
-        it.damage({0, 0, it.size().width, it.size().height});
+        it.stage().damage.add({0, 0, it.size().width, it.size().height});
         return 0;
     });
 }
 
 int32_t igUI_SetKeyboard(int32_t display, IgKeyboardHandler handler) {
     return withDisplay(display, [=](Display &it) {
-        it.keyboardHandler = handler ? handler : IG_KeyPushCallback;
+        it.setKeyboardHandler(handler ? handler : IG_KeyPushCallback);
         return 0;
     });
 }
 
 int32_t igUI_BlockInput(int32_t display, int32_t block) {
     return withDisplay(display, [=](Display &it) {
-        it.inputBlocked = block != 0;
+        it.blockInput(block != 0);
         return 0;
     });
 }
@@ -113,7 +106,7 @@ int32_t igUI_SetBackgroundImage(int32_t display, int32_t image) {
     return withDisplay(display, [=](Display &it) {
         if (image < 0)
             return image;
-        if (image > 0 && !it.image(image))
+        if (image > 0 && !it.stage().images.find(image))
             return int32_t{IG_ERROR_HANDLE};
         it.setBackground(image);
         it.redraw();
@@ -122,15 +115,17 @@ int32_t igUI_SetBackgroundImage(int32_t display, int32_t image) {
 }
 
 int32_t IG_EnableStatusLine(void) {
-    return enableStatusLine(true);
+    display().enableStatusLine(true);
+    return 0;
 }
 
 int32_t IG_DisableStatusLine(void) {
-    return enableStatusLine(false);
+    display().enableStatusLine(false);
+    return 0;
 }
 
 void IG_UpdateStatusLine(void) {
-    display().damage({0, 0, display().size().width, StatusLine::height});
+    display().damageStatusLine();
     display().redraw();
 }
 
@@ -145,7 +140,7 @@ int32_t IG_GetFullImagePath(const char *name, char *buffer, uint32_t capacity) {
 
 // Keeps the key for `Keyboard_GetLastKey`.
 int32_t IG_KeyPushCallback(int32_t, int32_t key) {
-    display().lastKey = terminalCode(static_cast<uint8_t>(key));
+    display().keepKey(terminalCode(static_cast<uint8_t>(key)));
     return 0;
 }
 
@@ -155,18 +150,18 @@ int32_t Display_GetHandle(void) {
 }
 
 int32_t Display_CheckEvent(void) {
-    return display().closed ? 1 : 0;
+    return display().isClosed() ? 1 : 0;
 }
 
 // Nothing is written there; the dump of the display tells the place.
 void Display_SetCursorPosition(uint8_t column, uint8_t row) {
-    display().cursor = {column, row};
+    display().setCursor({column, row});
 }
 
 uint8_t Keyboard_GetLastKey(void) {
-    return std::exchange(display().lastKey, uint8_t{0});
+    return display().takeKey();
 }
 
 void Keyboard_Reset(void) {
-    display().lastKey = 0;
+    display().takeKey();
 }

@@ -1,7 +1,6 @@
 // widget.cpp: what all widgets have in common, and the functions of toolkit.h for all of them.
 #include "host/toolkit/widget.h"
 
-#include "host/toolkit/display.h"
 #include "host/toolkit/doors.h"
 #include "host/toolkit/text_layout.h"
 
@@ -17,7 +16,7 @@ bool Widget::hasFocus() const {
 }
 
 Font &Widget::textFont() const {
-    return display.fonts.at(font);
+    return stage.fonts.at(font);
 }
 
 Rect Widget::inside() const {
@@ -32,7 +31,7 @@ Painter Widget::drawBox(Painter &painter, const ColorPair &colors, int radius) c
         painter.rounded(whole, radius, background);
         painter.ground = background;
     }
-    if (const Image *image = display.image(hasFocus() ? activeBackImage : passiveBackImage)) {
+    if (const Image *image = stage.images.find(hasFocus() ? activeBackImage : passiveBackImage)) {
         painter.image(justified(image->size, whole, IG_JUSTIFY_CENTER), *image);
         painter.ground.reset();
     }

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/toolkit/painter.h"
+#include "host/toolkit/stage.h"
 #include "toolkit.h"
 
 #include <cstdint>
@@ -11,7 +12,6 @@
 
 namespace uti::host {
 
-class Display;
 class Form;
 
 struct ColorPair {
@@ -31,7 +31,7 @@ struct Description {
 
 class Widget {
 public:
-    Widget(Display &on, const Rect &place) : display(on), area(place) {}
+    Widget(Stage &on, const Rect &place) : stage(on), area(place) {}
     virtual ~Widget() = default;
     Widget(const Widget &) = delete;
     Widget &operator=(const Widget &) = delete;
@@ -68,7 +68,7 @@ public:
     const ColorPair &colors() const { return hasFocus() ? active : passive; }
     Font &textFont() const;
 
-    Display &display;
+    Stage &stage;
     int32_t handle = 0;
     Rect area;
     Form *form = nullptr; // null until the widget is added to one

@@ -45,7 +45,8 @@ public:
 // shows more will never end by itself.
 inline constexpr int mostCancelled = 100;
 
-// The face that the environment asks for: UTI_SCRIPT names a key script, UTI_WINDOW a window.
-std::unique_ptr<Face> makeFace(Display &display);
+// Makes the face of the process's display when that is used first.
+using FaceMaker = std::unique_ptr<Face> (*)(Display &display);
+void setFaceMaker(FaceMaker maker);
 
 } // namespace uti::host
