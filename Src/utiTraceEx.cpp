@@ -10,6 +10,9 @@
 #include <cstdio>
 #include <utility>
 
+// Whoever runs the library need not have it.
+extern "C" [[gnu::weak]] void Terminal_NoteAssertion(const char *sourcePath, int32_t line);
+
 namespace uti {
 
 constinit TraceExContext *traceContext = nullptr;
@@ -335,5 +338,7 @@ int32_t TraceExDebug(const char *module, uint32_t messageId, ...) {
 }
 
 int32_t TraceExAssert(const char *sourcePath, int32_t line) {
+    if (Terminal_NoteAssertion)
+        Terminal_NoteAssertion(sourcePath, line);
     return TraceExError("ASSERT", 1, String, sourcePath, Long, line, 0);
 }

@@ -175,6 +175,10 @@ int32_t System_GetEnv(const char *name, char *buffer, int32_t size, int32_t flag
  *  terminating zero. Returns the number of characters copied. */
 int32_t GetApplicationName(char *buffer, int32_t size);
 
+/** Told of every assertion of the library, whether or not the trace log is open: the source that it
+ *  names, and the line. Optional: on a terminal that lacks it nobody is told. */
+void Terminal_NoteAssertion(const char *sourcePath, int32_t line);
+
 /* --------------------------------------------------------------------- text and numbers ---- */
 
 /** Copies `count` characters from `source` to `destination` as lower-case letters; the two may be

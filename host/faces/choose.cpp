@@ -6,6 +6,7 @@
 #include "host/faces/script_face.h"
 #include "host/faces/window_face.h"
 #include "host/terminal/clock.h"
+#include "host/terminal/notice.h"
 #include "host/toolkit/display.h"
 
 #include <cstdio>
@@ -31,10 +32,8 @@ public:
     void show(const Surface &, const Rect &) override {}
 
     std::optional<Event> next(uint32_t milliseconds) override {
-        if (!std::exchange(isTold_, true))
-            std::fprintf(stderr, "uti: nobody sees the display, and forms without a time-out are "
-                                 "cancelled: set UTI_WINDOW=1, or name a key script in "
-                                 "UTI_SCRIPT\n");
+        notice("nobody sees the display, and forms without a time-out are cancelled: set "
+               "UTI_WINDOW=1, or name a key script in UTI_SCRIPT");
         const Form *form = display_.running();
         if (form && form->timeOut == 0)
             return Event{.kind = Event::Kind::close};
@@ -44,7 +43,6 @@ public:
 
 private:
     Display &display_;
-    bool isTold_ = false;
 };
 
 // The value of a variable; empty when it is not set.

@@ -210,10 +210,14 @@ private:
             command.milliseconds = line.milliseconds();
         } else if (is == "expect") {
             const Word what = line.word();
+            if (what.text == "fits") {
+                add(Kind::expectFits, name.at);
+                return;
+            }
             if (what.text == "no")
                 line.expect("text");
             else if (what.text != "text")
-                line.fail(what.at, "expected \"text\" or \"no text\"");
+                line.fail(what.at, "expected \"text\", \"no text\" or \"fits\"");
             add(what.text == "no" ? Kind::expectNoText : Kind::expectText, name.at).text =
                 line.quotedText();
         } else if (is == "shot" || is == "dump")

@@ -23,6 +23,7 @@ struct ScriptCommand {
         waitText,     // `text` is shown within `milliseconds`
         expectText,   // `text` is shown
         expectNoText, // `text` is not shown
+        expectFits,   // no text that is shown is cut
         shot,         // the display is saved as the picture `text`.png
         dump,         // the display is saved as `text`.txt
         paperOut,     // the printer has no paper

@@ -73,6 +73,16 @@ void ScriptFace::fail(ScriptPlace place, const std::string &what) {
     since_ = ticks();
 }
 
+// What the script did not expect is kept, as a picture and as text.
+void ScriptFace::failAtDisplay(ScriptPlace place, const std::string &what) {
+    fail(place, what);
+    const auto path = folder_ / "failed.png";
+    display_.redraw();
+    const bool isSaved = saveImage(display_.surface(), path);
+    std::fprintf(stderr, "%s%s %s\n", dump(display_).c_str(), path.c_str(),
+                 isSaved ? "shows it" : "cannot be written");
+}
+
 std::optional<Event> ScriptFace::next(uint32_t milliseconds) {
     if (display_.running())
         ranAt_ = ticks();
@@ -124,15 +134,21 @@ ScriptFace::Outcome ScriptFace::perform(const ScriptCommand &command) {
             break;
         if (waited < command.milliseconds)
             return Outcome::waits;
-        fail(command.place, "the text was not shown in time");
+        failAtDisplay(command.place, "the text was not shown in time");
+        return Outcome::done;
+    case Kind::expectFits:
+        if (!isSettled())
+            return Outcome::waits;
+        if (const auto all = display_.misfits(display_.surface().area()); !all.empty())
+            failAtDisplay(command.place, all.front().sentence());
         return Outcome::done;
     case Kind::expectText:
     case Kind::expectNoText:
         if (!isSettled())
             return Outcome::waits;
         if (shows(display_, command.text) != (command.kind == Kind::expectText))
-            fail(command.place,
-                 command.kind == Kind::expectText ? "the text is not shown" : "the text is shown");
+            failAtDisplay(command.place, command.kind == Kind::expectText ? "the text is not shown"
+                                                                          : "the text is shown");
         return Outcome::done;
     case Kind::shot:
     case Kind::dump:

@@ -30,6 +30,7 @@ private:
     bool isSettled() const;
     bool isBetweenForms() const;
     void fail(ScriptPlace place, const std::string &what);
+    void failAtDisplay(ScriptPlace place, const std::string &what);
     std::optional<Event> afterEnd(uint32_t milliseconds);
     void save(const ScriptCommand &command);
     void endWhenStuck(ScriptPlace place);

@@ -2,6 +2,8 @@
 // device or FIFO is no file. Failures are negative errno values.
 #include "host/terminal/clock.h"
 #include "host/terminal/descriptors.h"
+#include "host/terminal/image_path.h"
+#include "host/terminal/notice.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -126,9 +128,15 @@ int32_t File_GetTime(const char *path, TerminalDate *date, TerminalTime *time) {
     return 1;
 }
 
-// Opens the file for reading and closes it again, so the answer is that of `File_Open`.
+// Opens the file for reading and closes it again, so the answer is that of `File_Open`. A picture
+// is also looked for where the toolkit finds it.
 int32_t File_IsValid(const char *path) {
-    const int descriptor = path ? openFile(path, O_RDONLY) : -EINVAL;
+    const std::string_view name = path ? path : "";
+    const bool isPicture = name.ends_with(".png");
+    const int descriptor =
+        path ? openFile(isPicture ? imagePath(path).c_str() : path, O_RDONLY) : -EINVAL;
+    if (descriptor < 0 && isPicture)
+        notice("the image " + imagePath(path).string() + " is missing");
     if (descriptor < 0)
         return 0;
     ::close(descriptor);

@@ -14,7 +14,11 @@ public:
 
     int32_t type() const override { return IG_WIDGET_BUTTON; }
     Description describe() const override { return {"button", {text_}, stage.images.name(image_)}; }
-    void draw(Painter &painter) const override;
+    std::optional<Cut> cut() const override { return contentCut(content()); }
+    void draw(Painter &painter) const override {
+        Painter inner = drawBox(painter, colors(), radius);
+        drawContent(inner, content());
+    }
 
     bool takesFocus() const override { return true; }
     bool key(uint8_t key) override { return key == IG_KEY_ENTER ? press() : hotKey(key); }
@@ -33,6 +37,9 @@ public:
 
 private:
     bool press();
+    Content content() const {
+        return {{3, 2, inside().width - 6, inside().height - 4}, stage.images.find(image_), text_};
+    }
 
     const int32_t image_;
     const std::string text_;
@@ -45,12 +52,6 @@ bool Button::press() {
     if (options & IG_BUTTON_END)
         form->end(key_ == IG_KEY_ESCAPE ? IG_STATE_CANCELLED : IG_STATE_CONFIRMED);
     return true;
-}
-
-void Button::draw(Painter &painter) const {
-    Painter inner = drawBox(painter, colors(), radius);
-    const Rect room{3, 2, inside().width - 6, inside().height - 4};
-    drawContent(inner, room, stage.images.find(image_), text_);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 #include "host/toolkit/display.h"
 
 #include "host/terminal/clock.h"
+#include "host/terminal/notice.h"
 #include "terminal.h"
 
 #include <cstdio>
@@ -328,8 +329,24 @@ void Display::redraw() {
         drawAll(part);
         changed = changed.united(part.intersected(surface_.area()));
     }
-    if (!changed.empty())
-        face_->show(surface_, changed);
+    if (changed.empty())
+        return;
+    face_->show(surface_, changed);
+    for (const Misfit &misfit : misfits(changed))
+        notice(misfit.where, misfit.sentence());
+}
+
+std::optional<Cut> Display::cutStatusLine() const {
+    return statusLineShown() ? statusLine_.cut(size().width, stage_.fonts.label()) : std::nullopt;
+}
+
+std::vector<Misfit> Display::misfits(const Rect &part) const {
+    std::vector<Misfit> all;
+    if (auto cut = cutStatusLine(); cut && part.y < StatusLine::height)
+        all.push_back({"the status line", *std::move(cut)});
+    for (const Form *form : visibleForms())
+        std::ranges::move(misfitsOf(*form, part), std::back_inserter(all));
+    return all;
 }
 
 namespace {

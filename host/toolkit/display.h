@@ -3,6 +3,7 @@
 #pragma once
 
 #include "host/toolkit/face.h"
+#include "host/toolkit/fit.h"
 #include "host/toolkit/form.h"
 #include "host/toolkit/handles.h"
 #include "host/toolkit/stage.h"
@@ -81,6 +82,7 @@ public:
     void enableStatusLine(bool isEnabled);
     bool statusLineShown() const;
     const StatusLine &statusLine() const { return statusLine_; }
+    std::optional<Cut> cutStatusLine() const;
     void damageStatusLine();
     // Column and row of the text cursor, negative before it is placed.
     Point cursor() const { return cursor_; }
@@ -89,6 +91,8 @@ public:
     void redraw();
     void drawAll(const Rect &part); // without the face
     const Surface &surface() const { return surface_; }
+    // The texts in a part of the display that are cut.
+    std::vector<Misfit> misfits(const Rect &part) const;
     void setBackground(int32_t image);
 
 private:

@@ -11,11 +11,6 @@ namespace uti::host {
 
 namespace {
 
-std::string written(const Rect &area) {
-    return std::to_string(area.x) + ',' + std::to_string(area.y) + ' ' +
-           std::to_string(area.width) + 'x' + std::to_string(area.height);
-}
-
 std::string inQuotes(std::string_view bytes) {
     std::string text = " \"";
     for (const char each : toUtf8(bytes)) {
@@ -35,7 +30,7 @@ std::string dump(const Display &display) {
         out << "status " << display.statusLine().clock();
         if (!display.statusLine().letters().empty())
             out << ' ' << toUtf8(display.statusLine().letters());
-        out << '\n';
+        out << (display.cutStatusLine() ? " cut\n" : "\n");
     }
     if (display.cursor().x >= 0)
         out << "cursor " << display.cursor().x << ',' << display.cursor().y << '\n';
@@ -43,7 +38,8 @@ std::string dump(const Display &display) {
     for (const Form *form : display.visibleForms()) {
         out << "form " << written(form->area())
             << inQuotes(form->header().empty() ? "" : form->caption)
-            << (form == display.running() ? " running" : "") << '\n';
+            << (form->cutCaption() ? " cut" : "") << (form == display.running() ? " running" : "")
+            << '\n';
         for (const Widget *widget : form->widgets) {
             const Description description = widget->describe();
             out << "  " << description.kind << ' ' << written(widget->area);
@@ -52,7 +48,7 @@ std::string dump(const Display &display) {
                     out << inQuotes(text);
             if (!description.notes.empty())
                 out << ' ' << description.notes;
-            out << (widget->hasFocus() ? " focus" : "") << '\n';
+            out << (widget->cut() ? " cut" : "") << (widget->hasFocus() ? " focus" : "") << '\n';
         }
     }
     return out.str();

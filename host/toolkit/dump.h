@@ -10,7 +10,7 @@ namespace uti::host {
 class Display;
 
 // The visible forms, from the lowest on, each with its widgets, one line each: kind, area, texts in
-// quotes, notes, and "focus" for the widget that has it. UTF-8.
+// quotes, notes, "cut" where a text does not fit, and "focus" for the widget that has it. UTF-8.
 std::string dump(const Display &display);
 
 // Writes that text to a file. False when that fails.

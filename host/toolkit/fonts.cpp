@@ -2,6 +2,7 @@
 // rendered.
 #include "host/toolkit/fonts.h"
 
+#include "host/terminal/notice.h"
 #include "host/toolkit/code_page.h"
 
 #include <ft2build.h>
@@ -206,6 +207,19 @@ void Font::addMissingDots(Glyph &io) {
             io.coverage[static_cast<std::size_t>(x)] = 255;
 }
 
+int Font::inkHeight(std::string_view text) {
+    int height = 0;
+    for (const char character : text) {
+        const Glyph &drawn = glyph(character);
+        for (int row = cell_.height; row > height; --row) {
+            const uint8_t *first = drawn.coverage.get() + (row - 1) * drawn.width;
+            if (std::any_of(first, first + drawn.width, [](uint8_t ink) { return ink != 0; }))
+                height = row;
+        }
+    }
+    return height;
+}
+
 Font::Sheet &Font::sheet(Color ink, Color ground) {
     for (Sheet &sheet : sheets_)
         if (sheet.ink == ink && sheet.ground == ground)
@@ -270,8 +284,10 @@ bool Fonts::load(std::size_t slot, const std::string &path) {
         if (row.slot == slot)
             cell = row.cell;
     std::unique_ptr<Font> font = open(path, cell);
-    if (!font)
+    if (!font) {
+        notice("the font " + path + " is missing, or is no font: another one stands in for it");
         return false;
+    }
     fonts_[slot] = std::move(font);
     return true;
 }
@@ -282,7 +298,10 @@ std::unique_ptr<Font> Fonts::label(int height) {
 }
 
 Font &Fonts::at(std::size_t slot) {
-    return slot < slots && fonts_[slot] ? *fonts_[slot] : *fonts_[1];
+    if (slot < slots && fonts_[slot])
+        return *fonts_[slot];
+    notice("no font was loaded into slot " + std::to_string(slot) + ", so slot 1 stands in for it");
+    return *fonts_[1];
 }
 
 } // namespace uti::host

@@ -36,6 +36,8 @@ public:
     int height() const { return cell_.height; }
     int width(char character) { return glyph(character).width; }
     int width(std::string_view text);
+    // The rows of pixels from the top of a line to the end of its ink.
+    int inkHeight(std::string_view text);
 
     // The coverage of a cell, 0 to 255, row by row.
     const uint8_t *coverage(char character) { return glyph(character).coverage.get(); }
@@ -82,7 +84,7 @@ public:
     Font &at(std::size_t slot);
 
     // A small proportional font for the status line.
-    Font &label() { return *fonts_[slots]; }
+    Font &label() const { return *fonts_[slots]; }
 
     // The same at another height, for what stands beside the display. Ends before the slots do.
     std::unique_ptr<Font> label(int height);

@@ -54,6 +54,19 @@ Rect Form::closeMark() const {
     return {line.right() - line.height, line.y, line.height, line.height};
 }
 
+Rect Form::captionArea() const {
+    Rect area = header().inset(8, 0);
+    if (const Rect mark = closeMark(); !mark.empty())
+        area.width -= mark.width - 8;
+    return area;
+}
+
+std::optional<Cut> Form::cutCaption() const {
+    if (header().empty())
+        return std::nullopt;
+    return layOutLine(caption, stage.fonts.at(headerFont), captionArea().size()).cut;
+}
+
 void Form::changed(const Rect &part) const {
     if (shown)
         stage.damage.add(part.intersected(painted()));
@@ -106,16 +119,14 @@ void Form::drawHeader(Painter &painter) const {
     inner.ground = headerColors.background;
 
     const Rect mark = closeMark();
-    Rect text = line.inset(8, 0);
     if (!mark.empty()) {
-        text.width -= mark.width - 8;
         const Rect cross = mark.inset((mark.height - 10) / 2);
         inner.line(cross.origin(), {cross.right() - 2, cross.bottom() - 2}, 2,
                    headerColors.foreground);
         inner.line({cross.right() - 2, cross.y}, {cross.x, cross.bottom() - 2}, 2,
                    headerColors.foreground);
     }
-    drawLine(inner, text, caption, stage.fonts.at(headerFont), headerColors.foreground,
+    drawLine(inner, captionArea(), caption, stage.fonts.at(headerFont), headerColors.foreground,
              headerJustify);
 }
 

@@ -27,6 +27,8 @@ public:
     Rect client() const; // where the widgets stand, in pixels of the display
 
     void draw(Painter &painter) const;
+    // The caption, when its line does not show it whole.
+    std::optional<Cut> cutCaption() const;
     void changed() const { changed(painted()); }
     void changed(const Rect &part) const; // in pixels of the display
 
@@ -66,6 +68,7 @@ public:
 private:
     void moveFocus(int step);
     Rect closeMark() const;
+    Rect captionArea() const;
     void drawHeader(Painter &painter) const;
 
     bool fillsDisplay_;

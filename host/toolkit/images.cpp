@@ -1,26 +1,20 @@
 // images.cpp: the table of loaded image files. Stands on the file system.
 #include "host/toolkit/images.h"
 
+#include "host/terminal/image_path.h"
+#include "host/terminal/notice.h"
 #include "toolkit.h"
 
-#include <cstdlib>
-
 namespace uti::host {
-
-std::filesystem::path imagePath(const std::string &name) {
-    std::error_code error;
-    const char *folder = std::getenv("UTI_IMAGES");
-    if (!folder || !*folder || std::filesystem::exists(name, error))
-        return name;
-    return std::filesystem::path(folder) / name;
-}
 
 int32_t Images::load(const std::string &name, int32_t next) {
     const std::filesystem::path path = imagePath(name);
     std::error_code error;
     const auto changed = std::filesystem::last_write_time(path, error);
-    if (error)
+    if (error) {
+        notice("the image " + path.string() + " is missing");
         return IG_ERROR_FILE;
+    }
 
     for (auto &[handle, entry] : entries_) {
         if (entry.path != path)
@@ -31,8 +25,10 @@ int32_t Images::load(const std::string &name, int32_t next) {
         break;
     }
     std::optional<Image> image = loadImage(path);
-    if (!image)
+    if (!image) {
+        notice("the image " + path.string() + " is no PNG file of up to 4096 x 4096 pixels");
         return IG_ERROR_FILE;
+    }
     entries_[next] = {path, changed, *std::move(image)};
     return next;
 }

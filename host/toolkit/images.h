@@ -10,10 +10,6 @@
 
 namespace uti::host {
 
-// The file of an image: the name itself, or below the folder in UTI_IMAGES when it is not to be
-// found from here.
-std::filesystem::path imagePath(const std::string &name);
-
 class Images {
 public:
     // Returns the handle, or a negative code when the file cannot be loaded. The image of a file

@@ -19,6 +19,7 @@ public:
 
     int32_t type() const override { return IG_WIDGET_INPUT; }
     Description describe() const override { return {"input", {shown()}, ""}; }
+    std::optional<Cut> cut() const override;
     void draw(Painter &painter) const override;
 
     void setValue(std::string_view text) override;
@@ -38,6 +39,17 @@ private:
     std::string digits() const;
     bool setDigits(std::string digits);
     std::string shown() const;
+    bool isLabel() const { return style_ & IG_INPUT_READ_ONLY; }
+    Rect room() const {
+        return Rect{0, 0, inside().width, inside().height}.inset(
+            isLabel() && border == 0 ? 0 : padding, 1);
+    }
+    // Of a text that is too long the end is shown, since that is where it grows.
+    TextLayout layOut() const {
+        const Size size{room().width - cursorWidth(), room().height};
+        return layOutEnd(shown(), textFont(), size);
+    }
+    int cursorWidth() const { return showsCursor() ? 2 : 0; }
 
     const std::size_t maxLength_;
     uint8_t radix_ = 0;
@@ -124,25 +136,22 @@ std::string Input::shown() const {
     return value_;
 }
 
-// Of a text that is too long the end is shown, since that is where it grows. One that cannot be
-// changed is a label, which may have several lines.
+std::optional<Cut> Input::cut() const {
+    return isLabel() ? layOutText(shown(), textFont(), room().size()).cut : layOut().cut;
+}
+
+// An input that cannot be changed is a label, which may have several lines.
 void Input::draw(Painter &painter) const {
     Painter inner = drawBox(painter);
-    const bool isLabel = style_ & IG_INPUT_READ_ONLY;
-    const Rect room =
-        Rect{0, 0, inside().width, inside().height}.inset(isLabel && border == 0 ? 0 : padding, 1);
     Font &face = textFont();
-    const int cursor = showsCursor() ? 2 : 0;
-
-    const std::string whole = shown();
     const uint32_t side = style_ & IG_INPUT_RIGHT ? uint32_t{IG_JUSTIFY_RIGHT} : justify;
-    if (isLabel)
-        return drawText(inner, room, whole, face, colors().foreground, side);
+    if (isLabel())
+        return drawText(inner, room(), shown(), face, colors().foreground, side);
 
-    const std::string_view text = endOf(whole, face, room.width - cursor);
-
+    const std::string text = layOut().lines[0];
+    const int cursor = cursorWidth();
     const Size size{face.width(text) + cursor, face.height()};
-    const Point at = justified(size, room, side);
+    const Point at = justified(size, room(), side);
     inner.text(at, text, face, value_.empty() ? soft() : colors().foreground);
     if (cursor > 0)
         inner.fill({at.x + size.width - cursor, at.y + 1, cursor, size.height - 2},

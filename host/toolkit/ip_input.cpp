@@ -23,6 +23,7 @@ public:
     Description describe() const override {
         return {"ip", {value_}, hasFocus() ? "field " + std::to_string(at_ + 1) : ""};
     }
+    std::optional<Cut> cut() const override;
     void draw(Painter &painter) const override;
     void focusChanged() override {
         ValueField::focusChanged();
@@ -43,6 +44,10 @@ private:
     bool erase() override;
     void clear() override { setValue(""); }
     Rect fieldArea(std::size_t field) const;
+    Rect textArea(std::size_t field) const {
+        const Rect whole = fieldArea(field);
+        return {whole.x, whole.y, whole.width, whole.height - 3};
+    }
     void compose();
     void enter(std::size_t field) {
         at_ = field;
@@ -128,6 +133,13 @@ Rect IpInput::fieldArea(std::size_t field) const {
     return {room.x + static_cast<int>(field) * (width + gap), room.y, width, room.height};
 }
 
+std::optional<Cut> IpInput::cut() const {
+    for (std::size_t i = 0; i < fields_.size(); ++i)
+        if (auto cut = layOutLine(fields_[i], textFont(), textArea(i).size()).cut)
+            return cut;
+    return std::nullopt;
+}
+
 void IpInput::draw(Painter &painter) const {
     drawBox(painter);
     Font &face = textFont();
@@ -137,8 +149,7 @@ void IpInput::draw(Painter &painter) const {
         const bool isTyped = hasFocus() && i == at_;
         painter.fill({field.x, field.bottom() - (isTyped ? 3 : 1), field.width, isTyped ? 3 : 1},
                      isTyped ? colors().foreground : soft());
-        const Rect above{field.x, field.y, field.width, field.height - 3};
-        drawLine(painter, above, fields_[i], face, colors().foreground, IG_JUSTIFY_CENTER);
+        drawLine(painter, textArea(i), fields_[i], face, colors().foreground, IG_JUSTIFY_CENTER);
         if (i > 0)
             painter.rounded({field.x - gap / 2 - 1, field.bottom() - 6, 3, 3}, 1, pattern);
     }

@@ -27,6 +27,7 @@ public:
 
     int32_t type() const override { return IG_WIDGET_MENU_BOX; }
     Description describe() const override;
+    std::optional<Cut> cut() const override;
     void draw(Painter &painter) const override;
 
     bool takesFocus() const override { return !items_.empty(); }
@@ -53,6 +54,12 @@ private:
     void drawItem(Painter &painter, std::size_t index) const;
     void drawTile(Painter &painter, const Rect &cell, const Item &item, Color ink) const;
     void drawRow(Painter &painter, const Rect &cell, std::size_t index, Color ink) const;
+    Rect tileText(const Rect &cell, const Item &item) const;
+    // The parts of a row from the left; empty ones are not there.
+    struct RowPlaces {
+        Rect badge, image, text, detail;
+    };
+    RowPlaces layOutRow(const Rect &cell, const Item &item) const;
 
     Size cellSize() const;
     // The place of an item, relative to the inside of the box, as if nothing was scrolled.
@@ -266,43 +273,74 @@ void MenuBox::drawTile(Painter &painter, const Rect &cell, const Item &item, Col
                                              {0, 0, room.width, room.height - face.height()},
                                              IG_JUSTIFY_CENTER),
                                    *image);
-    const Rect text{room.x, room.bottom() - face.height() - gap / 2, room.width, face.height()};
-    drawLine(painter, text, item.text, face, ink, IG_JUSTIFY_CENTER);
+    drawLine(painter, tileText(cell, item), item.text, face, ink, IG_JUSTIFY_CENTER);
+}
+
+Rect MenuBox::tileText(const Rect &cell, const Item &item) const {
+    const Rect room = cell.inset(padding, gap);
+    const int height = stage.fonts.at(item.font).height();
+    return {room.x, room.bottom() - height - gap / 2, room.width, height};
+}
+
+MenuBox::RowPlaces MenuBox::layOutRow(const Rect &cell, const Item &item) const {
+    RowPlaces places;
+    Rect rest = cell.inset(padding, 0);
+    const auto takeLeft = [&rest](int width) {
+        const Rect taken{rest.x, rest.y, width, rest.height};
+        rest.x += width + gap;
+        rest.width -= width + gap;
+        return taken;
+    };
+    if (style_ & IG_MENU_SHOW_DIGITS && count() > 0) {
+        Font &face = stage.fonts.at(accelFont);
+        const int side = std::max(face.width('9'), face.height()) + badgePadding;
+        places.badge = takeLeft(side);
+        places.badge.y += (places.badge.height - side) / 2;
+        places.badge.height = side;
+    }
+    if (imageSize_.width > 0)
+        places.image = takeLeft(imageSize_.width);
+    places.detail = rest;
+    if (!item.detail.empty())
+        rest.width -= stage.fonts.at(item.font).width(item.detail) + gap;
+    places.text = rest;
+    return places;
+}
+
+std::optional<Cut> MenuBox::cut() const {
+    for (std::size_t i = firstInSight(); i < endOfSight(); ++i) {
+        const Item &item = items_[i];
+        Font &face = stage.fonts.at(item.font);
+        const bool isTile = columns_ > 1;
+        const RowPlaces row = layOutRow(cell(i), item);
+        const Rect text = isTile ? tileText(cell(i), item) : row.text;
+        auto cut = layOutLine(item.text, face, text.size()).cut;
+        if (!cut && !isTile)
+            cut = layOutLine(item.detail, face, row.detail.size()).cut;
+        if (cut)
+            return cut;
+    }
+    return std::nullopt;
 }
 
 void MenuBox::drawRow(Painter &painter, const Rect &cell, std::size_t index, Color ink) const {
     const Item &item = items_[index];
-    Rect rest = cell.inset(padding, 0);
-
-    if (style_ & IG_MENU_SHOW_DIGITS && count() > 0) {
-        Font &face = stage.fonts.at(accelFont);
+    const RowPlaces places = layOutRow(cell, item);
+    if (!places.badge.empty() && index < digits) {
+        Painter inner = painter;
+        const Color ground = mix(ink, painter.ground.value_or(itemsPassive.background), 40);
+        inner.rounded(places.badge, 4, ground);
+        inner.ground = ground;
         const char digit = static_cast<char>('1' + index);
-        const int side = std::max(face.width(digit), face.height()) + badgePadding;
-        const Rect badge{rest.x, rest.y + (rest.height - side) / 2, side, side};
-        if (index < digits) {
-            Painter inner = painter;
-            const Color ground = mix(ink, painter.ground.value_or(itemsPassive.background), 40);
-            inner.rounded(badge, 4, ground);
-            inner.ground = ground;
-            drawLine(inner, badge, {&digit, 1}, face, ink, IG_JUSTIFY_CENTER);
-        }
-        rest.x += side + gap;
-        rest.width -= side + gap;
+        drawLine(inner, places.badge, {&digit, 1}, stage.fonts.at(accelFont), ink,
+                 IG_JUSTIFY_CENTER);
     }
-    if (const int column = imageSize_.width; column > 0) {
-        const Rect place{rest.x, rest.y, column, rest.height};
-        if (const Image *image = imageOf(item))
-            painter.image(justified(image->size, place, IG_JUSTIFY_CENTER), *image);
-        rest.x += column + gap;
-        rest.width -= column + gap;
-    }
+    if (const Image *image = imageOf(item); image && !places.image.empty())
+        painter.image(justified(image->size, places.image, IG_JUSTIFY_CENTER), *image);
 
     Font &face = stage.fonts.at(item.font);
-    if (!item.detail.empty()) {
-        drawLine(painter, rest, item.detail, face, ink, IG_JUSTIFY_RIGHT);
-        rest.width -= face.width(item.detail) + gap;
-    }
-    drawLine(painter, rest, item.text, face, ink, IG_JUSTIFY_LEFT);
+    drawLine(painter, places.detail, item.detail, face, ink, IG_JUSTIFY_RIGHT);
+    drawLine(painter, places.text, item.text, face, ink, IG_JUSTIFY_LEFT);
 }
 
 } // namespace

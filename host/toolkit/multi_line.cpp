@@ -17,6 +17,7 @@ public:
 
     int32_t type() const override { return IG_WIDGET_MULTI_LINE; }
     Description describe() const override { return {"multiline", {value_}, ""}; }
+    std::optional<Cut> cut() const override;
     void draw(Painter &painter) const override;
     // A text that is only read needs the focus to be scrolled.
     bool takesFocus() const override { return !isReadOnly() || lastTop() > 0; }
@@ -103,6 +104,15 @@ uint8_t MultiLine::pen(PenPhase phase, Point at) {
         scroll(penY_ - at.y);
     penY_ = at.y;
     return 0;
+}
+
+// What a scroll bar leads to is not lost. Without one nobody sees that there is more.
+std::optional<Cut> MultiLine::cut() const {
+    const auto all = lines();
+    Size size = room().size();
+    if (style_ & IG_MULTI_LINE_SCROLL_BAR && size.height >= textFont().height())
+        size.height = std::max(size.height, textHeight());
+    return cutOf(value_, all, textFont(), size);
 }
 
 void MultiLine::draw(Painter &painter) const {

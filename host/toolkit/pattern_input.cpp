@@ -20,6 +20,9 @@ public:
 
     int32_t type() const override { return IG_WIDGET_PATTERN_INPUT; }
     Description describe() const override { return {"pattern", {shown()}, ""}; }
+    std::optional<Cut> cut() const override {
+        return layOutLine(shown(), textFont(), room().size()).cut;
+    }
     void draw(Painter &painter) const override;
 
     void setValue(std::string_view text) override { value_ = std::string(text, 0, maxLength_); }
@@ -47,6 +50,7 @@ private:
     }
     void clear() override { value_.clear(); }
     std::string shown() const;
+    Rect room() const { return Rect{0, 0, inside().width, inside().height}.inset(padding, 1); }
 
     const std::string pattern_;
     const std::size_t places_;
@@ -71,7 +75,7 @@ std::string PatternInput::shown() const {
 
 void PatternInput::draw(Painter &painter) const {
     Painter box = drawBox(painter);
-    const Rect room = Rect{0, 0, inside().width, inside().height}.inset(padding, 1);
+    const Rect room = this->room();
     Painter inner = box.within(room);
     Font &face = textFont();
     const std::string text = shown();

@@ -14,6 +14,9 @@ public:
 
     int32_t type() const override { return IG_WIDGET_PROGRESS; }
     Description describe() const override { return {"progress", {text()}, ""}; }
+    std::optional<Cut> cut() const override {
+        return layOutLine(text(), textFont(), inside().inset(2 + padding, 2).size()).cut;
+    }
     void draw(Painter &painter) const override;
 
     void setPercent(int percent) { percent_ = std::clamp(percent, 0, 100); }

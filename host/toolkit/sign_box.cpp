@@ -19,6 +19,7 @@ public:
     Description describe() const override {
         return {"signature", {}, std::to_string(strokes_) + " strokes"};
     }
+    std::optional<Cut> cut() const override { return std::nullopt; }
     void draw(Painter &painter) const override;
 
     bool takesFocus() const override { return true; }

@@ -12,20 +12,23 @@ public:
 
     int32_t type() const override { return IG_WIDGET_STATIC; }
     Description describe() const override { return {"static", {text_}, stage.images.name(image_)}; }
-    void draw(Painter &painter) const override;
+    std::optional<Cut> cut() const override { return contentCut(content()); }
+    void draw(Painter &painter) const override {
+        Painter inner = drawBox(painter);
+        drawContent(inner, content());
+    }
 
     void setImage(int32_t image) { image_ = image; }
 
 private:
+    Content content() const {
+        const Rect room{0, 0, inside().width, inside().height};
+        return {border == 0 ? room : room.inset(4, 2), stage.images.find(image_), text_};
+    }
+
     int32_t image_;
     const std::string text_;
 };
-
-void Static::draw(Painter &painter) const {
-    Painter inner = drawBox(painter);
-    const Rect room{0, 0, inside().width, inside().height};
-    drawContent(inner, border == 0 ? room : room.inset(4, 2), stage.images.find(image_), text_);
-}
 
 } // namespace
 } // namespace uti::host

@@ -12,6 +12,7 @@ constexpr Color background = rgb(32, 40, 52);
 constexpr Color foreground = rgb(236, 240, 244);
 constexpr Color letterGround = rgb(70, 84, 104);
 constexpr int margin = 6;
+constexpr int batteryWidth = 20;
 
 void drawSignal(Painter &painter, int x) {
     for (int bar = 0; bar < 4; ++bar)
@@ -34,6 +35,24 @@ bool StatusLine::update(std::string clock, std::string_view letters) {
     return true;
 }
 
+StatusLine::Places StatusLine::layOut(int width, Font &font) const {
+    const Rect whole = Rect{0, 0, width, height}.inset(margin, 0);
+    const int batteryAt = whole.right() - font.width(clock_) - margin - batteryWidth;
+    const int lettersEnd = batteryAt - margin;
+    const int wanted = font.width(letters_) + 8;
+    return {whole,
+            {batteryAt, 0, batteryWidth, height},
+            Rect{lettersEnd - wanted, 3, wanted, height - 6}.intersected(whole)};
+}
+
+std::optional<Cut> StatusLine::cut(int width, Font &font) const {
+    const Places places = layOut(width, font);
+    auto cut = layOutLine(clock_, font, places.clock.size()).cut;
+    if (!cut && !letters_.empty())
+        cut = layOutLine(letters_, font, {places.letters.width - 8, places.letters.height}).cut;
+    return cut;
+}
+
 void StatusLine::draw(Painter &painter, int width, Font &font) const {
     const Rect area{0, 0, width, height};
     if (!painter.reaches(area))
@@ -41,19 +60,13 @@ void StatusLine::draw(Painter &painter, int width, Font &font) const {
     painter.fill(area, background);
     painter.ground = background;
     drawSignal(painter, margin);
-
-    Rect rest = area.inset(margin, 0);
-    drawLine(painter, rest, clock_, font, foreground, IG_JUSTIFY_RIGHT);
-    rest.width -= font.width(clock_) + margin + 20;
-    drawBattery(painter, rest.right());
-    rest.width -= margin;
-
-    const int letterWidth = font.width(letters_) + 8;
+    const Places places = layOut(width, font);
+    drawLine(painter, places.clock, clock_, font, foreground, IG_JUSTIFY_RIGHT);
+    drawBattery(painter, places.battery.x);
     if (!letters_.empty()) {
-        const Rect box{rest.right() - letterWidth, 3, letterWidth, height - 6};
-        painter.rounded(box, 3, letterGround);
+        painter.rounded(places.letters, 3, letterGround);
         painter.ground = letterGround;
-        drawLine(painter, box, letters_, font, foreground, IG_JUSTIFY_CENTER);
+        drawLine(painter, places.letters, letters_, font, foreground, IG_JUSTIFY_CENTER);
     }
     painter.ground.reset();
 }

@@ -2,8 +2,9 @@
 // clock.
 #pragma once
 
-#include "host/toolkit/painter.h"
+#include "host/toolkit/text_layout.h"
 
+#include <optional>
 #include <string>
 
 namespace uti::host {
@@ -18,12 +19,20 @@ public:
     // Draws the line at the painter's origin.
     void draw(Painter &painter, int width, Font &font) const;
 
+    // What of it a line of that width does not show.
+    std::optional<Cut> cut(int width, Font &font) const;
+
     const std::string &clock() const { return clock_; }
     const std::string &letters() const { return letters_; }
 
     bool enabled = true;
 
 private:
+    struct Places {
+        Rect clock, battery, letters;
+    };
+    Places layOut(int width, Font &font) const;
+
     std::string clock_;
     std::string letters_;
 };

@@ -52,21 +52,56 @@ std::vector<std::string_view> linesOf(std::string_view text, Font &font, int wid
     return lines;
 }
 
-std::string shortened(std::string_view text, Font &font, int width) {
-    if (font.width(text) <= width)
-        return std::string(text);
-    const std::size_t count = countFitting(text, font, width - font.width(ellipsis));
-    return std::string(text.substr(0, count)) + ellipsis;
+// A line that is a little higher than its place loses nothing when no ink is there. A lost row of
+// pixels is no lost text.
+std::optional<Cut> cutOf(std::string_view text, const std::vector<std::string_view> &lines,
+                         Font &font, Size room) {
+    const std::string_view longest = *std::ranges::max_element(
+        lines, {}, [&](std::string_view line) { return font.width(line); });
+    const int columns = static_cast<int>(longest.size()), rows = static_cast<int>(lines.size());
+    const int fitting = room.height / font.height();
+    const bool isLow = rows > std::max(fitting, 1) ||
+                       (rows > fitting && font.inkHeight(longest) > room.height + 1);
+    const bool isNarrow = font.width(longest) > room.width;
+    if (!isLow && !isNarrow)
+        return std::nullopt;
+    const int shown = font.width(longest.substr(0, 1)) > room.width
+                          ? 0
+                          : static_cast<int>(countFitting(longest, font, room.width));
+    return Cut{std::string(text), {shown, isLow ? fitting : rows}, {columns, rows}};
 }
 
-std::string_view endOf(std::string_view text, Font &font, int width) {
+TextLayout layOutLine(std::string_view text, Font &font, Size room) {
+    TextLayout layout{{std::string(text)}, cutOf(text, {text}, font, room)};
+    if (font.width(text) > room.width) {
+        const std::size_t count = countFitting(text, font, room.width - font.width(ellipsis));
+        layout.lines[0] = std::string(text.substr(0, count)) + ellipsis;
+    }
+    return layout;
+}
+
+TextLayout layOutEnd(std::string_view text, Font &font, Size room) {
     std::size_t first = text.size();
     for (int used = 0; first > 0; --first) {
         used += font.width(text[first - 1]);
-        if (used > width)
+        if (used > room.width)
             break;
     }
-    return text.substr(first);
+    return {{std::string(text.substr(first))}, cutOf(text, {text}, font, room)};
+}
+
+TextLayout layOutText(std::string_view text, Font &font, Size room) {
+    const auto lines = linesOf(text, font, room.width, Wrap::atWords);
+    TextLayout layout{{lines.begin(), lines.end()}, cutOf(text, lines, font, room)};
+    const auto fitting = static_cast<std::size_t>(std::max(room.height / font.height(), 1));
+    if (lines.size() > fitting) {
+        layout.lines.resize(fitting);
+        std::string &last = layout.lines.back();
+        last += {' ', ellipsis};
+        while (font.width(last) > room.width && last.size() > 1)
+            last.erase(last.size() - 2, 1);
+    }
+    return layout;
 }
 
 Point drawLines(Painter &painter, const Rect &area, const std::vector<std::string_view> &lines,
@@ -85,22 +120,13 @@ Point drawLines(Painter &painter, const Rect &area, const std::vector<std::strin
 
 void drawText(Painter &painter, const Rect &area, std::string_view text, Font &font, Color ink,
               uint32_t justify) {
-    auto lines = linesOf(text, font, area.width, Wrap::atWords);
-    const auto room = static_cast<std::size_t>(std::max(area.height / font.height(), 1));
-    std::string last;
-    if (lines.size() > room) {
-        lines.resize(room);
-        last = std::string(lines.back()) + ' ' + ellipsis;
-        while (font.width(last) > area.width && last.size() > 1)
-            last.erase(last.size() - 2, 1);
-        lines.back() = last;
-    }
-    drawLines(painter, area, lines, font, ink, justify);
+    const TextLayout layout = layOutText(text, font, area.size());
+    drawLines(painter, area, {layout.lines.begin(), layout.lines.end()}, font, ink, justify);
 }
 
 void drawLine(Painter &painter, const Rect &area, std::string_view text, Font &font, Color ink,
               uint32_t justify) {
-    const std::string shown = shortened(text, font, area.width);
+    const std::string shown = layOutLine(text, font, area.size()).lines[0];
     const Size size{font.width(shown), font.height()};
     painter.within(area).text(justified(size, {0, 0, area.width, area.height}, justify), shown,
                               font, ink);

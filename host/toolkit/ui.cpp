@@ -2,6 +2,7 @@
 // keyboard.
 #include "common/keys.h"
 #include "host/terminal/copy_text.h"
+#include "host/terminal/image_path.h"
 #include "host/toolkit/doors.h"
 #include "terminal.h"
 

@@ -49,31 +49,44 @@ Painter Widget::drawBox(Painter &painter, const ColorPair &colors, int radius) c
     return painter.within(inside());
 }
 
-void Widget::drawContent(Painter &painter, const Rect &room, const Image *image,
-                         std::string_view text) const {
-    Painter inner = painter;
+Widget::Places Widget::layOut(const Content &content) const {
+    constexpr int gap = 6;
+    const auto &[room, image, text] = content;
+    if (!image)
+        return {{}, room};
+    if (text.empty())
+        return {justified(image->size, room, justify), {}};
+
+    const int textHeight =
+        static_cast<int>(linesOf(text, textFont(), room.width, Wrap::atWords).size()) *
+        textFont().height();
     Rect rest = room;
-    if (image) {
-        constexpr int gap = 6;
-        const int textHeight =
-            static_cast<int>(linesOf(text, textFont(), room.width, Wrap::atWords).size()) *
-            textFont().height();
-        const bool isAbove = image->size.height + gap + textHeight <= room.height;
-        if (isAbove) { // the two stand in the middle together
-            rest.y += (room.height - image->size.height - gap - textHeight) / 2;
-            rest.height = image->size.height;
-        }
-        const uint32_t beside = isAbove ? IG_JUSTIFY_CENTER : IG_JUSTIFY_LEFT;
-        inner.image(text.empty() ? justified(image->size, room, justify)
-                                 : justified(image->size, rest, beside),
-                    *image);
-        inner.ground.reset();
-        rest = isAbove ? Rect{room.x, rest.bottom() + gap, room.width, textHeight}
-                       : Rect{room.x + image->size.width + gap, room.y,
-                              room.width - image->size.width - gap, room.height};
+    if (image->size.height + gap + textHeight <= room.height) { // in the middle together
+        rest.y += (room.height - image->size.height - gap - textHeight) / 2;
+        rest.height = image->size.height;
+        return {justified(image->size, rest, IG_JUSTIFY_CENTER),
+                {room.x, rest.bottom() + gap, room.width, textHeight}};
     }
-    if (!text.empty())
-        drawText(inner, rest, text, textFont(), colors().foreground, justify);
+    rest.x += image->size.width + gap;
+    rest.width -= image->size.width + gap;
+    return {justified(image->size, room, IG_JUSTIFY_LEFT), rest};
+}
+
+void Widget::drawContent(Painter &painter, const Content &content) const {
+    const auto &[at, rest] = layOut(content);
+    Painter inner = painter;
+    if (content.image) {
+        inner.image(at, *content.image);
+        inner.ground.reset();
+    }
+    if (!content.text.empty())
+        drawText(inner, rest, content.text, textFont(), colors().foreground, justify);
+}
+
+std::optional<Cut> Widget::contentCut(const Content &content) const {
+    if (content.text.empty())
+        return std::nullopt;
+    return layOutText(content.text, textFont(), layOut(content).text.size()).cut;
 }
 
 void Widget::drawFocus(Painter &painter, Color background, int radius) const {

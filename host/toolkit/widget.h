@@ -4,9 +4,11 @@
 
 #include "host/toolkit/painter.h"
 #include "host/toolkit/stage.h"
+#include "host/toolkit/text_layout.h"
 #include "toolkit.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -38,6 +40,8 @@ public:
 
     virtual int32_t type() const = 0;
     virtual Description describe() const = 0;
+    // The text that is not shown whole, the first one of several; none when all of them fit.
+    virtual std::optional<Cut> cut() const = 0;
 
     // Draws the widget; the painter's origin is the left top corner of its area.
     virtual void draw(Painter &painter) const = 0;
@@ -92,10 +96,22 @@ protected:
     virtual void drawFocus(Painter &painter, Color background, int radius) const;
     // The area inside the border, relative to the widget.
     Rect inside() const;
-    // Draws an image, which may be null, and a text into an area: the image above the text when
-    // both fit, else at its left; justified when there is only one of them.
-    void drawContent(Painter &painter, const Rect &room, const Image *image,
-                     std::string_view text) const;
+    // An image, which may be null, and a text in an area: the image above the text when both fit,
+    // else at its left; justified when there is only one of them.
+    struct Content {
+        Rect room;
+        const Image *image;
+        std::string_view text;
+    };
+    void drawContent(Painter &painter, const Content &content) const;
+    std::optional<Cut> contentCut(const Content &content) const;
+
+private:
+    struct Places {
+        Point image;
+        Rect text;
+    };
+    Places layOut(const Content &content) const;
 };
 
 // The bar at the right of something that shows `shown` of `total` pixels from `first` on.
