@@ -41,7 +41,8 @@ enum IgKey {
     IG_KEY_LEFT = 105,
     IG_KEY_RIGHT = 106,
     IG_KEY_DOWN = 108,
-    IG_KEY_MENU = 139
+    IG_KEY_MENU = 139,
+    IG_KEY_PEN = 255 /**< no key: what event callbacks are given when the pen touches */
 };
 
 /** Codes of failures, all below `IG_STATE_CANCELLED`. */
@@ -93,8 +94,10 @@ int32_t igUI_Del(int32_t display, int32_t form);
 int32_t igUI_Show(int32_t display, int32_t form);
 
 /** Called for every event while a form runs, and at least every 100 ticks; `key` points at the key
- *  code, 0 when the event is none. A nonzero result ends the form and becomes its state; setting
- *  `*key` to 0 takes the key away. */
+ *  code, 0 when the event is none. A character of a full keyboard counts as the key of the keypad
+ *  that gives it. A nonzero result ends the form and becomes its state; setting `*key` to 0 takes
+ *  the key away. A form that is ended without a key and run again at once first takes the key that
+ *  waits, so that a callback which always ends it does not make it deaf. */
 typedef int32_t (*IgEventCallback)(uint8_t *key);
 
 /** Shows a form and starts its modal run, which goes on while the application waits. Returns -1 or

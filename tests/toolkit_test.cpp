@@ -15,6 +15,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 
 namespace {
 
@@ -294,6 +295,11 @@ TEST_F(Toolkit, InputsTakeKeys) {
         {0x00B, 2, 5, "key 1 2 3 4 5 6", "12.34"},
         {0x00B, 2, 9, "key 7 BACKSPACE BACKSPACE", ""},
     };
+    // What the library's hook does for an application that takes every key as it is.
+    const auto hook = [](int32_t widget, int32_t key) {
+        const std::string text = igInput_GetValue(widget);
+        return igInput_SetValue(widget, (text + static_cast<char>(key)).c_str());
+    };
     int32_t input = 0;
     for (const auto &[style, radix, maxLength, script, value] : rows) {
         SCOPED_TRACE(script + " gives " + value);
@@ -302,6 +308,13 @@ TEST_F(Toolkit, InputsTakeKeys) {
         EXPECT_EQ(play(script + "\nkey ENTER"), 1);
         EXPECT_EQ(toUtf8(igInput_GetValue(input)), value);
         EXPECT_EQ(igInput_GetMaxLen(input), maxLength);
+        if (script.find('*') == std::string::npos || style == 0) {
+            igInput_SetValue(input, "");
+            igInput_SetUserFunc(input, hook, 0, 0, 0);
+            EXPECT_EQ(play("key CLEAR\n" + script + "\nkey ENTER"), 1);
+            EXPECT_EQ(toUtf8(igInput_GetValue(input)), value) << "with a function";
+            igInput_SetUserFunc(input, nullptr, 0, 0, 0);
+        }
     }
     igInput_SetValue(input, "1203,5 and more");
     EXPECT_STREQ(igInput_GetValue(input), "1203.50");
@@ -314,6 +327,52 @@ TEST_F(Toolkit, InputsTakeKeys) {
     }
     igInput_SetValue(input, nullptr);
     EXPECT_STREQ(igInput_GetValue(input), "");
+}
+
+TEST_F(Toolkit, CutTextsAreTold) {
+    const auto box = [this](int32_t widget, const char *text) {
+        igInput_SetValue(widget, text);
+        return add(widget, 0);
+    };
+    const struct {
+        std::function<void()> add;
+        const char *told;
+    } rows[] = {
+        {[&] { add(igStatic_Create(0, 0, 72, 32, "one two six", 0), 0); }, nullptr},
+        {[&] { add(igStatic_Create(0, 0, 72, 31, "one two six", 0), 0); }, "static"},
+        {[&] { add(igButton_Create(0, 0, 60, 22, "Go on!", 0, 13)); }, "button"},
+        {[&] { box(igInput_Create(0, 0, 72, 18, 9, IG_INPUT_READ_ONLY), "sixsix"); }, nullptr},
+        {[&] { box(igInput_Create(0, 0, 72, 18, 9, IG_INPUT_READ_ONLY), "sixsix7"); }, "input"},
+        {[&] { box(igInput_Create(0, 0, 72, 28, 9, 0), "sixsix"); }, "input"},
+        {[&] { add(igPatternInput_Create(0, 0, 60, 28, 1, "__.__.__")); }, "pattern"},
+        {[&] { igIPInput_SetIPtext(add(igIPInput_Create(0, 0, 99, 30, 0)), "1.2.3.255"); }, "ip"},
+        {[&] { add(igMultiLine_Create(0, 0, 80, 30, 0x100, "one two six")); }, "multiline"},
+        {[&] { add(igMultiLine_Create(0, 0, 80, 30, 0x101, "one two six")); }, nullptr},
+        {[&] { add(igMultiLine_Create(0, 0, 80, 99, 0x001, "one two six")); }, "multiline"},
+        {[&] { addMenu(0, 0, 2); }, nullptr},
+        {[&] { addMenu(0, 0, 3); }, "menu"},
+        {[&] { addMenu(0, 1, 3); }, "menu"},
+        {[&] { renew("A caption of 22 letters"); }, "caption"},
+    };
+    for (const auto &[widget, told] : rows) {
+        renew(told ? told : "fits");
+        widget();
+        SCOPED_TRACE(told ? told : "fits");
+        testing::internal::CaptureStderr();
+        answerWith("expect fits\nkey ESCAPE");
+        run(form);
+        display().useFace(std::make_unique<Watcher>());
+        const std::string said = testing::internal::GetCapturedStderr();
+        EXPECT_EQ(failed, told != nullptr) << said;
+        const std::string lines = dump(display());
+        EXPECT_EQ(lines.find(" cut") != std::string::npos, told != nullptr) << lines;
+        if (told) {
+            const std::string what = "the text of "s + told;
+            EXPECT_EQ(said.find("uti: " + what), 0u) << said;
+            EXPECT_NE(said.find("error: " + what), std::string::npos) << said;
+            EXPECT_TRUE(loadImage(folder / "failed.png"));
+        }
+    }
 }
 
 TEST_F(Toolkit, InputsFollowControlCodesAndSchemes) {
@@ -443,13 +502,13 @@ TEST_F(Toolkit, KeysFindTheirWay) {
         {"key ENTER", 1, "13 ", 13},
         {"key 5 7", 77, "53 55 ", '7'},
         {"key F1", 1, "59 ", 129},
-        {"key TAB ENTER", 1, "9 59 ", 13},
-        {"key DOWN RIGHT ENTER", -1, "108 106 27 ", 13},
-        {"key UP UP ENTER", -1, "103 103 27 ", 13},
+        {"key TAB ENTER", 1, "9 59 ", 129},
+        {"key DOWN RIGHT ENTER", -1, "108 106 27 ", 27},
+        {"key UP UP ENTER", -1, "103 103 27 ", 27},
         {"key MENU F2 F2 LAYOUT\nkeyboard LAYOUT\nkey ESCAPE", -1, "139 60 60 69 27 ", 27},
-        {"pen 20,280", 1, "59 ", 129},
-        {"pen 20,280 200,100\npen 200,280", -1, "27 ", 27},
-        {"type \"g7\"", 77, "103 55 ", '7'},
+        {"pen 20,280", 1, "255 255 59 ", 129},
+        {"pen 20,280 200,100\npen 200,280", -1, "255 255 255 255 255 27 ", 27},
+        {"type \"g;7\"", 77, "52 49 55 ", '7'},
     };
     for (const auto &[script, state, seen, terminalKey] : rows) {
         SCOPED_TRACE(script);
@@ -503,6 +562,16 @@ TEST_F(Toolkit, CallbacksMayDoAnything) {
         return igUI_Del(screen, other);
     };
     EXPECT_EQ(play("wait text \"Inner\" 1s\nkey ENTER", showOther), IG_STATE_CANCELLED);
+    form = newForm("Refreshed");
+    const int32_t input2 = addInput(9, 0);
+    answerWith("type \"x\"\nkey 2\nkey ENTER");
+    int32_t state = 102;
+    for (int i = 0; i < 9 && state == 102; ++i) // a callback that always has the form shown anew
+        state = run(form, [](uint8_t *) { return int32_t{102}; });
+    EXPECT_EQ(state, IG_STATE_CONFIRMED);
+    EXPECT_STREQ(igInput_GetValue(input2), "xa");
+    igUI_Del(screen, form);
+    form = newForm("Ends itself");
     const auto endItself = [](uint8_t *) {
         return igUI_Del(screen, display().running()->handle) + 5;
     };
@@ -571,15 +640,18 @@ TEST_F(Toolkit, ImagesAndSignatures) {
         std::ofstream(cut) << bytes.substr(0, size);
         EXPECT_LT(igImage_CreateFromFile(cut.c_str()), 0) << size;
     }
-    bytes[16] = '\x7F'; // a picture of two billion columns
-    std::ofstream(cut) << bytes;
-    EXPECT_LT(igImage_CreateFromFile(cut.c_str()), 0);
+    // A picture of two billion columns, and one whose size comes later than it looks.
+    for (std::string wrong : {bytes.replace(16, 1, "\x7F"), bytes.replace(12, 4, "tEXt")}) {
+        std::ofstream(cut) << wrong;
+        EXPECT_LT(igImage_CreateFromFile(cut.c_str()), 0);
+    }
 
     char path[64] = "kept";
     EXPECT_EQ(IG_GetFullImagePath("", path, 64), 0);
     EXPECT_STREQ(path, "kept");
     setenv("UTI_IMAGES", folder.c_str(), 1);
     EXPECT_EQ(igImage_CreateFromFile("drawn.png"), image);
+    EXPECT_EQ(File_IsValid("drawn.png"), 1) << "as the library asks before it shows a picture";
     IG_GetFullImagePath("drawn.png", path, 64);
     EXPECT_EQ(path, file);
     IG_GetFullImagePath("drawn.png", path, 8);
@@ -604,6 +676,8 @@ TEST_F(Toolkit, MistakesOfScriptsAreReported) {
         {"shot a/b", "1:6: error: expected a name"},
         {"paper gone", "1:7: error: expected \"out\" or \"in\""},
         {"wait \"x\" 1s", "1:6: error: expected \"text\""},
+        {"expect nothing", "1:8: error: expected \"text\", \"no text\" or \"fits\""},
+        {"modem expect \"A\" then", "1:18: error: expected \"reply\" or \"after\""},
     };
     for (const auto &[source, message] : rows) {
         SCOPED_TRACE(source);
@@ -676,6 +750,7 @@ TEST_F(Toolkit, RecordedEventsAreAScript) {
         Recorder recorder(path, 0);
         recorder.add({.kind = Event::Kind::key, .key = IG_KEY_UP}, 7);
         recorder.add({.kind = Event::Kind::character, .character = '"'}, 7);
+        recorder.add({.kind = Event::Kind::character, .character = 'x'}, 907);
         recorder.add({.kind = Event::Kind::keyboard, .key = 131}, 1007);
         recorder.add({.kind = Event::Kind::penDown, .at = {1, -2}}, 1008);
         recorder.add({.kind = Event::Kind::penMove, .at = {3, 4}}, 1020);
@@ -686,10 +761,11 @@ TEST_F(Toolkit, RecordedEventsAreAScript) {
         recorder.add({.kind = Event::Kind::close}, 1022);
         recorder.end(1022 + 2 * longestAdvance);
     }
-    EXPECT_EQ(contentsOf(path), "advance 7ms\nkey UP\ntype \"\\\"\"\nadvance 1000ms\nkeyboard 131\n"
-                                "advance 1ms\npen 1,-2 3,4\nadvance 13ms\npen 5,6\nshot p\ndump p\n"
-                                "advance 1ms\nclose\nadvance 86400000ms\n");
-    EXPECT_EQ(parseScript(path, contentsOf(path)).commands.size(), 17u);
+    EXPECT_EQ(contentsOf(path),
+              "advance 7ms\nkey UP\ntype \"\\\"x\"\nadvance 1000ms\nkeyboard 131\n"
+              "advance 1ms\npen 1,-2 3,4\nadvance 13ms\npen 5,6\nshot p\ndump p\n"
+              "advance 1ms\nclose\nadvance 86400000ms\n");
+    EXPECT_EQ(parseScript(path, contentsOf(path)).commands.size(), 18u);
 }
 
 TEST_F(Toolkit, PeripheralsFollowTheScript) {
@@ -697,9 +773,9 @@ TEST_F(Toolkit, PeripheralsFollowTheScript) {
     setenv("UTI_PRINTER", (folder / "paper").c_str(), 1);
     const ComPortParameters parameters{1, {}, 9, 4};
     EXPECT_LT(ComPort_Open(&parameters), 0);
-    answerWith(
-        "paper out\nmodem expect \"AT\\r\" reply \"OK\"\nmodem expect \"*100#\" reply \"90\"\n"
-        "advance 1s\npaper in\nports fail");
+    answerWith("paper out\nmodem expect \"AT\\r\" reply \"OK\"\nmodem expect \"*100#\" after 30ms "
+               "reply \"90\"\n"
+               "advance 1s\npaper in\nports fail");
     const int32_t port = ComPort_Open(&parameters);
     char answer[8] = "";
     EXPECT_EQ(ComPort_Read(port, answer, 8, 0), 0);
@@ -708,7 +784,7 @@ TEST_F(Toolkit, PeripheralsFollowTheScript) {
     EXPECT_EQ(ComPort_Read(port, answer, 3, 1000), 3);
     EXPECT_EQ(ComPort_Read(port, answer + 3, 5, 1000), 1);
     EXPECT_STREQ(answer, "OK90");
-    EXPECT_EQ(GetTicks(), 50u) << "only what did not come was waited for";
+    EXPECT_EQ(GetTicks(), 80u) << "only what did not come was waited for";
     EXPECT_EQ(Printer_Open(nullptr), 0);
     EXPECT_NE(Printer_PrintString("lost", 0), 0);
     Wait(1100);

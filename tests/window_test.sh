@@ -82,7 +82,7 @@ start interrupted
 kill -TERM $(pgrep -P $run)
 finish interrupted 'state -1 name ""'
 
-for wrong in 'UTI_WINDOW=5' 'UTI_WINDOW=1 DISPLAY=:none' "UTI_WINDOW=1 UTI_RECORD=$work/none/x"; do
+for wrong in 'UTI_WINDOW=5' '-u SDL_VIDEODRIVER -u DISPLAY -u WAYLAND_DISPLAY UTI_WINDOW=1' "UTI_WINDOW=1 UTI_RECORD=$work/none/x"; do
   env $wrong timeout 20 "$program" >/dev/null 2>"$work/said"
   expect "$wrong: exit status" [ $? -eq 2 ]
   expect "$wrong: message" grep -q '^uti: ' "$work/said"

@@ -15,12 +15,16 @@ namespace {
 // is played.
 constexpr uint32_t spare = 1000;
 
+// Characters that follow one another sooner, in ms, are one text.
+constexpr uint32_t pauseInTyping = 1000;
+
 } // namespace
 
 // Waiting is written down too, since a key that is pressed again soon gives another letter.
 void Recorder::startLine(uint32_t ticks) {
     if (std::exchange(isPenDown_, false))
         out_ << '\n';
+    lastTyped_.reset();
     if (ticks != last_)
         out_ << "advance " << std::min(ticks - last_, longestAdvance) << "ms\n";
     last_ = ticks;
@@ -31,7 +35,9 @@ void Recorder::add(const Event &event, uint32_t ticks) {
     const bool goesOn = event.kind == Kind::penMove || event.kind == Kind::penUp;
     if (goesOn && !isPenDown_)
         return;
-    if (!goesOn)
+    const bool isJoined =
+        event.kind == Kind::character && lastTyped_ && ticks - *lastTyped_ < pauseInTyping;
+    if (!goesOn && !isJoined)
         startLine(ticks);
 
     switch (event.kind) {
@@ -43,7 +49,9 @@ void Recorder::add(const Event &event, uint32_t ticks) {
         break;
     case Kind::character: {
         const bool isEscaped = event.character == '"' || event.character == '\\';
-        out_ << "type \"" << (isEscaped ? "\\" : "") << toUtf8({&event.character, 1}) << "\"\n";
+        isJoined ? out_.seekp(-2, std::ios::cur) : out_ << "type \""; // before the closing quote
+        out_ << (isEscaped ? "\\" : "") << toUtf8({&event.character, 1}) << "\"\n";
+        lastTyped_ = ticks;
         break;
     }
     case Kind::penDown:

@@ -5,6 +5,7 @@
 #include "host/toolkit/face.h"
 
 #include <fstream>
+#include <optional>
 #include <string>
 
 namespace uti::host {
@@ -27,7 +28,8 @@ private:
     void startLine(uint32_t ticks);
 
     std::ofstream out_;
-    uint32_t last_; // ticks of the line before
+    uint32_t last_;                     // ticks of the line before
+    std::optional<uint32_t> lastTyped_; // ticks of the character before, when nothing came since
     bool isPenDown_ = false;
 };
 

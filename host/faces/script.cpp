@@ -230,7 +230,13 @@ private:
             ScriptCommand &command = add(Kind::modem, name.at);
             line.expect("expect");
             command.text = line.quotedText();
-            line.expect("reply");
+            const Word next = line.word();
+            const bool isLater = next.text == "after" && !next.isQuoted;
+            if (isLater) {
+                command.milliseconds = line.milliseconds();
+                line.expect("reply");
+            } else if (next.text != "reply" || next.isQuoted)
+                line.fail(next.at, "expected \"reply\" or \"after\"");
             command.reply = line.quotedText();
         } else
             line.fail(name.at, "unknown command \"" + is + '"');

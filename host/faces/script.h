@@ -30,7 +30,7 @@ struct ScriptCommand {
         paperIn,
         portsFail, // the serial ports are broken
         portsWork,
-        modem // a modem answers `text` with `reply`
+        modem // a modem answers `text` with `reply`, `milliseconds` later
     };
     Kind kind;
     ScriptPlace place;

@@ -40,7 +40,7 @@ void setPeripheral(const ScriptCommand &command) {
         all.portsFail = command.kind == Kind::portsFail;
         break;
     default:
-        all.modem.add(command.text, command.reply);
+        all.modem.add(command.text, command.milliseconds, command.reply);
     }
 }
 

@@ -120,6 +120,10 @@ bool WindowFace::open() {
     SDL_SetHint(SDL_HINT_FRAMEBUFFER_ACCELERATION, "0");
     if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
         return false;
+    // Drivers without a screen work anywhere, and nobody would ever see the window.
+    const std::string_view driver = SDL_GetCurrentVideoDriver();
+    if (driver == "offscreen" || driver == "dummy" || driver == "evdev")
+        return SDL_SetError("there is no desktop") == 0;
     SDL_EnableScreenSaver();
     char name[64] = "";
     GetApplicationName(name, sizeof name);

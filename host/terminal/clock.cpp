@@ -13,6 +13,7 @@ namespace {
 constinit bool isVirtual = false;
 constinit std::time_t virtualStart = 0;
 constinit uint64_t virtualTicks = 0;
+constinit int realDevices = 0;
 constinit Waiter installedWaiter = nullptr;
 
 void wait(uint32_t milliseconds) {
@@ -36,6 +37,10 @@ bool isVirtualClock() {
     return isVirtual;
 }
 
+void useRealDevice(bool isUsed) {
+    realDevices += isUsed ? 1 : -1;
+}
+
 std::time_t now() {
     if (isVirtual)
         return virtualStart + static_cast<std::time_t>(virtualTicks / 1000);
@@ -53,7 +58,7 @@ uint32_t ticks() {
 void pass(uint32_t milliseconds) {
     if (isVirtual)
         virtualTicks += milliseconds;
-    else
+    if (!isVirtual || realDevices > 0)
         std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 

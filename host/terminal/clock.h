@@ -28,6 +28,10 @@ void setWaiter(Waiter waiter);
 void useVirtualClock();
 bool isVirtualClock();
 
+// While a device is used that knows nothing of the virtual clock, passing time takes its time.
+// Calls with true and false come in pairs.
+void useRealDevice(bool isUsed);
+
 // A date and a time of day as the platform gives them.
 struct LocalTime {
     TerminalDate date;

@@ -1,6 +1,7 @@
 // peripherals.cpp: the scripted modem, one end of a socket pair.
 #include "host/terminal/peripherals.h"
 
+#include "host/terminal/clock.h"
 #include "host/terminal/descriptors.h"
 
 #include <sys/socket.h>
@@ -19,9 +20,9 @@ void ScriptedModem::remove() {
     exchanges_.clear();
 }
 
-void ScriptedModem::add(std::string expected, std::string reply) {
+void ScriptedModem::add(std::string expected, uint32_t after, std::string reply) {
     present_ = true;
-    exchanges_.push_back({std::move(expected), std::move(reply)});
+    exchanges_.push_back({std::move(expected), std::move(reply), after});
 }
 
 int ScriptedModem::connect() {
@@ -46,11 +47,15 @@ void ScriptedModem::answer() {
         received_.append(bytes, static_cast<std::size_t>(count));
 
     while (!exchanges_.empty()) {
-        const Exchange &next = exchanges_.front();
-        const std::size_t found = received_.find(next.expected);
+        Exchange &next = exchanges_.front();
+        const std::size_t found = next.cameAt ? 0 : received_.find(next.expected);
         if (found == std::string::npos)
             return;
-        received_.erase(0, found + next.expected.size());
+        if (!next.cameAt)
+            received_.erase(0, found + next.expected.size());
+        next.cameAt = next.cameAt.value_or(ticks());
+        if (ticks() - *next.cameAt < next.after)
+            return;
         // The application's end may be closed by now; its signal is not for us.
         ::send(line_, next.reply.data(), next.reply.size(), MSG_NOSIGNAL);
         exchanges_.pop_front();

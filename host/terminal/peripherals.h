@@ -2,7 +2,9 @@
 // Without a script nothing here is ever set. Stands on POSIX sockets.
 #pragma once
 
+#include <cstdint>
 #include <deque>
+#include <optional>
 #include <string>
 
 namespace uti::host {
@@ -16,7 +18,8 @@ public:
     ScriptedModem &operator=(const ScriptedModem &) = delete;
     ~ScriptedModem();
 
-    void add(std::string expected, std::string reply);
+    // The reply is sent so many milliseconds of the clock after the text has come.
+    void add(std::string expected, uint32_t after, std::string reply);
     // Takes the modem away.
     void remove();
 
@@ -24,12 +27,14 @@ public:
     // -ENODEV when there is no modem, or another negative errno value.
     int connect();
 
-    // Plays the exchanges whose texts have come.
+    // Plays the exchanges whose texts have come and whose time it is.
     void answer();
 
 private:
     struct Exchange {
         std::string expected, reply;
+        uint32_t after;
+        std::optional<uint32_t> cameAt{}; // ticks
     };
 
     bool present_ = false;

@@ -14,6 +14,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <sys/stat.h>
 #include <termios.h>
 
 namespace uti::host {
@@ -49,6 +50,14 @@ int openPort(const char *path, speed_t speed) {
     return error;
 }
 
+// Whether somebody else may be at the other end, who lives by the real clock: of a terminal device
+// or a FIFO.
+bool isDevice(int descriptor) {
+    struct stat status;
+    return descriptor >= 0 &&
+           (isatty(descriptor) || (fstat(descriptor, &status) == 0 && S_ISFIFO(status.st_mode)));
+}
+
 // The descriptor behind a handle for sending or receiving, or a negative error.
 int lineOf(int32_t handle) {
     const int descriptor = handles.descriptor(HandleKind::port, handle);
@@ -78,7 +87,12 @@ int32_t ComPort_Open(const void *parameters) {
     snprintf(variable, sizeof variable, "UTI_COM%u", static_cast<unsigned>(wanted.port));
     const char *path = std::getenv(variable);
     return handles.open(HandleKind::port, [&] {
-        return path && *path ? openPort(path, speeds[wanted.speed]) : peripherals().modem.connect();
+        if (!path || !*path)
+            return peripherals().modem.connect();
+        const int descriptor = openPort(path, speeds[wanted.speed]);
+        if (isDevice(descriptor))
+            useRealDevice(true);
+        return descriptor;
     });
 }
 
@@ -95,8 +109,7 @@ int32_t ComPort_Write(int32_t handle, const void *buffer, uint32_t count) {
     return static_cast<int32_t>(sent);
 }
 
-// Asks every 10 ms. On the virtual clock nothing sleeps, so that only a scripted modem or a file
-// can answer in time.
+// Asks every 10 ms. On the virtual clock nothing sleeps but for a real device.
 int32_t ComPort_Read(int32_t handle, void *buffer, uint32_t count, uint32_t milliseconds) {
     const int descriptor = lineOf(handle);
     if (descriptor < 0)
@@ -105,6 +118,7 @@ int32_t ComPort_Read(int32_t handle, void *buffer, uint32_t count, uint32_t mill
         return -EINVAL;
 
     for (uint32_t left = milliseconds;;) {
+        peripherals().modem.answer();
         const ssize_t got = uninterrupted([&] { return ::read(descriptor, buffer, count); });
         if (got > 0 || count == 0)
             return static_cast<int32_t>(got);
@@ -119,5 +133,7 @@ int32_t ComPort_Read(int32_t handle, void *buffer, uint32_t count, uint32_t mill
 }
 
 int32_t ComPort_Close(int32_t handle) {
+    if (isDevice(handles.descriptor(HandleKind::port, handle)))
+        useRealDevice(false);
     return handles.close(HandleKind::port, handle);
 }

@@ -110,6 +110,9 @@ void Display::run(int32_t form, IgEventCallback callback) {
     Form *started = this->form(form);
     started->state = IG_STATE_RUNNING;
     started->started = ticks();
+    isRunAgain_ = std::exchange(polledOut_, 0) == form && ticks() - asked_ <= pollInterval;
+    if (!isRunAgain_)
+        waiting_.reset();
     modal_ = form;
     callback_ = callback;
     asked_ = ticks() - pollInterval;
@@ -144,6 +147,7 @@ std::vector<const Form *> Display::visibleForms() const {
 void Display::wait(uint32_t milliseconds) {
     const uint32_t start = ticks();
     for (bool wasAsked = false;; wasAsked = true) {
+        takeWaiting();
         tick();
         redraw();
         const uint32_t elapsed = ticks() - start;
@@ -158,13 +162,27 @@ void Display::wait(uint32_t milliseconds) {
     }
 }
 
+// A form that its callback ended and that runs again takes one event before the callback is asked,
+// or it would be deaf to a callback that always ends it.
+void Display::takeWaiting() {
+    if (!isRunAgain_ || !listening())
+        return;
+    isRunAgain_ = false;
+    std::optional<Event> event = std::exchange(waiting_, std::nullopt);
+    if (!event)
+        event = face_->next(0);
+    using Kind = Event::Kind;
+    if (event && (event->kind == Kind::key || event->kind == Kind::character))
+        press(*event, Asking::nobody);
+    else if (event)
+        handleEvent(*event);
+}
+
 // What comes by itself: the callback's regular turn, the form's time-out and the clock.
 void Display::tick() {
     Form *form = listening();
-    if (form && ticks() - asked_ >= pollInterval) {
-        uint8_t none = 0;
-        form = ask(none);
-    }
+    if (form && ticks() - asked_ >= pollInterval)
+        form = poll();
     if (form && form->timeOut > 0 && ticks() - form->started >= form->timeOut)
         form->end(IG_STATE_TIME_OUT);
     updateStatusLine();
@@ -179,6 +197,16 @@ void Display::updateStatusLine() {
     const Widget *focused = form ? form->focused() : nullptr;
     if (statusLine_.update(clock, focused ? focused->letters() : ""))
         damageStatusLine();
+}
+
+// Lets the callback see that nothing happened. It may end the form all the same, to show it anew.
+Form *Display::poll() {
+    uint8_t none = 0;
+    const uint32_t run = runs_;
+    Form *const before = listening();
+    Form *const form = ask(none);
+    polledOut_ = before && !form && run == runs_ ? modal_ : 0;
+    return form;
 }
 
 Form *Display::ask(uint8_t &key) {
@@ -201,9 +229,14 @@ Form *Display::ask(uint8_t &key) {
 void Display::handleEvent(const Event &event) {
     switch (event.kind) {
     case Event::Kind::key:
-        return press(event.key, 0);
     case Event::Kind::character:
-        return press(static_cast<uint8_t>(event.character), event.character);
+        if (isInputBlocked_)
+            return;
+        if (!poll() && polledOut_ != 0)
+            waiting_ = event; // for the form when it is shown anew
+        else
+            press(event, Asking::callback);
+        return;
     case Event::Kind::keyboard:
         if (!isInputBlocked_)
             keyboardHandler_(handle, event.key);
@@ -223,16 +256,17 @@ void Display::handleEvent(const Event &event) {
 }
 
 // The key goes to the display's handler, to the application's callback, to the form, until one
-// takes it. Nobody took Enter or Escape: they end the form.
-void Display::press(uint8_t key, char character) {
+// takes it. Nobody took Enter or Escape: they end the form. To everybody but the form a character
+// is the key that gives it, since its own code may be that of a function key.
+void Display::press(const Event &event, Asking asking) {
+    const bool isCharacter = event.kind == Event::Kind::character;
+    uint8_t key = isCharacter ? KeySchemes::keyOf(event.character) : event.key;
+    Form *form = listening();
+    if (!isCharacter && form && form->focused())
+        key = form->focused()->meaning(key);
     if (isInputBlocked_ || keyboardHandler_(handle, key) != 0)
         return;
-    Form *form = listening();
-    if (!form)
-        return;
-    if (!character && form->focused())
-        key = form->focused()->meaning(key);
-    form = ask(key);
+    form = asking == Asking::callback ? ask(key) : listening();
     if (!form || key == 0)
         return;
 
@@ -241,12 +275,11 @@ void Display::press(uint8_t key, char character) {
     {
         const Dispatch dispatch(*this, modal_);
         // The digits of a full keyboard are keys as well.
-        const bool isKey = !character || (character >= '0' && character <= '9') ||
-                           character == '*' || character == '#';
-        taken = (character && form->character(character)) || (isKey && form->key(key));
+        const bool isKey = !isCharacter || key == static_cast<uint8_t>(event.character);
+        taken = (isCharacter && form->character(event.character)) || (isKey && form->key(key));
     }
     form = running();
-    if (taken || !form || run != runs_ || character)
+    if (taken || !form || run != runs_ || isCharacter)
         return;
     if (key == IG_KEY_ENTER)
         form->end(IG_STATE_CONFIRMED);
@@ -256,15 +289,15 @@ void Display::press(uint8_t key, char character) {
 
 // Whoever draws with the pen is there, so the time-out starts anew.
 void Display::touch(PenPhase phase, Point at) {
-    uint8_t key = 0;
+    uint8_t key = 0, touched = IG_KEY_PEN;
     if (isInputBlocked_)
         return;
-    if (Form *form = ask(key)) {
+    if (Form *form = ask(touched)) {
         form->started = ticks();
         key = form->pen(phase, at);
     }
     if (key != 0)
-        press(key, 0);
+        press({.kind = Event::Kind::key, .key = key}, Asking::callback);
 }
 
 // -------------------------------------------------------------------------------- drawing

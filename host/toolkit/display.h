@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
@@ -108,10 +109,13 @@ private:
     }
     // The running form, unless its events are being handled further up the call stack.
     Form *listening() const;
-    void press(uint8_t key, char character);
+    enum class Asking : uint8_t { nobody, callback };
+    void press(const Event &event, Asking asking);
+    void takeWaiting();
     void touch(PenPhase phase, Point at);
     // Lets the application's callback see an event. Returns the form when its run goes on.
     Form *ask(uint8_t &key);
+    Form *poll();
     void tick();
     void updateStatusLine();
     void drawDesktop(Painter &painter);
@@ -134,6 +138,9 @@ private:
     IgEventCallback callback_ = nullptr;
     uint32_t runs_ = 0;
     uint32_t asked_ = 0;      // ticks of the last callback
+    int32_t polledOut_ = 0;   // the form that the callback ended without a key
+    bool isRunAgain_ = false; // it is shown anew, and has not taken an event since
+    std::optional<Event> waiting_;
     int32_t dispatching_ = 0; // the form whose events are being handled
 
     IgKeyboardHandler keyboardHandler_ = IG_KeyPushCallback;

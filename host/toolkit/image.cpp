@@ -4,8 +4,10 @@
 
 #include <cairo.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <iterator>
 #include <memory>
 
 namespace uti::host {
@@ -27,7 +29,10 @@ struct Closer {
 bool hasAllowedSize(const std::string &path) {
     const std::unique_ptr<std::FILE, Closer> file(std::fopen(path.c_str(), "rb"));
     unsigned char header[24];
-    if (!file || std::fread(header, 1, sizeof header, file.get()) != sizeof header)
+    // The signature, and the length and type of the chunk with the size, which has to be the first.
+    constexpr unsigned char start[] = "\x89PNG\r\n\x1A\n\0\0\0\x0DIHDR";
+    if (!file || std::fread(header, 1, sizeof header, file.get()) != sizeof header ||
+        !std::equal(std::begin(start), std::end(start) - 1, header))
         return false;
     const auto side = [&](int at) {
         unsigned value = 0;

@@ -112,19 +112,27 @@ bool Input::setDigits(std::string digits) {
     return true;
 }
 
+// Digits behind a fixed point that are too many move those before them to the left, as typing does.
+// What the application's function makes of one more character is that character typed.
 void Input::setValue(std::string_view text) {
     const std::string given(text); // it may be the value itself
-    value_ = given.substr(0, maxLength_);
-    if (!isFixed())
+    if (!isFixed()) {
+        value_ = given.substr(0, maxLength_);
         return;
+    }
+    if (asked() != 0 && given == value_ + asked()) {
+        setDigits(digits() + asked());
+        return;
+    }
     const auto digitsOf = [](std::string part) {
         std::erase_if(part, [](char digit) { return digit < '0' || digit > '9'; });
         return part;
     };
     const std::size_t point = std::min(given.find_first_of(".,"), given.size());
     std::string behind = digitsOf(given.substr(point));
-    behind.resize(radix_, '0');
-    value_.clear();
+    behind.resize(std::max<std::size_t>(behind.size(), radix_), '0');
+    if (asked() == 0)
+        value_.clear();
     setDigits(digitsOf(given.substr(0, point)) + behind);
 }
 

@@ -13,8 +13,6 @@ public:
 
     bool takesFocus() const override { return !(style_ & IG_INPUT_READ_ONLY); }
 
-    virtual void setValue(std::string_view text) = 0;
-    virtual const std::string &value() const = 0;
     virtual std::size_t maxLength() const = 0;
 
     uint8_t hideSymbol = 0;

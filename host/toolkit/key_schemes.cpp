@@ -54,4 +54,12 @@ std::string_view KeySchemes::characters(int32_t scheme, Letters letters, uint8_t
     return sets[static_cast<std::size_t>(letters)].keys[index];
 }
 
+uint8_t KeySchemes::keyOf(char character) {
+    for (const Set &set : sets)
+        for (std::size_t i = 0; i < keys; ++i)
+            if (set.keys[i].find(character) != std::string_view::npos)
+                return static_cast<uint8_t>(keyOrder[i]);
+    return '1';
+}
+
 } // namespace uti::host

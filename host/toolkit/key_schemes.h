@@ -27,6 +27,9 @@ public:
     // set. Empty for anything but the twelve keys.
     std::string_view characters(int32_t scheme, Letters letters, uint8_t key) const;
 
+    // The key that gives a character in some set of letters; '1', the key of signs, for any other.
+    static uint8_t keyOf(char character);
+
 private:
     std::map<int32_t, std::array<std::string, keys>> schemes_;
 };

@@ -35,11 +35,11 @@ public:
         maxLength_ = length > 0 ? length : longest;
         setValue(value_);
     }
-    void setValue(std::string_view text) {
+    void setValue(std::string_view text) override {
         value_ = std::string(text, 0, maxLength_);
         top_ = 0;
     }
-    const std::string &value() const { return value_; }
+    const std::string &value() const override { return value_; }
 
 private:
     bool isReadOnly() const { return style_ & IG_MULTI_LINE_READ_ONLY; }

@@ -82,13 +82,17 @@ bool TextField::key(uint8_t key) {
         return changed(), true;
 
     const bool again = key == typed && ticks() - repeatedAt_ < repeatTime;
+    const std::string before = value();
     if (again)
         erase();
-    const std::string characters = offered(key);
+    const std::string rest = value(), characters = offered(key);
     if (characters.empty())
         return false;
     step_ = again ? (step_ + 1) % characters.size() : 0;
-    if (take(characters[step_]) && characters.size() > 1)
+    const bool isTaken = take(characters[step_]);
+    if (again && !isTaken && value() == rest)
+        setValue(before); // the application refused the next character, not the one before
+    if ((isTaken || again) && characters.size() > 1)
         repeated_ = key;
     repeatedAt_ = ticks();
     return true;
@@ -111,10 +115,17 @@ std::string TextField::offered(uint8_t key) const {
     return characters;
 }
 
-// Returns whether the character became the last one of the text.
+// Returns whether the character became the last one of the text, perhaps by the application's hand,
+// which may have made another one of it.
 bool TextField::take(char accepted) {
-    if (function && function(handle, static_cast<unsigned char>(accepted)) == 0)
-        return false;
+    if (function) {
+        const std::string before = value();
+        asked_ = accepted;
+        const bool isSeenTo = function(handle, static_cast<unsigned char>(accepted)) == 0;
+        asked_ = 0;
+        if (isSeenTo)
+            return value().size() == before.size() + 1 && value().starts_with(before);
+    }
     const bool appended = append(accepted);
     changed();
     return appended;

@@ -31,7 +31,14 @@ public:
     uint8_t confirmKey = 0;
     IgInputFunction function = nullptr;
 
+    virtual void setValue(std::string_view text) = 0;
+    virtual const std::string &value() const = 0;
+
 protected:
+    // The character that the application's function is asked about, 0 for none. It may set it as
+    // part of the value.
+    char asked() const { return asked_; }
+
     // The character as the field takes it, perhaps as a capital; nothing when it does not.
     virtual std::optional<char> accepted(char character) const = 0;
     // False when it is full.
@@ -51,6 +58,7 @@ private:
     uint8_t repeated_ = 0;    // the key that goes on to its next character when pressed again
     uint32_t repeatedAt_ = 0; // ticks of its last press
     std::size_t step_ = 0;    // its character
+    char asked_ = 0;
 };
 
 // The sets of letters for bits of `IgInputStyle`.
