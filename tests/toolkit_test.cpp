@@ -308,7 +308,7 @@ TEST_F(Toolkit, InputsTakeKeys) {
         EXPECT_EQ(play(script + "\nkey ENTER"), 1);
         EXPECT_EQ(toUtf8(igInput_GetValue(input)), value);
         EXPECT_EQ(igInput_GetMaxLen(input), maxLength);
-        if (script.find('*') == std::string::npos || style == 0) {
+        if (script.find("LAYOUT") == std::string::npos) {
             igInput_SetValue(input, "");
             igInput_SetUserFunc(input, hook, 0, 0, 0);
             EXPECT_EQ(play("key CLEAR\n" + script + "\nkey ENTER"), 1);
@@ -338,8 +338,8 @@ TEST_F(Toolkit, CutTextsAreTold) {
         std::function<void()> add;
         const char *told;
     } rows[] = {
-        {[&] { add(igStatic_Create(0, 0, 72, 32, "one two six", 0), 0); }, nullptr},
-        {[&] { add(igStatic_Create(0, 0, 72, 31, "one two six", 0), 0); }, "static"},
+        {[&] { add(igStatic_Create(0, 0, 84, 32, "one two six", 0), 0); }, nullptr},
+        {[&] { add(igStatic_Create(0, 0, 84, 31, "one two six", 0), 0); }, "static"},
         {[&] { add(igButton_Create(0, 0, 60, 22, "Go on!", 0, 13)); }, "button"},
         {[&] { box(igInput_Create(0, 0, 72, 18, 9, IG_INPUT_READ_ONLY), "sixsix"); }, nullptr},
         {[&] { box(igInput_Create(0, 0, 72, 18, 9, IG_INPUT_READ_ONLY), "sixsix7"); }, "input"},
@@ -354,8 +354,9 @@ TEST_F(Toolkit, CutTextsAreTold) {
         {[&] { addMenu(0, 1, 3); }, "menu"},
         {[&] { renew("A caption of 22 letters"); }, "caption"},
     };
+    int number = 0;
     for (const auto &[widget, told] : rows) {
-        renew(told ? told : "fits");
+        renew(std::to_string(++number).c_str()); // each is told once
         widget();
         SCOPED_TRACE(told ? told : "fits");
         testing::internal::CaptureStderr();
@@ -405,7 +406,7 @@ TEST_F(Toolkit, PatternsIpAddressesAndLongTexts) {
     const int32_t pattern = add(igPatternInput_Create(0, 0, 90, 28, 0x641, "(__)__-__"));
     const int32_t ip = add(igIPInput_Create(0, 30, 222, 30, 0x240));
     const int32_t text = add(igMultiLine_Create(0, 60, 120, 34, IG_MULTI_LINE_WRAP, "one two"));
-    EXPECT_EQ(line("key 1 2 3 4 BACKSPACE"), "pattern 0,0 90x28 \"(12)3.-..\" focus");
+    EXPECT_EQ(line("key 1 2 3 4 BACKSPACE"), "pattern 0,0 90x28 \"(12)3.-..\" cut focus");
     EXPECT_STREQ(igInput_GetValue(pattern), "123");
     igPatternInput_SetMaxLen(pattern, 2);
     EXPECT_STREQ(igInput_GetValue(pattern), "12");
@@ -436,7 +437,7 @@ TEST_F(Toolkit, PatternsIpAddressesAndLongTexts) {
     play("key TAB TAB\ntype \" threefour\"\nkey ENTER");
     EXPECT_STREQ(igMultiLine_GetValue(text), "one two thre");
     EXPECT_EQ(igWidget_GetDeltaY(text, 0), 16);
-    EXPECT_EQ(line("key TAB TAB UP", 2), "multiline 0,60 120x34 \"one two thre\" focus");
+    EXPECT_EQ(line("key TAB TAB UP", 2), "multiline 0,60 120x34 \"one two thre\" cut focus");
     EXPECT_EQ(igWidget_GetDeltaY(text, 1), 16);
 }
 
@@ -474,7 +475,7 @@ TEST_F(Toolkit, MenusAreChosenFrom) {
     const int32_t menu = addMenu(0, 0, 20);
     EXPECT_EQ(igWidget_GetDeltaY(menu, 0), 0);
     const int32_t below = igWidget_GetDeltaY(menu, 1);
-    EXPECT_TRUE(line("key RIGHT RIGHT RIGHT").ends_with("item 20 of 20 focus"));
+    EXPECT_TRUE(line("key RIGHT RIGHT RIGHT").ends_with("item 20 of 20 cut focus"));
     EXPECT_TRUE(igWidget_GetDeltaY(menu, 0) == below && igWidget_GetDeltaY(menu, 1) == 0);
 }
 
@@ -781,8 +782,8 @@ TEST_F(Toolkit, PeripheralsFollowTheScript) {
     EXPECT_EQ(ComPort_Read(port, answer, 8, 0), 0);
     EXPECT_EQ(ComPort_Write(port, "echo AT", 7) + ComPort_Read(port, answer, 8, 50), 7);
     EXPECT_EQ(ComPort_Write(port, "\rATD*100#", 9), 9);
-    EXPECT_EQ(ComPort_Read(port, answer, 3, 1000), 3);
-    EXPECT_EQ(ComPort_Read(port, answer + 3, 5, 1000), 1);
+    EXPECT_EQ(ComPort_Read(port, answer, 3, 1000), 2);
+    EXPECT_EQ(ComPort_Read(port, answer + 2, 5, 1000), 2);
     EXPECT_STREQ(answer, "OK90");
     EXPECT_EQ(GetTicks(), 80u) << "only what did not come was waited for";
     EXPECT_EQ(Printer_Open(nullptr), 0);

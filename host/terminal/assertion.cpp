@@ -1,5 +1,7 @@
 // assertion.cpp: the library's assertions in words. Stands on the library's public header, and on
 // no library: a program may have none.
+#include "host/terminal/assertion.h"
+
 #include "host/terminal/notice.h"
 
 #include "terminal.h"
@@ -7,8 +9,15 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 extern "C" [[gnu::weak]] ResourceModule *CurrentModule;
+
+namespace uti::host {
+
+constinit bool isLanguageMissing = false;
+
+} // namespace uti::host
 
 namespace {
 
@@ -46,7 +55,8 @@ bool slotsAreOut() {
 
 void Terminal_NoteAssertion(const char *sourcePath, int32_t line) {
     const std::string_view path = sourcePath ? sourcePath : "";
-    if (path == "Src/utiResource" && slotsAreOut())
+    const bool isNoNews = std::exchange(uti::host::isLanguageMissing, false);
+    if (path == "Src/utiResource" && (isNoNews || slotsAreOut()))
         return;
     std::string_view sentence = "the application reports a fault of its own";
     for (const auto &each : meanings)

@@ -1,4 +1,5 @@
 // environment.cpp: the process environment and the name of the program. Stands on the C library.
+#include "host/terminal/assertion.h"
 #include "host/terminal/copy_text.h"
 #include "terminal.h"
 
@@ -20,6 +21,7 @@ int32_t give(std::string_view text, char *buffer, int32_t size) {
 // flags have no meaning here.
 int32_t System_GetEnv(const char *name, char *buffer, int32_t size, int32_t) {
     const char *value = name ? std::getenv(name) : nullptr;
+    isLanguageMissing = !value && name && std::string_view(name) == "default_lang";
     return give(value ? value : "", buffer, size);
 }
 

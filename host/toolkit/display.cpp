@@ -110,7 +110,7 @@ void Display::run(int32_t form, IgEventCallback callback) {
     Form *started = this->form(form);
     started->state = IG_STATE_RUNNING;
     started->started = ticks();
-    isRunAgain_ = std::exchange(polledOut_, 0) == form && ticks() - asked_ <= pollInterval;
+    isRunAgain_ = std::exchange(polledOut_, 0) == form && ticks() - asked_ <= 2 * pollInterval;
     if (!isRunAgain_)
         waiting_.reset();
     modal_ = form;
