@@ -11,13 +11,18 @@ built=$(dirname "$shop")
 ln -s "$built/shop.res" "$built/utils_rc.res" "$built/images" "$folder"
 unset "${!UTI_COM@}" UTI_DISPLAY UTI_IMAGES UTI_TERMINAL_TYPE UTI_WINDOW EXTRES EXT_DEBUG DISPLAY
 
-UTI_SCRIPT=$3 UTI_OUT=$folder UTI_PRINTER=$folder/receipt "$shop" "$folder"
+UTI_SCRIPT=$3 UTI_OUT=$folder UTI_PRINTER=$folder/receipt "$shop" "$folder" 2>"$folder/said"
+[ ! -s "$folder/said" ] || { cat "$folder/said" && exit 1; } # the stand-in has nothing to warn of
 
 cd "$folder"
 {
-  for dump in *.txt; do
+  for dump in en-*.txt; do
     echo "== $dump"
     cat "$dump"
+  done
+  for dump in ru-*.txt; do # what differs from the English one
+    echo "== $dump"
+    diff "en-${dump#ru-}" "$dump" 2>/dev/null || [ -f "en-${dump#ru-}" ] || cat "$dump"
   done
   echo "== receipts"
   iconv -f windows-1251 -t utf-8 receipt
