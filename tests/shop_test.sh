@@ -11,7 +11,8 @@ built=$(dirname "$shop")
 ln -s "$built/shop.res" "$built/utils_rc.res" "$built/images" "$folder"
 unset "${!UTI_COM@}" UTI_DISPLAY UTI_IMAGES UTI_TERMINAL_TYPE UTI_WINDOW EXTRES EXT_DEBUG DISPLAY
 
-UTI_SCRIPT=$3 UTI_OUT=$folder UTI_PRINTER=$folder/receipt "$shop" "$folder" 2>"$folder/said"
+UTI_SCRIPT=$3 UTI_OUT=$folder UTI_PRINTER=$folder/receipt "$shop" "$folder" 2>"$folder/said" ||
+  { cat "$folder/said" && exit 1; }
 [ ! -s "$folder/said" ] || { cat "$folder/said" && exit 1; } # the stand-in has nothing to warn of
 
 cd "$folder"
