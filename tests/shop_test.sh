@@ -21,9 +21,11 @@ cd "$folder"
     echo "== $dump"
     cat "$dump"
   done
-  for dump in ru-*.txt; do # what differs from the English one
-    echo "== $dump"
-    diff "en-${dump#ru-}" "$dump" 2>/dev/null || [ -f "en-${dump#ru-}" ] || cat "$dump"
+  for dump in ru-*.txt; do # how long it is, and what differs from the English one
+    echo "== $dump $(wc -l <"$dump")"
+    english=en-${dump#ru-}
+    [ -f "$english" ] || english=/dev/null
+    diff --old-line-format= --unchanged-line-format= --new-line-format=%L "$english" "$dump" || :
   done
   echo "== receipts"
   iconv -f windows-1251 -t utf-8 receipt
