@@ -13,14 +13,17 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <unistd.h>
 
 namespace {
 
 using namespace uti::host;
-using namespace std::string_literals;
+using namespace std::literals;
 
 constexpr uint16_t ink = rgb(33, 43, 54), white = 0xFFFF, blue = rgb(21, 101, 192);
 
@@ -795,6 +798,19 @@ TEST_F(Toolkit, PeripheralsFollowTheScript) {
     EXPECT_EQ(ComPort_Close(port), 0);
     EXPECT_LT(ComPort_Open(&parameters), 0);
     EXPECT_LT(ComPort_Read(port, answer, 8, 0), 0);
+
+    answerWith("");
+    const int master = posix_openpt(O_RDWR | O_NOCTTY); // whose other end lives by the real clock
+    ASSERT_EQ(grantpt(master) | unlockpt(master), 0);
+    setenv("UTI_COM1", ptsname(master), 1);
+    for (const int32_t device : {ComPort_Open(&parameters), -1}) {
+        const auto start = std::chrono::steady_clock::now();
+        pass(60);
+        const bool isReal = std::chrono::steady_clock::now() - start >= 60ms;
+        EXPECT_EQ(isReal, ComPort_Close(device) == 0);
+    }
+    unsetenv("UTI_COM1");
+    ::close(master);
 }
 
 // The whole way of an application that is started under a script: this program, listing its tests.
