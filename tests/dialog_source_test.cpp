@@ -9,6 +9,10 @@
 
 using namespace support;
 using namespace support::describe;
+using uti::CodePage;
+using uti::concat;
+using uti::defaultCodePage;
+using uti::Diagnostics;
 using namespace uti::tool;
 
 namespace {
@@ -395,7 +399,7 @@ TEST_F(DialogSource, DumpsAnythingTruly) {
 
 TEST_F(DialogSource, HasTheLibrarysOwnMessages) {
     terminal.environment["default_lang"] = "en";
-    terminal.files["utils_rc.res"] = readFile(UTILS_RC).value_or("");
+    terminal.files["utils_rc.res"] = readInput(UTILS_RC);
     openLog();
     toolkit.answers["igUI_SetFileFont"] = -5;
     uti::Dialogs_GetFontIndex("0.fnt");

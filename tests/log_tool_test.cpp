@@ -1,7 +1,7 @@
 // log_tool_test.cpp: `uti log` on logs that the library writes here, whole and damaged.
 #include "tests/command.h"
 #include "tests/support.h"
-#include "tools/code_page.h"
+#include "common/code_page.h"
 #include "tools/log_scanner.h"
 #include "tools/resource_model.h"
 
@@ -11,6 +11,7 @@
 
 #include <unistd.h>
 
+using namespace uti;
 using namespace uti;
 using namespace uti::tool;
 using namespace support;

@@ -9,6 +9,7 @@
 
 #include <unistd.h>
 
+using namespace uti;
 using namespace uti::tool;
 namespace fs = std::filesystem;
 

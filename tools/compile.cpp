@@ -69,18 +69,19 @@ std::optional<fs::path> outputDirectory(const CompileOptions &options) {
 void reportClashes(std::vector<Unit> &units) {
     std::map<std::string, std::string> taken;
     for (Unit &unit : units) {
-        const auto take = [&](std::string_view name, Position position) {
+        const auto take = [&](std::string_view name, Place place) {
             const std::string key = identifier(unit, name);
             const auto [other, isFree] = taken.emplace(key, unit.diagnostics.path());
             if (!isFree)
-                unit.diagnostics.error(position, "the header has ", key, " already, from ",
+                unit.diagnostics.error(place, "the header has ", key, " already, from ",
                                        other->second);
         };
         if (!isModuleName(unit.source.module))
             continue;
-        take("MODULE", unit.source.modulePosition);
+        take("MODULE", unit.source.modulePlace);
+        take("VERSION", unit.source.modulePlace);
         for (const StringName &string : unit.source.names)
-            take(string.name, string.position);
+            take(string.name, string.place);
     }
 }
 
@@ -91,7 +92,8 @@ std::string makeHeader(const fs::path &path, const std::vector<Unit> &units) {
     for (const Unit &unit : units) {
         const ResourceSource &source = unit.source;
         text += concat("\n/* ", unit.path.filename().string(), " */\n#define ",
-                       identifier(unit, "MODULE"), " \"", source.module, "\"\n");
+                       identifier(unit, "MODULE"), " \"", source.module, "\"\n#define ",
+                       identifier(unit, "VERSION"), ' ', source.file.version.value_or(0), '\n');
         if (source.names.empty())
             continue;
         text += "enum {\n";
@@ -110,12 +112,7 @@ int compile(const CompileOptions &options) {
     const Warnings warnings = options.strict ? Warnings::areErrors : Warnings::allowed;
     std::vector<Unit> units;
     for (const fs::path &path : options.sources) {
-        std::optional<std::string> text = readFile(path);
-        if (!text) {
-            std::cerr << "uti: cannot read " << path.string() << '\n';
-            return exitUsage;
-        }
-        Unit unit{path, Diagnostics(path.string(), std::move(*text), warnings), {}};
+        Unit unit{path, Diagnostics(path.string(), readInput(path), warnings), {}};
         unit.source = readResourceSource(unit.diagnostics);
         units.push_back(std::move(unit));
     }
@@ -125,14 +122,14 @@ int compile(const CompileOptions &options) {
     if (std::ranges::any_of(units, [](const Unit &u) { return u.diagnostics.hasErrors(); }))
         return exitErrors;
 
-    bool written = true;
+    std::error_code failure; // told by what cannot be written there
+    fs::create_directories(*directory, failure);
     for (const Unit &unit : units)
-        written = writeFileIfChanged(*directory / (unit.source.module + ".res"),
-                                     writeResourceFile(unit.source.file)) &&
-                  written;
+        writeFileIfChanged(*directory / (unit.source.module + ".res"),
+                           writeResourceFile(unit.source.file));
     if (!options.header.empty())
-        written = writeFileIfChanged(options.header, makeHeader(options.header, units)) && written;
-    return written ? exitDone : exitUsage;
+        writeFileIfChanged(options.header, makeHeader(options.header, units));
+    return exitDone;
 }
 
 } // namespace
@@ -145,8 +142,9 @@ void addCompileCommand(CLI::App &app, int &result) {
         ->check(CLI::ExistingFile);
     command
         ->add_option("-o", options->directory,
-                     "Folder to write to (default: the present one, if no source lies in it)")
-        ->check(CLI::ExistingDirectory);
+                     "Folder to write to, made if missing (default: the present one, if no source "
+                     "lies in it)")
+        ->check(!CLI::ExistingFile);
     command->add_option("--header", options->header, "C header of the string ids to write");
     command->add_flag("--strict", options->strict, "Treat warnings as errors");
     command->footer("Example:\n  uti compile first.toml -o build --header build/first.h\n");

@@ -2,8 +2,8 @@
 // their order; behind them stand those of its style, then the defaults.
 #include "tools/dialog_source.h"
 
+#include "common/utf8.h"
 #include "tools/source_text.h"
-#include "tools/utf8.h"
 
 #include <algorithm>
 
@@ -373,7 +373,7 @@ std::optional<uint32_t> DialogReader::readNumber(const Field &field, const toml:
 
     if (field.spelling == Spelling::keyCode && result.value_or(0) != 0 &&
         IG_GetIGKeyCode(*result) == 0)
-        diagnostics_.warning(begin(value), "dialogs do not know the key ", *result);
+        diagnostics_.warning("key", begin(value), "dialogs do not know the key ", *result);
     return result;
 }
 
@@ -405,7 +405,7 @@ std::string DialogReader::readArea(const toml::node &value) {
         return "";
     }
     if (right > displayWidth || bottom > displayHeight)
-        diagnostics_.warning(begin(value), "area reaches to ", right, " x ", bottom,
+        diagnostics_.warning("outside", begin(value), "area reaches to ", right, " x ", bottom,
                              "; the display has ", displayWidth, " x ", displayHeight);
     return nodeBytes(dialog::tagArea,
                      positionBytes((*numbers)[0], (*numbers)[1]) + positionBytes(right, bottom));

@@ -2,7 +2,7 @@
 // dialog descriptions and written from them. Stands on the TOML reader and the values of dialogs.
 #pragma once
 
-#include "tools/code_page.h"
+#include "common/code_page.h"
 #include "tools/dialog_values.h"
 #include "tools/resource_model.h"
 #include "tools/toml_reader.h"

@@ -1,11 +1,14 @@
 // dump.cpp: `uti dump`, a resource file back into source.
 #include "tools/commands.h"
 #include "tools/files.h"
+#include "tools/library_answers.h"
 #include "tools/resource_source.h"
+#include "uti.h"
 
 #include <algorithm>
 #include <functional>
 #include <iostream>
+#include <map>
 #include <memory>
 
 namespace uti::tool {
@@ -27,6 +30,45 @@ std::string moduleOf(const std::filesystem::path &file) {
     return name;
 }
 
+// Every string as the library reads it, by language and id.
+using Answers = std::map<std::pair<std::string, uint16_t>, std::string>;
+
+// Asks for each index that either file has in a section.
+Answers askLibrary(std::string_view bytes, const ResourceFile &file, const ResourceFile &other,
+                   Diagnostics &diagnostics) {
+    Answers answers;
+    const LibraryAnswers library(bytes);
+    if (library.result() != UTI_OK)
+        diagnostics.error({}, "the library cannot load it: ", library.result());
+    for (const auto &[section, tables] : file.sections) {
+        const auto same = other.sections.find(section);
+        const std::size_t size =
+            std::max(indexSize(tables), same == other.sections.end() ? 0 : indexSize(same->second));
+        for (const LanguageTable &table : tables)
+            for (uint16_t index = 0; index < size / entrySize; ++index) {
+                const uint16_t id = stringId(section, index);
+                answers[{table.language.code, id}] = library.text(table.language.code, id);
+            }
+    }
+    return answers;
+}
+
+// The library is the judge of what a file holds.
+void compareAnswers(std::string_view bytes, const ResourceFile &file, const ResourceFile &again,
+                    std::string_view compiled, Diagnostics &diagnostics) {
+    const Answers given = askLibrary(bytes, file, again, diagnostics);
+    Answers made = askLibrary(compiled, again, file, diagnostics);
+    for (const auto &[key, text] : given) {
+        const auto &[language, id] = key;
+        if (made[key] != text)
+            diagnostics.error({}, "string ", Hex{id, 4}, " in ", language, ": the library reads ",
+                              text.size(), " bytes, and other ones, ", made[key].size(),
+                              ", from the source");
+    }
+    if (file.version != again.version || file.rootTag != again.rootTag)
+        diagnostics.error({}, "the source has another version or root");
+}
+
 // Compiles a dumped source and compares; says on standard error what came out.
 bool verify(const std::string &path, const std::string &bytes, const ResourceFile &file,
             const std::string &source) {
@@ -41,20 +83,18 @@ bool verify(const std::string &path, const std::string &bytes, const ResourceFil
         std::cerr << path << ": the source compiles to the same " << bytes.size() << " bytes\n";
         return true;
     }
-    const char *finding =
-        again.file == file ? "the same content in another layout" : "other content";
-    std::cerr << path << ": error: the source compiles to " << finding << ": " << compiled.size()
-              << " bytes, not " << bytes.size() << '\n';
+    Diagnostics differences(path);
+    compareAnswers(bytes, file, again.file, compiled, differences);
+    differences.print(std::cerr);
+    std::cerr << path << ": error: the source compiles to "
+              << (differences.hasErrors() ? "other content" : "the same content in another layout")
+              << ": " << compiled.size() << " bytes, not " << bytes.size() << '\n';
     return false;
 }
 
 int dump(const DumpOptions &options) {
     const std::string path = options.file.string();
-    const std::optional<std::string> bytes = readFile(options.file);
-    if (!bytes) {
-        std::cerr << "uti: cannot read " << path << '\n';
-        return exitUsage;
-    }
+    const std::string bytes = readInput(options.file);
     const auto codePage = CodePage::open(options.codePage);
     if (const auto *fault = std::get_if<std::string>(&codePage)) {
         std::cerr << "uti: " << *fault << '\n';
@@ -62,7 +102,7 @@ int dump(const DumpOptions &options) {
     }
 
     Diagnostics diagnostics(path);
-    const std::optional<ResourceFile> file = readResourceFile(*bytes, diagnostics);
+    const std::optional<ResourceFile> file = readResourceFile(bytes, diagnostics);
     diagnostics.print(std::cerr);
     if (!file)
         return exitErrors;
@@ -73,7 +113,7 @@ int dump(const DumpOptions &options) {
         std::cerr << "uti: cannot write the source\n";
         return exitUsage;
     }
-    return options.verify && !verify(path, *bytes, *file, source) ? exitErrors : exitDone;
+    return options.verify && !verify(path, bytes, *file, source) ? exitErrors : exitDone;
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 #include "tools/files.h"
 
 #include <fstream>
-#include <iostream>
+#include <stdexcept>
 #include <system_error>
 
 #include <unistd.h>
@@ -24,10 +24,14 @@ std::optional<std::string> readFile(const fs::path &path) {
     return bytes;
 }
 
-bool writeFileIfChanged(const fs::path &path, std::string_view bytes) {
-    if (readFile(path) == bytes)
-        return true;
+std::string readInput(const fs::path &path) {
+    std::optional<std::string> bytes = readFile(path);
+    if (!bytes)
+        throw std::runtime_error("cannot read " + path.string());
+    return *std::move(bytes);
+}
 
+void writeFile(const fs::path &path, std::string_view bytes) {
     fs::path fresh = path;
     fresh += ".new" + std::to_string(getpid());
     std::ofstream file(fresh, std::ios::binary | std::ios::trunc);
@@ -38,11 +42,15 @@ bool writeFileIfChanged(const fs::path &path, std::string_view bytes) {
     if (file)
         fs::rename(fresh, path, failure);
     if (file && !failure)
-        return true;
+        return;
     std::error_code ignored;
     fs::remove(fresh, ignored);
-    std::cerr << "uti: cannot write " << path.string() << '\n';
-    return false;
+    throw std::runtime_error("cannot write " + path.string());
+}
+
+void writeFileIfChanged(const fs::path &path, std::string_view bytes) {
+    if (readFile(path) != bytes)
+        writeFile(path, bytes);
 }
 
 } // namespace uti::tool

@@ -1,4 +1,5 @@
 // log.cpp: `uti log`, the reader of binary logs.
+#include "common/utf8.h"
 #include "tools/commands.h"
 #include "tools/log_files.h"
 #include "tools/log_filter.h"
@@ -6,7 +7,6 @@
 #include "tools/log_scanner.h"
 #include "tools/log_wording.h"
 #include "tools/resource_model.h"
-#include "tools/utf8.h"
 
 #include <algorithm>
 #include <chrono>

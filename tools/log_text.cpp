@@ -2,8 +2,8 @@
 #include "tools/log_text.h"
 
 #include "Src/utiTraceText.h"
+#include "common/utf8.h"
 #include "tools/log_record.h"
-#include "tools/utf8.h"
 
 #include <algorithm>
 #include <cstdio>

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "Src/utiTraceArguments.h"
-#include "tools/code_page.h"
+#include "common/code_page.h"
 
 #include <span>
 #include <string>

@@ -12,7 +12,6 @@ namespace uti::tool {
 namespace {
 
 constexpr std::size_t emptyNodeSize = 6;
-constexpr std::size_t entrySize = 4;
 constexpr std::size_t mostEntries = 0x1000;
 
 // How many times larger than the file its strings may be when none is shared. Languages may share
@@ -85,11 +84,12 @@ std::string writeTree(const ResourceFile &file, std::size_t tableOffset) {
     return node(file.rootTag, node(resource::header, header));
 }
 
-// Reads a file once, for `readResourceFile`.
+// Reads a file once, for `readResourceFile`. Whatever is wrong is reported with its offset, and the
+// reading goes on behind it.
 class FileReader {
 public:
     FileReader(std::string_view bytes, Diagnostics &diagnostics)
-        : bytes_(bytes), diagnostics_(diagnostics) {}
+        : bytes_(bytes), diagnostics_(diagnostics), isUsed_(bytes.size()) {}
 
     std::optional<ResourceFile> read();
 
@@ -101,27 +101,28 @@ private:
     };
 
     template <class... Parts>
-    bool fail(const Parts &...parts) {
+    void fail(const Parts &...parts) {
         diagnostics_.error({}, parts...);
-        return false;
     }
 
     template <class Take>
-    bool walkChildren(const ParserNode &parent, Take take);
-    bool isRead(const ParserNode &node, int32_t result);
-    bool skip(const ParserNode &node);
-    bool readRoot(const ParserNode &root);
-    bool readHeader(const ParserNode &header);
-    bool readSection(const ParserNode &section, uint8_t number);
-    bool readBlock(const ParserNode &node, uint8_t section);
-    bool readTables();
-    bool checkLimits();
-    bool readTable(const Block &block, std::size_t end, LanguageTable &table);
+    void walkChildren(const ParserNode &parent, Take take);
+    void readValue(const ParserNode &node, int32_t result);
+    void readRoot(const ParserNode &root);
+    void readHeader(const ParserNode &header);
+    void readSection(const ParserNode &section, uint8_t number);
+    void readBlock(const ParserNode &node, uint8_t section);
+    void readTables();
+    void readTable(const Block &block, std::size_t nextTable, LanguageTable &table);
+    void checkLimits();
+    void reportUnused();
+    void use(std::size_t offset, std::size_t size);
 
     std::string_view bytes_;
     Diagnostics &diagnostics_;
     ResourceFile file_;
     std::vector<Block> blocks_;
+    std::vector<bool> isUsed_; // by bytes: what a node or a string takes
 };
 
 bool fits(const ParserNode &child, const ParserNode &parent) {
@@ -129,73 +130,85 @@ bool fits(const ParserNode &child, const ParserNode &parent) {
            uint64_t{parent.valueOffset} + parent.length;
 }
 
-// `take` consumes a child; it returns false after an error, which ends the walk.
+// Puts the parser behind a node, however much of it was read.
+void pass(const ParserNode &node) {
+    int32_t error;
+    bytesRead = node.valueOffset;
+    Parser_GetParameterInsignificant(&node, &error);
+}
+
 template <class Take>
-bool FileReader::walkChildren(const ParserNode &parent, Take take) {
+void FileReader::walkChildren(const ParserNode &parent, Take take) {
     ParserNode child;
-    while (Parser_GetNextSubNode(&parent, &child) == UTI_OK) {
+    for (; Parser_GetNextSubNode(&parent, &child) == UTI_OK; pass(child)) {
         if (!fits(child, parent))
             return fail("the node ", Hex{child.tag, 4}, " whose value is at offset ",
                         Hex{child.valueOffset}, " is longer than its parent");
-        if (!take(child))
-            return false;
+        take(child);
     }
-    return true;
 }
 
-// False when the value of a node could not be read or passed over.
-bool FileReader::isRead(const ParserNode &node, int32_t result) {
-    return result >= 0 || fail("the value of the node ", Hex{node.tag, 4}, " at offset ",
-                               Hex{node.valueOffset}, " has the wrong type or length");
+void FileReader::readValue(const ParserNode &node, int32_t result) {
+    if (result < 0)
+        fail("the value of the node ", Hex{node.tag, 4}, " at offset ", Hex{node.valueOffset},
+             " has the wrong type or length");
 }
 
-bool FileReader::skip(const ParserNode &node) {
-    int32_t error;
-    Parser_GetParameterInsignificant(&node, &error);
-    return isRead(node, error);
+void FileReader::use(std::size_t offset, std::size_t size) {
+    const auto from = isUsed_.begin() + static_cast<std::ptrdiff_t>(offset);
+    std::fill_n(from, std::min(size, bytes_.size() - offset), true);
 }
 
-bool FileReader::readRoot(const ParserNode &root) {
-    if (uint64_t{root.valueOffset} + root.length > bytes_.size())
-        return fail("the file is cut off, or is no resource file");
+void FileReader::readRoot(const ParserNode &root) {
+    const uint64_t end = uint64_t{root.valueOffset} + root.length;
+    if (end > bytes_.size())
+        fail("the file is cut off, or is no resource file: its root ends at offset ",
+             Hex{static_cast<uint32_t>(end)}, ", the file at ",
+             Hex{static_cast<uint32_t>(bytes_.size())});
     file_.rootTag = root.tag;
+    use(0, emptyNodeSize);
 
     // The parser does not return an empty header. Behind a header string tables may lie in the root
     // that are no nodes; the first thing that cannot be one ends the walk.
     bool found = root.length <= emptyNodeSize;
+    if (found)
+        use(emptyNodeSize, root.length);
     ParserNode child;
-    while (Parser_GetNextSubNode(&root, &child) == UTI_OK && fits(child, root)) {
+    for (; Parser_GetNextSubNode(&root, &child) == UTI_OK && fits(child, root); pass(child)) {
         const bool isHeader = child.tag == resource::header;
-        if (isHeader ? !readHeader(child) : !skip(child))
-            return false;
+        if (isHeader || !found)
+            use(child.valueOffset - emptyNodeSize, emptyNodeSize + child.length);
+        if (isHeader)
+            readHeader(child);
         found = found || isHeader;
     }
-    return found || fail("there is no resource header");
+    if (!found)
+        fail("there is no resource header");
 }
 
-bool FileReader::readHeader(const ParserNode &header) {
-    return walkChildren(header, [&](const ParserNode &child) {
+void FileReader::readHeader(const ParserNode &header) {
+    walkChildren(header, [&](const ParserNode &child) {
         if (child.tag == resource::version) {
             int32_t error;
             file_.version = Parser_GetParameterWord(&child, &error);
-            return isRead(child, error);
+            readValue(child, error);
+        } else if (child.tag >= resource::firstSection &&
+                   child.tag < resource::firstSection + resource::sectionsInFile) {
+            readSection(child, static_cast<uint8_t>(child.tag - resource::firstSection));
         }
-        if (child.tag >= resource::firstSection &&
-            child.tag < resource::firstSection + resource::sectionsInFile)
-            return readSection(child, static_cast<uint8_t>(child.tag - resource::firstSection));
-        return skip(child);
     });
 }
 
-bool FileReader::readSection(const ParserNode &section, uint8_t number) {
-    return walkChildren(section, [&](const ParserNode &child) {
-        return child.tag == resource::languageBlock ? readBlock(child, number) : skip(child);
+void FileReader::readSection(const ParserNode &section, uint8_t number) {
+    walkChildren(section, [&](const ParserNode &child) {
+        if (child.tag == resource::languageBlock)
+            readBlock(child, number);
     });
 }
 
-bool FileReader::readBlock(const ParserNode &node, uint8_t section) {
+void FileReader::readBlock(const ParserNode &node, uint8_t section) {
     Block block{section, {}, 0};
-    const bool walked = walkChildren(node, [&](const ParserNode &child) {
+    walkChildren(node, [&](const ParserNode &child) {
         int32_t result = UTI_OK;
         if (child.tag == resource::languageCode) {
             char code[3];
@@ -206,46 +219,75 @@ bool FileReader::readBlock(const ParserNode &node, uint8_t section) {
             block.language.info = Parser_GetParameterWord(&child, &result);
         } else if (child.tag == resource::tableOffset) {
             block.tableOffset = Parser_GetParameterDword(&child, &result);
-        } else {
-            return skip(child);
         }
-        return isRead(child, result);
+        readValue(child, result);
     });
-    if (!walked)
-        return false;
 
     std::string &code = block.language.code;
     if (code.size() == 3 && code[2] == 0)
         code.pop_back();
-    if (!isLanguageCode(code))
-        return fail("section ", +section,
-                    " has a language code that is not two lower-case letters");
-    blocks_.push_back(std::move(block));
-    return true;
+    if (isLanguageCode(code))
+        blocks_.push_back(std::move(block));
+    else
+        fail("section ", +section, " has at offset ", Hex{node.valueOffset},
+             " a language code that is not two lower-case letters");
 }
 
-bool FileReader::readTable(const Block &block, std::size_t end, LanguageTable &table) {
+// The index has no length of its own: it ends where its first string begins, and where there is
+// none, at the next table or with the file. Empty strings are nowhere.
+void FileReader::readTable(const Block &block, std::size_t nextTable, LanguageTable &table) {
     const std::string_view bytes = bytes_.substr(block.tableOffset);
-    end = std::min(end - block.tableOffset, entrySize * mostEntries);
+    std::size_t end = std::min(bytes.size(), entrySize * mostEntries);
+    std::size_t emptyOffset = 0;
     std::size_t total = 0;
-    for (std::size_t at = 0; at + entrySize <= end && total <= tableLimit; at += entrySize) {
+    std::size_t at = 0;
+    bool hasString = false;
+    for (; at + entrySize <= end && (hasString || at < nextTable); at += entrySize) {
         const std::size_t offset = wordAt(bytes, at);
         const std::size_t length = wordAt(bytes, at + 2);
-        if (offset == 0 && length == 0)
-            continue;
-
         const auto index = static_cast<uint16_t>(at / entrySize);
-        if (offset > bytes.size() || length > bytes.size() - offset)
-            return fail("string ", Hex{stringId(block.section, index), 4}, " in ",
-                        block.language.code, " reaches past the end of the file");
-        table.strings[index] = bytes.substr(offset, length);
-        total += length;
+        const auto failHere = [&](const char *what) {
+            fail("string ", Hex{stringId(block.section, index), 4}, " in ", block.language.code,
+                 ": its index entry at offset ", Hex{static_cast<uint32_t>(block.tableOffset + at)},
+                 what);
+        };
+        if (length == 0 && offset > 0)
+            table.strings[index];
+        emptyOffset = length == 0 ? std::max(emptyOffset, offset) : emptyOffset;
+        if (length == 0)
+            continue;
+        if (offset < at + entrySize) {
+            failHere(" points into the index");
+            continue;
+        }
+
+        hasString = true;
         end = std::min(end, offset);
+        if (offset > bytes.size() || length > bytes.size() - offset) {
+            failHere(" reaches past the end of the file");
+            continue;
+        }
+        table.strings[index] = bytes.substr(offset, length);
+        use(block.tableOffset + offset, length);
+        total += length;
+        if (total > tableLimit)
+            return fail("the strings of section ", +block.section, " in ", block.language.code,
+                        " overlap; apart they would not fit 64 KiB");
     }
-    return true;
+    use(block.tableOffset, at);
+
+    const bool isCut = end == bytes.size() && !hasString &&
+                       (at < end || emptyOffset > end || emptyOffset == 0) && at < nextTable;
+    if (isCut)
+        diagnostics_.warning("cut", {}, "the end of the file cuts the index at offset ",
+                             Hex{block.tableOffset}, ", of section ", +block.section, " in ",
+                             block.language.code);
+    // A language without a table reads the first one's in some sections; this one reads its own.
+    if (table.strings.empty())
+        table.strings[0];
 }
 
-bool FileReader::readTables() {
+void FileReader::readTables() {
     std::set<std::size_t> ends{bytes_.size()};
     for (const Block &block : blocks_)
         ends.insert(block.tableOffset);
@@ -253,37 +295,48 @@ bool FileReader::readTables() {
     std::size_t total = 0;
     for (const Block &block : blocks_) {
         const Language &language = block.language;
-        if (block.tableOffset > 0 && bytes_.size() < uint64_t{block.tableOffset} + entrySize)
-            return fail("the string table of section ", +block.section, " in ", language.code,
-                        " would lie past the end of the file");
         std::vector<LanguageTable> &tables = file_.sections[block.section];
         const auto isSame = [&](const auto &table) { return table.language.code == language.code; };
         if (std::ranges::any_of(tables, isSame)) {
-            diagnostics_.warning({}, "section ", +block.section, " has ", language.code,
+            diagnostics_.warning("twice", {}, "section ", +block.section, " has ", language.code,
                                  " twice; the second is never used and left out");
             continue;
         }
 
         LanguageTable &table = tables.emplace_back(LanguageTable{language, {}});
-        const std::size_t end = *ends.upper_bound(block.tableOffset);
-        if (block.tableOffset > 0 && !readTable(block, end, table))
-            return false;
+        if (block.tableOffset == 0)
+            continue;
+        if (bytes_.size() < uint64_t{block.tableOffset} + entrySize) {
+            fail("the string table of section ", +block.section, " in ", language.code,
+                 " would lie at offset ", Hex{block.tableOffset}, ", past the end of the file");
+            continue;
+        }
+        readTable(block, *ends.upper_bound(block.tableOffset) - block.tableOffset, table);
         total += stringsSize(table.strings);
         if (total > sharingLimit * bytes_.size())
             return fail("the string tables overlap far too often");
     }
-    return checkLimits();
 }
 
-bool FileReader::checkLimits() {
+void FileReader::checkLimits() {
     for (const auto &[section, tables] : file_.sections) {
         for (const auto &[language, strings] : tables) {
             if (firstBeyondLimit(strings, indexSize(tables)))
-                return fail("the strings of section ", +section, " in ", language.code,
-                            " overlap; apart they would not fit 64 KiB");
+                fail("the strings of section ", +section, " in ", language.code,
+                     " overlap; apart they would not fit 64 KiB");
         }
     }
-    return true;
+}
+
+// What nothing names may be of no use, or belong to a string whose entry is damaged.
+void FileReader::reportUnused() {
+    for (auto from = isUsed_.begin();
+         (from = std::find(from, isUsed_.end(), false)) != isUsed_.end();) {
+        const auto to = std::find(from, isUsed_.end(), true);
+        diagnostics_.warning("unused", {}, "no string takes the ", to - from, " bytes at offset ",
+                             Hex{static_cast<uint32_t>(from - isUsed_.begin())});
+        from = to;
+    }
 }
 
 std::optional<ResourceFile> FileReader::read() {
@@ -296,9 +349,12 @@ std::optional<ResourceFile> FileReader::read() {
         fail("this is no resource file");
         return std::nullopt;
     }
-    if (!readRoot(root) || !readTables())
-        return std::nullopt;
-    return std::move(file_);
+    readRoot(root);
+    readTables();
+    if (!diagnostics_.hasErrors())
+        checkLimits();
+    reportUnused();
+    return diagnostics_.hasErrors() ? std::nullopt : std::optional(std::move(file_));
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 // is drawn in Src/utiResource.h. Reading stands on the library's own TLV parser.
 #pragma once
 
-#include "tools/diagnostics.h"
+#include "common/diagnostics.h"
 
 #include <cstdint>
 #include <map>
@@ -17,6 +17,7 @@ inline constexpr uint16_t firstRootTag = 0x8000; // the root is a compound node 
 inline constexpr uint16_t defaultRootTag = 0x8001;
 inline constexpr uint16_t lastStringId = 0x5FFF;
 inline constexpr std::size_t tableLimit = 0x10000;
+inline constexpr std::size_t entrySize = 4; // of a string table's index
 
 constexpr uint16_t stringId(uint8_t section, uint16_t index) {
     return static_cast<uint16_t>(section << 12 | index);
@@ -69,8 +70,8 @@ std::optional<uint16_t> firstBeyondLimit(const Strings &strings, std::size_t ind
 std::string writeResourceFile(const ResourceFile &file);
 
 // The file that the bytes stand for, or nothing and errors. Accepts whatever the library can read:
-// unknown nodes are passed over, tables may lie anywhere and share strings. An index ends where the
-// first string of its table, another table or the file begins or ends.
+// unknown nodes are passed over, tables may lie anywhere and share strings. What might be a string
+// of a damaged file that nothing leads to is warned of.
 std::optional<ResourceFile> readResourceFile(std::string_view bytes, Diagnostics &diagnostics);
 
 } // namespace uti::tool

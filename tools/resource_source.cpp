@@ -27,7 +27,7 @@ enum class EntryKind : uint8_t { string, dialog };
 struct Entry {
     EntryKind kind;
     std::string name;
-    Position position;
+    Place place;
     std::map<std::string, std::string, std::less<>> bytes;
 };
 
@@ -104,7 +104,7 @@ void SourceReader::readModule(const TomlText *module) {
         return;
     }
     source_.module = module->get();
-    source_.modulePosition = begin(*module);
+    source_.modulePlace = begin(*module);
     if (!isModuleName(source_.module))
         diagnostics_.error(begin(*module), "a module's name is 1 to ", longestModuleName,
                            " letters, digits and underscores and begins with no digit");
@@ -115,7 +115,7 @@ void SourceReader::readCodePage(const TomlText *codePage) {
     if (auto *page = std::get_if<CodePage>(&opened))
         codePage_ = std::move(*page);
     else
-        diagnostics_.error(codePage ? begin(*codePage) : Position{1, 1},
+        diagnostics_.error(codePage ? begin(*codePage) : Place{1, 1},
                            std::get<std::string>(opened));
 }
 
@@ -198,8 +198,8 @@ Entry *SourceReader::claim(uint16_t id, EntryKind kind, const toml::key &key,
     const bool areDialogs = kind == EntryKind::dialog && entry.kind == EntryKind::dialog;
     const auto isTaken = [&](const Language &each) { return entry.bytes.contains(each.code); };
     if (!isFree && (!areDialogs || std::ranges::any_of(languages, isTaken))) {
-        diagnostics_.error(begin(*table.get("id")), "id ", Hex{id, 4}, " is taken by ", entry.name,
-                           " in line ", entry.position.line);
+        diagnostics_.error(begin(*table.get("id")), "id ", Hex{id, 4}, " is taken by ", entry.name);
+        diagnostics_.note(entry.place, entry.name, " is here");
         return nullptr;
     }
     source_.names.push_back({name, id, begin(key)});
@@ -227,7 +227,8 @@ void SourceReader::readString(const toml::key &key, const toml::table &table) {
         if (hex)
             entry.bytes[language.code] = bytes;
         else if (!entry.bytes.empty() && !entry.bytes.contains(language.code))
-            diagnostics_.warning(begin(key), key.str(), " has no text in ", language.code);
+            diagnostics_.warning("missing", begin(key), key.str(), " has no text in ",
+                                 language.code);
     }
     if (entry.bytes.empty() && !table.contains("hex"))
         diagnostics_.error(begin(key), key.str(), " has neither a text nor hex");
@@ -336,8 +337,8 @@ void SourceReader::fillSection(uint8_t section) {
 
     for (const auto &[language, strings] : tables) {
         if (const auto index = firstBeyondLimit(strings, indexSize(tables)))
-            diagnostics_.error(strings_[stringId(section, *index)].position,
-                               "the table of section ", +section, " in ", language.code,
+            diagnostics_.error(strings_[stringId(section, *index)].place, "the table of section ",
+                               +section, " in ", language.code,
                                " ends here: it holds 65536 bytes with its index");
     }
     if (!tables.empty())

@@ -2,8 +2,8 @@
 // file it stands for and written from one. Stands on the TOML reader, the code page and the model.
 #pragma once
 
-#include "tools/code_page.h"
-#include "tools/diagnostics.h"
+#include "common/code_page.h"
+#include "common/diagnostics.h"
 #include "tools/resource_model.h"
 
 #include <optional>
@@ -17,7 +17,7 @@ namespace uti::tool {
 struct StringName {
     std::string name;
     uint16_t id;
-    Position position;
+    Place place;
 };
 
 inline constexpr std::size_t longestModuleName = 12;
@@ -30,7 +30,7 @@ bool isNamePart(char c);
 
 struct ResourceSource {
     std::string module;
-    Position modulePosition;
+    Place modulePlace;
     std::vector<StringName> names; // in file order
     ResourceFile file;
 };

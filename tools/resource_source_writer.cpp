@@ -2,9 +2,9 @@
 // [strings], the others as tables of their own behind them, as TOML has it; dialogs come last.
 #include "tools/resource_source.h"
 
+#include "common/utf8.h"
 #include "tools/dialog_source.h"
 #include "tools/source_text.h"
-#include "tools/utf8.h"
 
 #include <algorithm>
 #include <set>
@@ -14,13 +14,6 @@ namespace uti::tool {
 namespace {
 
 constexpr std::size_t longestLine = 100;
-
-std::size_t countCharacters(std::string_view text) {
-    std::size_t count = 0;
-    for (; !text.empty(); ++count)
-        takeCharacter(text);
-    return count;
-}
 
 std::vector<Language> languagesOf(const std::vector<LanguageTable> &tables) {
     std::vector<Language> languages;

@@ -207,13 +207,9 @@ int saveAll(const std::string &module, const std::vector<Shown> &dialogs, const 
 
 int show(const ShowOptions &options) {
     const std::string path = options.file.string();
-    const std::optional<std::string> bytes = readFile(options.file);
-    if (!bytes) {
-        std::cerr << "uti: cannot read " << path << '\n';
-        return exitUsage;
-    }
+    const std::string bytes = readInput(options.file);
     Diagnostics diagnostics(path);
-    const std::optional<ResourceFile> file = readResourceFile(*bytes, diagnostics);
+    const std::optional<ResourceFile> file = readResourceFile(bytes, diagnostics);
     diagnostics.print(std::cerr);
     if (!file)
         return exitErrors;

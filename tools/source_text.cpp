@@ -1,7 +1,7 @@
 // source_text.cpp: texts and hex read from sources and written to them.
 #include "tools/source_text.h"
 
-#include "tools/utf8.h"
+#include "common/utf8.h"
 
 #include <algorithm>
 #include <set>
@@ -46,7 +46,7 @@ std::string encodeText(const TomlText &text, const CodePage *codePage, Diagnosti
             bytes += *byte;
         } else if (lacking.insert(character).second) {
             const std::string_view spelled = before.substr(0, before.size() - rest.size());
-            diagnostics.error(diagnostics.find(spelled, begin(text), end(text)),
+            diagnostics.error(diagnostics.source().find(spelled, begin(text), end(text)),
                               describe(character), " is not in ", codePage->name());
         }
     }
@@ -62,7 +62,7 @@ std::string decodeHex(const TomlText &text, Diagnostics &diagnostics) {
         const int low = at + 1 < digits.size() ? hexDigit(digits[at + 1]) : -1;
         if (high < 0 || low < 0) {
             const std::string_view wrong = std::string_view(digits).substr(at, 2);
-            diagnostics.error(diagnostics.find(wrong, begin(text), end(text)),
+            diagnostics.error(diagnostics.source().find(wrong, begin(text), end(text)),
                               "a byte is two hex digits");
             break;
         }

@@ -2,7 +2,7 @@
 // the TOML reader and the code page.
 #pragma once
 
-#include "tools/code_page.h"
+#include "common/code_page.h"
 #include "tools/toml_reader.h"
 
 #include <optional>

@@ -1,7 +1,7 @@
 // toml_reader.cpp: the typed walk over TOML tables.
 #include "tools/toml_reader.h"
 
-#include "tools/utf8.h"
+#include "common/utf8.h"
 
 #include <algorithm>
 #include <numeric>
@@ -10,9 +10,14 @@ namespace uti::tool {
 
 namespace {
 
-Position position(const toml::source_position &source) {
-    return {source.line, source.column};
+Place placeOf(const toml::source_region &region) {
+    const bool isOneLine = region.begin.line == region.end.line;
+    const bool hasLength = isOneLine && region.end.column > region.begin.column;
+    return {region.begin.line, region.begin.column,
+            hasLength ? region.end.column - region.begin.column : 1};
 }
+
+constexpr std::size_t mostKeyParts = 8;
 
 std::string_view typeName(toml::node_type type) {
     switch (type) {
@@ -45,17 +50,20 @@ std::string_view openingOf(std::string_view rest, char before) {
     return {};
 }
 
-// Reports the first character outside of texts and comments that is not ASCII. None is allowed
-// there, a Cyrillic letter among Latin ones is a likely slip, and toml++ has no defined behaviour
-// for some of them.
+// Reports the first character outside of texts and comments that is not ASCII, or a key of too many
+// parts. No such character is allowed there, a Cyrillic letter among Latin ones is a likely slip,
+// and toml++ has no defined behaviour for some of them; of the parts it makes a table in a table
+// each, which take the stack when they are freed.
 bool hasStrayCharacter(Diagnostics &diagnostics) {
+    constexpr std::string_view endsOfKeys = "\n=[],{}";
+    std::size_t parts = 1;
     std::string_view rest = diagnostics.text();
     if (rest.starts_with(byteOrderMark))
         rest.remove_prefix(byteOrderMark.size());
 
     std::string_view closing; // of the text or comment around; empty outside
     char before = '\n';
-    for (Position at{1, 1}; !rest.empty();) {
+    for (Place at{1, 1}; !rest.empty();) {
         std::size_t count = 1;
         if (closing.empty()) {
             const std::string_view opening = openingOf(rest, before);
@@ -78,11 +86,20 @@ bool hasStrayCharacter(Diagnostics &diagnostics) {
                 diagnostics.error(at, describe(character), " stands outside of a text");
                 return true;
             }
-            at = character == '\n' ? Position{at.line + 1, 1} : Position{at.line, at.column + 1};
+            if (closing.empty() && character == '.' && ++parts > mostKeyParts) {
+                diagnostics.error(at, "a key has at most ", mostKeyParts, " parts");
+                return true;
+            }
+            if (closing.empty() && endsOfKeys.find(before) != endsOfKeys.npos)
+                parts = 1;
+            at = character == '\n' ? Place{at.line + 1, 1} : Place{at.line, at.column + 1};
         }
     }
     return false;
 }
+
+// Longer words are no slips of the hand.
+constexpr std::size_t longestHinted = 64;
 
 // How many characters must be inserted, removed or replaced to turn one word into the other.
 std::size_t distance(std::string_view from, std::string_view to) {
@@ -101,16 +118,16 @@ std::size_t distance(std::string_view from, std::string_view to) {
 
 } // namespace
 
-Position begin(const toml::node &node) {
-    return position(node.source().begin);
+Place begin(const toml::node &node) {
+    return placeOf(node.source());
 }
 
-Position begin(const toml::key &key) {
-    return position(key.source().begin);
+Place begin(const toml::key &key) {
+    return placeOf(key.source());
 }
 
-Position end(const toml::node &node) {
-    return position(node.source().end);
+Place end(const toml::node &node) {
+    return {node.source().end.line, node.source().end.column};
 }
 
 std::optional<toml::table> parseToml(Diagnostics &diagnostics) {
@@ -119,7 +136,7 @@ std::optional<toml::table> parseToml(Diagnostics &diagnostics) {
     toml::parse_result result = toml::parse(std::string_view(diagnostics.text()));
     if (!result) {
         const toml::parse_error &error = result.error();
-        diagnostics.error(position(error.source().begin), error.description());
+        diagnostics.error(placeOf(error.source()), error.description());
         return std::nullopt;
     }
     return std::move(result).table();
@@ -143,6 +160,8 @@ std::string hint(std::string_view wrong, std::span<const std::string_view> known
     std::string_view nearest;
     std::size_t least = std::max<std::size_t>(1, (wrong.size() + 1) / 3) + 1;
     for (const std::string_view word : known) {
+        if (std::max(wrong.size(), word.size()) > longestHinted)
+            continue;
         const std::size_t steps = distance(wrong, word);
         if (steps < least) {
             least = steps;

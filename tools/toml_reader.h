@@ -2,7 +2,7 @@
 // at its place and no key goes unnoticed. Stands on toml++ and the diagnostics.
 #pragma once
 
-#include "tools/diagnostics.h"
+#include "common/diagnostics.h"
 
 // toml++ asserts, and in a release build assumes, what it then checks once more and reports: a key
 // that begins with a wrong character. The assertion must neither stop the program nor be believed.
@@ -22,9 +22,9 @@ namespace uti::tool {
 using TomlText = toml::value<std::string>;
 using TomlInteger = toml::value<int64_t>;
 
-Position begin(const toml::node &node);
-Position begin(const toml::key &key);
-Position end(const toml::node &node);
+Place begin(const toml::node &node);
+Place begin(const toml::key &key);
+Place end(const toml::node &node);
 
 // Parses a text; a mistake in it is reported and gives nothing.
 std::optional<toml::table> parseToml(Diagnostics &diagnostics);

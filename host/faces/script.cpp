@@ -18,10 +18,6 @@ bool isDigit(char character) {
     return character >= '0' && character <= '9';
 }
 
-bool isContinuation(char byte) {
-    return (byte & 0xC0) == 0x80;
-}
-
 // A key by its name, by its digit, or by its code of two digits or more.
 std::optional<uint8_t> keyOf(std::string_view word) {
     for (const Key &key : keys)
@@ -155,31 +151,35 @@ private:
 
 class Parser {
 public:
-    explicit Parser(Script &script) : script_(script) {}
+    Parser(Script &script, Diagnostics &diagnostics) : script_(script), diagnostics_(diagnostics) {}
 
-    void parseLine(std::size_t number, std::string_view text) {
-        number_ = number;
+    void parseLine(uint32_t number, std::string_view text) {
+        place_ = {number, 1};
         text_ = text;
+        counted_ = 0;
         Line line(text);
         if (line.atEnd() || text[line.at()] == '#')
             return;
         parseCommand(line);
         if (!line.mistake() && !line.atEnd())
             line.fail(line.at(), "expected the end of the line");
-        if (!line.mistake())
-            return;
-        script_.isValid = false;
-        script_.report(placeOf(line.mistake()->at), line.mistake()->what);
+        if (const auto &mistake = line.mistake())
+            diagnostics_.error(placeOf(mistake->at), mistake->what);
     }
 
 private:
     using Kind = ScriptCommand::Kind;
 
-    ScriptPlace placeOf(std::size_t at) const {
-        const auto bytes = text_.substr(0, at);
-        const auto characters =
-            std::ranges::count_if(bytes, [](char byte) { return !isContinuation(byte); });
-        return {number_, static_cast<std::size_t>(characters) + 1};
+    // Goes on from the place asked for last; a line is read forward.
+    ScriptPlace placeOf(std::size_t at) {
+        if (at < counted_) {
+            counted_ = 0;
+            place_.column = 1;
+        }
+        place_.column +=
+            static_cast<uint32_t>(countCharacters(text_.substr(counted_, at - counted_)));
+        counted_ = at;
+        return place_;
     }
     ScriptCommand &add(Kind kind, std::size_t at) {
         return script_.commands.emplace_back(ScriptCommand{kind, placeOf(at)});
@@ -293,16 +293,11 @@ private:
     }
 
     Script &script_;
-    std::size_t number_ = 0;
+    Diagnostics &diagnostics_;
     std::string_view text_;
+    ScriptPlace place_; // of the byte `counted_` of the line
+    std::size_t counted_ = 0;
 };
-
-// The line of that number without its end.
-std::string_view lineOf(std::string_view source, std::size_t number) {
-    while (--number > 0)
-        source.remove_prefix(std::min(source.find('\n'), source.size() - 1) + 1);
-    return source.substr(0, source.find('\n'));
-}
 
 } // namespace
 
@@ -315,34 +310,33 @@ std::string keyName(uint8_t key) {
 }
 
 void Script::report(ScriptPlace place, std::string_view what) const {
-    const std::string line(lineOf(source, place.line));
-    std::string before;
-    for (const char byte : line) {
-        if (!isContinuation(byte) && --place.column == 0)
-            break;
-        if (!isContinuation(byte))
-            before += byte == '\t' ? '\t' : ' ';
-    }
-    std::fprintf(stderr, "%s:%zu:%zu: error: %.*s\n%s\n%s^\n", path.c_str(), place.line,
-                 before.size() + 1, static_cast<int>(what.size()), what.data(), line.c_str(),
-                 before.c_str());
+    std::ostringstream out;
+    FindingPrinter(source, out).print({Severity::error, "", place, std::string(what)});
+    std::fputs(out.str().c_str(), stderr); // std::cerr may not be there yet, or no more
 }
 
 ScriptPlace Script::end() const {
-    const std::string_view text(source);
-    const std::string_view body = text.substr(0, text.find_last_not_of('\n') + 1);
-    return {static_cast<std::size_t>(std::ranges::count(body, '\n')) + 1, 1};
+    const std::string_view text(source.text());
+    const auto lines = std::ranges::count(text.substr(0, text.find_last_not_of('\n') + 1), '\n');
+    return {static_cast<uint32_t>(lines) + 1, 1};
 }
 
 Script parseScript(std::string path, std::string source) {
-    Script script{std::move(path), std::move(source), {}};
-    Parser parser(script);
-    std::string_view rest = script.source;
-    for (std::size_t number = 1; !rest.empty(); ++number) {
+    Diagnostics diagnostics(std::move(path), std::move(source));
+    Script script{diagnostics.source()};
+    Parser parser(script, diagnostics);
+    std::string_view rest = diagnostics.text();
+    if (rest.starts_with(byteOrderMark))
+        rest.remove_prefix(byteOrderMark.size());
+    for (uint32_t number = 1; !rest.empty(); ++number) {
         const std::string_view line = rest.substr(0, rest.find('\n'));
         parser.parseLine(number, line);
         rest.remove_prefix(std::min(line.size() + 1, rest.size()));
     }
+    std::ostringstream out;
+    diagnostics.print(out);
+    std::fputs(out.str().c_str(), stderr);
+    script.isValid = !diagnostics.hasErrors();
     return script;
 }
 

@@ -2,6 +2,7 @@
 // language is told in docs/script.md.
 #pragma once
 
+#include "common/diagnostics.h"
 #include "host/toolkit/face.h"
 
 #include <string>
@@ -10,11 +11,7 @@
 
 namespace uti::host {
 
-// Counted from 1, the column in characters.
-struct ScriptPlace {
-    std::size_t line = 1;
-    std::size_t column = 1;
-};
+using ScriptPlace = Place;
 
 struct ScriptCommand {
     enum class Kind : uint8_t {
@@ -41,9 +38,8 @@ struct ScriptCommand {
 };
 
 struct Script {
-    std::string path;
-    std::string source;
-    std::vector<ScriptCommand> commands;
+    SourceText source;
+    std::vector<ScriptCommand> commands{};
     bool isValid = true;
 
     // Says on standard error what is wrong at a place, with the line itself.

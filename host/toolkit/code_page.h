@@ -1,5 +1,5 @@
-// code_page.h: Windows-1251, the terminal's code page, and UTF-8, in which scripts and dumps are
-// written.
+// code_page.h: the terminal's code page, in which the toolkit's texts are, and UTF-8, in which
+// scripts and dumps are written.
 #pragma once
 
 #include <optional>
@@ -8,7 +8,7 @@
 
 namespace uti::host {
 
-// The Unicode character of a byte; the one byte without a character gives U+FFFD.
+// The Unicode character of a byte; a byte without a character gives U+FFFD.
 char32_t toUnicode(char byte);
 
 std::string toUtf8(std::string_view bytes);
