@@ -239,17 +239,21 @@ TEST_F(DialogSource, ReportsEveryMistakeAtItsPlace) {
          "10:1: error: unknown key \"fnt\"; did you mean \"font\"?\n"
          "11:10: error: border must be \"none\", \"line\", \"rounded\", \"sunken\" or 0 to 255\n"
          "16:9: error: \"t\" is not in [styles]; did you mean \"s\"?\n"
-         "17:8: warning: area reaches to 241 x 321; the display has 240 x 320\n"
+         "17:8: warning: area reaches to 241 x 321; the display has 240 x 320 [outside]\n"
          "18:11: error: a color is \"#RRGGBB\", [red, green, blue] or a name of [colors]; did you "
          "mean \"ink\"?\n21:8: error: area must be [left, top, width, height] of 0 to 65535\n"
          "22:10: error: colors needs active and passive, or two colors alone\n"
          "22:29: error: a color is \"#RRGGBB\", [red, green, blue] or a name of [colors]\n"
          "22:43: error: unknown key \"pasive\"; did you mean \"passive\"?\n"
          "23:9: error: button has no key \"colours\"; did you mean \"colors\"?\n"},
+        {start + "text_type = 0\ncaption = { omit = ['font'] }\n",
+         "10:13: error: text_type must be 1 or 2\n"
+         "11:11: warning: the last node, 0x94, is empty; the library does not read it "
+         "[empty-node]\n"},
         {start + eleven, "30:1: error: label 11: a dialog has at most 10 of a kind\n"},
         {start + "[dialogs.A.menu]\nup_key = 49\ntext = " + longText +
              "elements = [{ area = [0, 0, 1, 1] }, { area = [0, 0, 1, 1] }, {}]\n",
-         "11:10: warning: dialogs do not know the key 49\n"
+         "11:10: warning: dialogs do not know the key 49 [key]\n"
          "12:8: error: text takes 129 bytes; it may take 128\n"
          "13:63: error: element 3: a menu has at most 2\n"
          "13:63: error: element needs area = [left, top, width, height]\n"},
@@ -262,7 +266,7 @@ TEST_F(DialogSource, ReportsEveryMistakeAtItsPlace) {
                  "[dialogs.C]\nid = 0x3001\ntype = 0\n",
          "10:20: error: \"de\" is no language of this section\n"
          "14:13: error: a dialog needs a language\n"
-         "16:6: error: id 0x3001 is taken by A in line 7\n"},
+         "16:6: error: id 0x3001 is taken by A\n7:10: note: A is here\n"},
     };
     for (const auto &[source, findings] : rows) {
         SCOPED_TRACE(source.substr(0, 300));
@@ -329,6 +333,18 @@ raw_2 = "A0 00 00"
 
 [[dialogs.DIALOG_3001.node]]
 hex = "94 02 00 01 00"
+)",
+        // Texts of the other type code.
+        R"(
+[dialogs.DIALOG_3001]
+id = 0x3001
+text_type = 2
+type = "message"
+
+[[dialogs.DIALOG_3001.static_text]]
+name = "logo"
+area = [1, 2, 3, 4]
+image = "да.png"
 )",
         // Other values by language, another shape, a language without it.
         R"(

@@ -6,6 +6,7 @@
 #include "tools/source_text.h"
 
 #include <algorithm>
+#include <ranges>
 
 namespace uti::tool {
 
@@ -100,7 +101,7 @@ std::vector<std::string_view> keysOf(const Node &kind) {
     if (hasElements(kind))
         keys.push_back(elementsKey);
     if (kind.tag == dialog::tagDialogParameters) {
-        keys.insert(keys.end(), {"id", "languages", "root_tag", hexNodeKey});
+        keys.insert(keys.end(), {"id", "languages", "root_tag", textTypeKey, hexNodeKey});
         for (const Node &node : dialog::nodes)
             keys.emplace_back(node.name);
     }
@@ -174,6 +175,7 @@ void DialogReader::readStyles(const toml::table &table) {
 
 std::string DialogReader::read(const toml::table &dialog, std::string_view language) {
     language_ = language;
+    textType_ = readTextType(dialog);
     uint16_t rootTag = defaultDialogTag;
     Entries values;
     std::vector<Part> parts;
@@ -183,7 +185,7 @@ std::string DialogReader::read(const toml::table &dialog, std::string_view langu
             rootTag = expectNumber(*entry.node, key, UINT8_MAX, diagnostics_).value_or(rootTag);
         else if (key == hexNodeKey || findNode(key))
             collectParts(entry, parts);
-        else if (key != "id" && key != "languages")
+        else if (key != "id" && key != "languages" && key != textTypeKey)
             values.push_back(entry);
     }
     if (rootTag < firstCompoundTag)
@@ -195,13 +197,33 @@ std::string DialogReader::read(const toml::table &dialog, std::string_view langu
     if (!hasKey(values, "type") && std::ranges::none_of(parts, mayHoldType))
         diagnostics_.error(begin(dialog), "a dialog needs a type: ",
                            describeChoices(*findField(dialog::nodes[0], "type")));
+    const bool hasValues = !values.empty();
     std::string description =
-        values.empty() ? "" : readNode(dialog::nodes[0], dialog, std::move(values));
+        hasValues ? readNode(dialog::nodes[0], dialog, std::move(values)) : "";
+    if (hasValues && parts.empty())
+        warnOfEmptyEnd(dialog, description);
     description += readParts(std::move(parts));
     if (description.size() > UINT16_MAX)
         diagnostics_.error(begin(dialog), "the dialog takes ", description.size(),
                            " bytes; it may take ", UINT16_MAX);
     return nodeBytes(static_cast<uint8_t>(rootTag), description);
+}
+
+char DialogReader::readTextType(const toml::table &dialog) {
+    const toml::node *node = dialog.get(textTypeKey);
+    const auto type = node ? expectNumber(*node, textTypeKey, otherTextType, diagnostics_)
+                           : std::optional<uint16_t>();
+    if (type == 0)
+        diagnostics_.error(begin(*node), textTypeKey, " must be 1 or 2");
+    return static_cast<char>(type.value_or(defaultTextType));
+}
+
+// A node without a value that ends its parent is as good as not there.
+void DialogReader::warnOfEmptyEnd(const toml::node &place, std::string_view children) {
+    const auto nodes = splitNodes(children);
+    if (nodes && !nodes->empty() && nodes->back().value.empty())
+        diagnostics_.warning("empty-node", begin(place), "the last node, ",
+                             Hex{nodes->back().tag, 2}, ", is empty; the library does not read it");
 }
 
 // A kind of control is a table, or an array of them: `caption = { ... }`, `[[dialogs.NAME.edit]]`.
@@ -232,6 +254,8 @@ std::string DialogReader::readParts(std::vector<Part> parts) {
                                ": a dialog has at most ", +DIALOG_CONTROLS, " of a kind");
         bytes += readNode(*kind, *table, entriesInOrder(*table));
     }
+    if (!parts.empty())
+        warnOfEmptyEnd(*parts.back().table, bytes);
     return bytes;
 }
 
@@ -266,6 +290,7 @@ std::string DialogReader::readNode(const Node &kind, const toml::table &table, E
     std::string children;
     for (const TomlEntry &entry : entries)
         children += readKey(kind, entry);
+    warnOfEmptyEnd(table, children);
     if (children.size() > UINT16_MAX)
         diagnostics_.error(begin(table), kind.name, " takes ", children.size(),
                            " bytes; it may take ", UINT16_MAX);
@@ -281,7 +306,8 @@ void DialogReader::appendStyle(const toml::node &name, const Node &kind,
     const toml::node *style = styles_ ? styles_->get(text->get()) : nullptr;
     if (!style) {
         std::vector<std::string_view> names;
-        for (const TomlEntry &entry : styles_ ? entriesInOrder(*styles_) : Entries())
+        for (const TomlEntry &entry :
+             styles_ && !diagnostics_.isCrowded() ? entriesInOrder(*styles_) : Entries())
             names.push_back(entry.key->str());
         diagnostics_.error(begin(name), '"', text->get(), "\" is not in [styles]",
                            hint(text->get(), names));
@@ -349,7 +375,7 @@ std::string DialogReader::readField(const Field &field, const toml::node &value)
     if (field.row.kind == Kind::colors)
         return readColorSet(value);
     if (isText(field.row.kind))
-        return textBytes(field.row, readText(field, value));
+        return textBytes(field.row, readText(field, value), textType_);
     return numberBytes(field.row, readNumber(field, value).value_or(0));
 }
 
@@ -466,8 +492,8 @@ std::optional<Color> DialogReader::readColor(const toml::node &value) {
     }
 
     std::vector<std::string_view> names;
-    for (const auto &[each, color] : colors_)
-        names.push_back(each);
+    if (!diagnostics_.isCrowded())
+        names.assign(std::views::keys(colors_).begin(), std::views::keys(colors_).end());
     diagnostics_.error(begin(value),
                        "a color is \"#RRGGBB\", [red, green, blue] or a name of [colors]",
                        hint(name, names));

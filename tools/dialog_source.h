@@ -60,6 +60,8 @@ private:
     std::optional<ColorPair> readColorPair(const toml::node &value);
     std::optional<Color> readColor(const toml::node &value);
     std::string readElements(const toml::node &value);
+    char readTextType(const toml::table &dialog);
+    void warnOfEmptyEnd(const toml::node &place, std::string_view children);
     std::string readHexNodes(const toml::node &value, std::string_view key);
     const toml::node *inLanguage(std::string_view key, const toml::node &value);
 
@@ -69,6 +71,7 @@ private:
     std::map<std::string, Color, std::less<>> colors_;
     const toml::table *styles_ = nullptr;
     std::string_view language_; // of the present reading
+    char textType_ = defaultTextType;
 };
 
 // A description in one language.

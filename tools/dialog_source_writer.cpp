@@ -129,22 +129,27 @@ void leaveOutDefaults(const Node &kind, Lines &lines) {
 // Writes the nodes of one description, for `writeDialog`.
 class DescriptionWriter {
 public:
-    explicit DescriptionWriter(const CodePage &codePage) : codePage_(codePage) {}
+    DescriptionWriter(const CodePage &codePage, char textType)
+        : codePage_(codePage), textType_(textType) {}
 
     // The tables with every key, or nothing when the bytes are no description.
-    std::optional<Tables> write(std::string_view bytes) const;
+    std::optional<Tables> write(std::string_view bytes);
+
+    int otherTexts() const { return otherTexts_; } // of another type, which stay in hex
 
 private:
-    std::optional<Lines> writeNode(const Node &kind, const NodeView &node) const;
-    std::optional<Line> writeChild(const Node &kind, const NodeView &node) const;
-    std::optional<std::string> writeNumber(const Field &field, const NodeView &node) const;
-    std::optional<std::string> writeText(const Field &field, const NodeView &node) const;
-    std::optional<Line> writeElements(std::span<const NodeView> nodes) const;
+    std::optional<Lines> writeNode(const Node &kind, const NodeView &node);
+    std::optional<Line> writeChild(const Node &kind, const NodeView &node);
+    std::optional<std::string> writeNumber(const Field &field, const NodeView &node);
+    std::optional<std::string> writeText(const Field &field, const NodeView &node);
+    std::optional<Line> writeElements(std::span<const NodeView> nodes);
 
     const CodePage &codePage_;
+    char textType_;
+    int otherTexts_ = 0;
 };
 
-std::optional<Tables> DescriptionWriter::write(std::string_view bytes) const {
+std::optional<Tables> DescriptionWriter::write(std::string_view bytes) {
     const auto roots = splitNodes(bytes);
     if (!roots || roots->size() != 1 || (*roots)[0].tag < firstCompoundTag)
         return std::nullopt;
@@ -165,13 +170,16 @@ std::optional<Tables> DescriptionWriter::write(std::string_view bytes) const {
         else
             tables.push_back({std::string(hexNodeKey), nullptr, {{"hex", quoteHex(node.whole)}}});
     }
+    if (textType_ != defaultTextType)
+        tables[0].lines.insert(tables[0].lines.begin(),
+                               {std::string(textTypeKey), concat(+textType_)});
     if ((*roots)[0].tag != defaultDialogTag)
         tables[0].lines.insert(tables[0].lines.begin(),
                                {"root_tag", concat(Hex{(*roots)[0].tag, 2})});
     return tables;
 }
 
-std::optional<Lines> DescriptionWriter::writeNode(const Node &kind, const NodeView &node) const {
+std::optional<Lines> DescriptionWriter::writeNode(const Node &kind, const NodeView &node) {
     const auto children = splitNodes(node.value);
     if (!children)
         return std::nullopt;
@@ -207,7 +215,7 @@ std::optional<Lines> DescriptionWriter::writeNode(const Node &kind, const NodeVi
     return lines;
 }
 
-std::optional<Line> DescriptionWriter::writeChild(const Node &kind, const NodeView &node) const {
+std::optional<Line> DescriptionWriter::writeChild(const Node &kind, const NodeView &node) {
     const Field *field = findField(kind, node.tag);
     if (!field)
         return std::nullopt;
@@ -219,7 +227,7 @@ std::optional<Line> DescriptionWriter::writeChild(const Node &kind, const NodeVi
 }
 
 std::optional<std::string> DescriptionWriter::writeNumber(const Field &field,
-                                                          const NodeView &node) const {
+                                                          const NodeView &node) {
     const Choices choices = choicesOf(field);
     const std::optional<uint32_t> number = numberIn(field.row, node);
     if (!number || *number > choices.most)
@@ -234,9 +242,9 @@ std::optional<std::string> DescriptionWriter::writeNumber(const Field &field,
     return concat(*number);
 }
 
-std::optional<std::string> DescriptionWriter::writeText(const Field &field,
-                                                        const NodeView &node) const {
-    const std::optional<std::string_view> bytes = textIn(field.row, node);
+std::optional<std::string> DescriptionWriter::writeText(const Field &field, const NodeView &node) {
+    const std::optional<std::string_view> bytes = textIn(field.row, node, textType_);
+    otherTexts_ += bytes ? 0 : 1;
     const auto text = bytes ? readableText(*bytes, codePage_) : std::nullopt;
     if (!text || field.spelling != Spelling::pieces ||
         text->find(pieceSeparator) == std::string::npos)
@@ -251,7 +259,7 @@ std::optional<std::string> DescriptionWriter::writeText(const Field &field,
     return pieces.size() > DIALOG_KEY_SCHEME ? quote(*text) : inBrackets(pieces);
 }
 
-std::optional<Line> DescriptionWriter::writeElements(std::span<const NodeView> nodes) const {
+std::optional<Line> DescriptionWriter::writeElements(std::span<const NodeView> nodes) {
     std::string list = "[\n";
     for (const NodeView &node : nodes) {
         std::optional<Lines> lines = writeNode(dialog::menuElement, node);
@@ -330,7 +338,12 @@ std::optional<std::string> writeDialog(uint16_t id, const std::vector<DialogText
                                        Coverage coverage, const CodePage &codePage) {
     std::vector<Variant> variants;
     for (const auto &[language, bytes] : texts) {
-        const auto tables = DescriptionWriter(codePage).write(bytes);
+        DescriptionWriter usual(codePage, defaultTextType);
+        DescriptionWriter other(codePage, otherTextType);
+        auto tables = usual.write(bytes);
+        auto others = usual.otherTexts() > 0 ? other.write(bytes) : std::nullopt;
+        if (other.otherTexts() < usual.otherTexts())
+            tables = std::move(others);
         if (!tables)
             return std::nullopt;
         const auto same = std::ranges::find_if(variants, [&](const Variant &variant) {

@@ -117,8 +117,6 @@ struct NumberForm {
     unsigned size;
 };
 
-constexpr char textTypeCode = 1;
-
 constexpr NumberForm formOf(Kind kind) {
     switch (kind) {
     case Kind::word:
@@ -202,8 +200,8 @@ std::string numberBytes(const dialog::Row &row, uint32_t value) {
     return nodeBytes(row.tag, form.typeCode + littleEndian(value, form.size));
 }
 
-std::string textBytes(const dialog::Row &row, std::string_view text) {
-    return nodeBytes(row.tag, textTypeCode + std::string(text));
+std::string textBytes(const dialog::Row &row, std::string_view text, char typeCode) {
+    return nodeBytes(row.tag, typeCode + std::string(text));
 }
 
 std::optional<std::vector<NodeView>> splitNodes(std::string_view bytes) {
@@ -228,8 +226,9 @@ std::optional<uint32_t> numberIn(const dialog::Row &row, const NodeView &node) {
     return littleEndian(node.value.substr(1));
 }
 
-std::optional<std::string_view> textIn(const dialog::Row &row, const NodeView &node) {
-    if (node.tag != row.tag || node.value.empty() || node.value[0] != textTypeCode ||
+std::optional<std::string_view> textIn(const dialog::Row &row, const NodeView &node,
+                                       char typeCode) {
+    if (node.tag != row.tag || node.value.empty() || node.value[0] != typeCode ||
         node.value.size() - 1 > row.limit)
         return std::nullopt;
     return node.value.substr(1);

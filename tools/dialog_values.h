@@ -21,6 +21,11 @@ inline constexpr std::string_view pieceSeparator = "\\n";
 inline constexpr std::string_view rawKey = "raw";
 inline constexpr std::string_view hexNodeKey = "node";
 
+// The type code of a dialog's texts; the library reads both alike.
+inline constexpr std::string_view textTypeKey = "text_type";
+inline constexpr char defaultTextType = 1;
+inline constexpr char otherTextType = 2;
+
 // The key of a menu's elements, which stand in it one after the other.
 inline constexpr std::string_view elementsKey = "elements";
 
@@ -64,7 +69,7 @@ const dialog::Node *findNode(uint8_t tag);
 // The bytes of nodes.
 std::string nodeBytes(uint8_t tag, std::string_view value);
 std::string numberBytes(const dialog::Row &row, uint32_t value);
-std::string textBytes(const dialog::Row &row, std::string_view text);
+std::string textBytes(const dialog::Row &row, std::string_view text, char typeCode);
 
 // A node where it lies.
 struct NodeView {
@@ -78,6 +83,6 @@ std::optional<std::vector<NodeView>> splitNodes(std::string_view bytes);
 
 // What a value holds, when it has the form in which the source's own are written.
 std::optional<uint32_t> numberIn(const dialog::Row &row, const NodeView &node);
-std::optional<std::string_view> textIn(const dialog::Row &row, const NodeView &node);
+std::optional<std::string_view> textIn(const dialog::Row &row, const NodeView &node, char typeCode);
 
 } // namespace uti::tool

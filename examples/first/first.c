@@ -13,7 +13,7 @@
 #include <string.h>
 #include <unistd.h>
 
-enum { VERSION = 1, MOST_LANGUAGES = 8 };
+enum { MOST_LANGUAGES = 8 };
 
 /* Prints a text of the terminal's code page in UTF-8. */
 static void printText(const char *text) {
@@ -69,9 +69,9 @@ int main(int argc, char **argv) {
     }
 
     /* The first call that names a module loads its file. Results are 0 or a negative code. */
-    int32_t result = Resource_IsValid(FIRST_MODULE, VERSION);
+    int32_t result = Resource_IsValid(FIRST_MODULE, FIRST_VERSION);
     if (result != UTI_OK) {
-        fprintf(stderr, "first: no first.res of version %d here: %d\n", VERSION, (int)result);
+        fprintf(stderr, "first: no first.res of version %d here: %d\n", FIRST_VERSION, (int)result);
         return 1;
     }
     printf("Is first.res of version 1? %d Of version 2? %d\n", (int)result,
