@@ -248,7 +248,7 @@ TEST_F(DialogSource, ReportsEveryMistakeAtItsPlace) {
          "23:9: error: button has no key \"colours\"; did you mean \"colors\"?\n"},
         {start + "text_type = 0\ncaption = { omit = ['font'] }\n",
          "10:13: error: text_type must be 1 or 2\n"
-         "11:11: warning: the last node, 0x94, is empty; the library does not read it "
+         "11:11: warning: the last node, 0x9F, is empty; the library does not read it "
          "[empty-node]\n"},
         {start + eleven, "30:1: error: label 11: a dialog has at most 10 of a kind\n"},
         {start + "[dialogs.A.menu]\nup_key = 49\ntext = " + longText +

@@ -144,7 +144,9 @@ void addCompileCommand(CLI::App &app, int &result) {
         ->add_option("-o", options->directory,
                      "Folder to write to, made if missing (default: the present one, if no source "
                      "lies in it)")
-        ->check(!CLI::ExistingFile);
+        ->check([](const std::string &path) {
+            return fs::exists(path) && !fs::is_directory(path) ? path + " is no folder" : "";
+        });
     command->add_option("--header", options->header, "C header of the string ids to write");
     command->add_flag("--strict", options->strict, "Treat warnings as errors");
     command->footer("Example:\n  uti compile first.toml -o build --header build/first.h\n");
