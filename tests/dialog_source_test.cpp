@@ -5,6 +5,7 @@
 #include "tools/files.h"
 #include "tools/resource_source.h"
 
+#include <span>
 #include <sstream>
 
 using namespace support;
@@ -276,109 +277,20 @@ TEST_F(DialogSource, ReportsEveryMistakeAtItsPlace) {
 
 // Sources as a dump writes them come back as they are; what no key can tell stands in hex.
 TEST_F(DialogSource, DumpsTheSourceAgain) {
-    const std::string rows[] = {
-        R"(
-[dialogs.DIALOG_3001]
-id = 0x3001
-type = "edit"
-timeout = 4294967295
-
-[[dialogs.DIALOG_3001.label]]
-name = "total"
-area = [8, 40, 224, 24]
-
-[[dialogs.DIALOG_3001.edit]]
-area = [8, 80, 224, 32]
-border = "none"
-hide = "*"
-fill_symbol = 0
-key_scheme = ["abc", "", "я"]
-
-[[dialogs.DIALOG_3001.label]]
-omit = ["font", "read_only"]
-max_length = 3
-area = [8, 120, 224, 24]
-colors = { active = ["#000000", "#FFFFFF"], passive = ["#FFFFFF", "#000000"] }
-input = "digits"
-)",
-        // The parameters not first and twice, another root, unknown nodes, a key twice, a number
-        // too large, a text of the other type code, an area of one corner, one color.
-        R"(
-[dialogs.DIALOG_3001]
-id = 0x3001
-root_tag = 0xFF
-
-[[dialogs.DIALOG_3001.node]]
-hex = "05 02 00 01 41"
-
-[[dialogs.DIALOG_3001.parameters]]
-omit = ["timeout", "transparency"]
-raw = "C8 03 00 07 00 00"
-type = "list"
-raw_2 = "11 02 00 03 01 16 02 00 03 03"
-
-[[dialogs.DIALOG_3001.parameters]]
-
-[[dialogs.DIALOG_3001.menu]]
-omit = ["font", "colors"]
-raw = '''
-68 02 00 02 41 88 0F 00 87 0C 00 04 03 00 04 01 00 05 03 00 04 02 00 9B 12 00 9A 0F 00 01 02 00
-03 01 02 02 00 03 02 03 02 00 03 03
-'''
-elements = [
-    { area = [1, 2, 3, 4], image = "up" },
-    { omit = ["area"], enabled = false, raw = "07 00 00" },
-]
-raw_2 = "A0 00 00"
-
-[[dialogs.DIALOG_3001.node]]
-hex = "94 02 00 01 00"
-)",
-        // Texts of the other type code.
-        R"(
-[dialogs.DIALOG_3001]
-id = 0x3001
-text_type = 2
-type = "message"
-
-[[dialogs.DIALOG_3001.static_text]]
-name = "logo"
-area = [1, 2, 3, 4]
-image = "да.png"
-)",
-        // Other values by language, another shape, a language without it.
-        R"(
-[dialogs.DIALOG_3001]
-id = 0x3001
-type = "confirmation"
-area = [10, 20, 220, 100]
-
-[[dialogs.DIALOG_3001.button]]
-area = { en = [1, 2, 3, 4], ru = [1, 2, 30, 4] }
-image = { en = "yes.png", ru = "да.png" }
-raw = { en = "07 00 00", ru = "08 00 00" }
-
-[dialogs.DIALOG_3002_EN]
-id = 0x3002
-languages = ["en"]
-type = "message"
-
-[dialogs.DIALOG_3002_RU]
-id = 0x3002
-languages = ["ru"]
-type = "signature"
-
-[[dialogs.DIALOG_3002_RU.signature]]
-area = [1, 2, 3, 4]
-
-[dialogs.DIALOG_3003]
-id = 0x3003
-languages = ["ru"]
-type = "message"
-)"};
-    for (const std::string &row : rows) {
-        SCOPED_TRACE(row);
-        EXPECT_EQ(dumped(compiled(head + row)), head + row);
+    std::istringstream file(readInput(UTI_GOLDEN "/dialogs.toml"));
+    std::vector<std::string> sources;
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with("# "))
+            sources.emplace_back();
+        else
+            sources.back() += line + '\n';
+    }
+    ASSERT_EQ(sources.size(), 5u);
+    for (std::string &source : std::span(sources).subspan(1)) {
+        if (&source != &sources.back())
+            source.pop_back(); // the blank line before the next comment
+        SCOPED_TRACE(source);
+        EXPECT_EQ(dumped(compiled(head + source)), head + source);
     }
 }
 
