@@ -1,6 +1,8 @@
 // main.cpp: the uti command, which makes and reads the files of the library. The subcommands are
 // rooms of their own (commands.h).
 #include "tools/commands.h"
+#include "tools/manual.h"
+#include "uti.h"
 
 #include <exception>
 #include <iostream>
@@ -18,6 +20,7 @@ int main(int argc, char **argv) try {
 #ifdef UTI_TOOLKIT
     addShowCommand(app, result);
 #endif
+    addManualCommand(app, result);
 
     try {
         app.parse(argc, argv);
