@@ -35,7 +35,9 @@ check_page
 for page in uti.h.3 uti-formats.5; do
   [ -s "$manual/$page" ] || wrong "no page $page"
   command -v man >/dev/null || continue
-  MANWIDTH=100 LC_ALL=C.UTF-8 man --warnings=w -l "$manual/$page" 2>"$work/warnings" >"$work/$page"
+  MANWIDTH=100 LC_ALL=C.UTF-8 man --warnings=w -l "$manual/$page" 2>"$work/said" >"$work/$page"
+  # A page without end has no place where a table could be broken.
+  grep -v 'will not fit on one page' "$work/said" >"$work/warnings" || true
   [ ! -s "$work/warnings" ] || wrong "$page: $(cat "$work/warnings")"
   # Marks of the source that came through.
   ! grep -n '\*\*\|``\|^ *|\|\](' "$work/$page" || wrong "$page holds marks of its source"
