@@ -22,7 +22,7 @@ files >"$work/before"
 package --install ./*.deb
 
 # The runtime is the library and nothing else; nothing is in two packages.
-for deb in *.deb; do dpkg-deb -c "$deb" | awk '!/^d/ { print $6 }'; done | sort | uniq -d >"$work/twice"
+for deb in ./*.deb; do dpkg-deb -c "$deb" | awk '!/^d/ { print $6 }'; done | sort | uniq -d >"$work/twice"
 [ ! -s "$work/twice" ] || { cat "$work/twice"; echo "in two packages"; exit 1; }
 dpkg-deb -c libuti1_*.deb | awk '!/^d/ { print $6 }' | grep -v '/libuti\.so\.1' &&
   { echo "libuti1 holds more than the library"; exit 1; }

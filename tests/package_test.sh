@@ -48,9 +48,15 @@ tool=${tool:-$work/all/bin/uti}
 
 takes find_package "-DCMAKE_PREFIX_PATH=$work/all" "-DCOMPONENTS=host;tool" \
   "-DTARGETS=uti::uti-host;uti::uti-tool" "-DUTI_TOOL=$tool"
-takes FetchContent "-DTARGETS=uti::uti-host" "-DUTI_TOOL=$tool"
 # The command is built on the way, where it is not a program of another machine.
-[ $# -gt 0 ] || takes add_subdirectory "-DTARGETS=uti::uti-host;uti::uti-tool"
+if [ $# -gt 0 ]; then
+  takes add_subdirectory "-DTARGETS=uti::uti-host;uti::uti-tool" "-DUTI_TOOL=$tool"
+else
+  takes add_subdirectory "-DTARGETS=uti::uti-host;uti::uti-tool"
+fi
+# From here on as the one before.
+configure FetchContent -DWAY=FetchContent "-DTARGETS=uti::uti-host;uti::uti-tool" "-DUTI_TOOL=$tool" ||
+  { cat log; echo "FAILED: FetchContent"; status=1; }
 
 refuses "The component host of uti is not installed in $work/bare" \
   "-DCMAKE_PREFIX_PATH=$work/bare" -DCOMPONENTS=host
