@@ -49,6 +49,7 @@ endif()
 # One tar archive of everything, and a Debian package for each component.
 set(CPACK_GENERATOR TGZ DEB)
 set(CPACK_PACKAGE_NAME uti)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION}) # all four numbers
 set(CPACK_PACKAGE_VENDOR uti)
 set(CPACK_PACKAGE_CONTACT "The uti developers <uti@localhost>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY ${UTI_PC_DESCRIPTION})

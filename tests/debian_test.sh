@@ -21,6 +21,14 @@ package() {
 files >"$work/before"
 package --install ./*.deb
 
+# The packages need one another in the version that they have.
+for deb in ./*.deb; do
+  version=$(dpkg-deb -f "$deb" Version)
+  for needed in $(dpkg-deb -f "$deb" Depends | grep -o 'uti[a-z0-9-]* (= [^)]*' | sed 's/.*= //'); do
+    [ "$needed" = "$version" ] || { echo "$deb is $version and needs $needed"; exit 1; }
+  done
+done
+
 # The runtime is the library and nothing else; nothing is in two packages.
 for deb in ./*.deb; do dpkg-deb -c "$deb" | awk '!/^d/ { print $6 }'; done | sort | uniq -d >"$work/twice"
 [ ! -s "$work/twice" ] || { cat "$work/twice"; echo "in two packages"; exit 1; }
