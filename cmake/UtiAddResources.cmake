@@ -3,9 +3,9 @@
 # Compiles resource sources for TARGET when the project is built. Each SOURCE, such as first.toml,
 # is named after its module (`module = "first"` in it) and makes first.res in the caller's binary
 # folder, CMAKE_CURRENT_BINARY_DIR. FILE, a name such as first.h, becomes the C header of all string
-# ids in the same folder, which TARGET can include. Both are made anew when a source or the uti
-# command changes; files whose content stays the same keep their time, so nothing is compiled for
-# them.
+# ids in the same folder, which TARGET can include; with a name such as first.hpp they are the typed
+# constants of uti.hpp. Both are made anew when a source or the uti command changes; files whose
+# content stays the same keep their time, so nothing is compiled for them.
 #
 # The uti command is the one that UTI_TOOL names; else that of the package or of the build; else, as
 # in a cross build, the one that CMake finds on this PC.

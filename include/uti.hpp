@@ -432,7 +432,7 @@ inline std::string fillPercents(const char *format, const Value *values, std::si
                           appendAs(out, values[next], percent, modifier, *at);
         if (!fits)
             out.append(percent, format);
-        if (*at)
+        if (*at && std::strchr("diuxXocsfFeEgG", *at))
             ++next;
     }
     return out += format;
@@ -967,8 +967,9 @@ struct Item {
     bool isChosen = false; /**< at first */
 
     Item() = default;
-    Item(Text text_, Text detail_ = {}, Text image_ = {}, bool isChosen_ = false)
-        : text(std::move(text_)), detail(std::move(detail_)), image(std::move(image_)),
+    template <class Any, class = std::enable_if_t<std::is_convertible_v<Any, Text>>>
+    Item(Any &&text_, Text detail_ = {}, Text image_ = {}, bool isChosen_ = false)
+        : text(std::forward<Any>(text_)), detail(std::move(detail_)), image(std::move(image_)),
           isChosen(isChosen_) {}
 };
 
@@ -1062,23 +1063,25 @@ private:
     std::vector<LabelValue> values_;
 };
 
-inline Answer<std::size_t, Result> choose(const Dialog &dialog, const Item *items,
-                                          std::size_t count) {
-    if (count > std::numeric_limits<uint16_t>::max())
+/* The form of a list stays on the display until the next dialog and may be drawn again: so the
+   items, whose texts the toolkit does not copy, are kept until the next list. */
+inline Answer<std::size_t, Result> choose(const Dialog &dialog, std::vector<Item> items) {
+    static std::vector<Item> kept;
+    if (items.size() > std::numeric_limits<uint16_t>::max())
         return Result::of(UTI_DIALOG_TOO_MANY);
-    std::vector<ListItem> listed(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        listed[i].word1 = reinterpret_cast<uintptr_t>(items[i].text.get());
-        listed[i].word2 = reinterpret_cast<uintptr_t>(items[i].detail.get());
-        listed[i].flag = items[i].isChosen;
-        listed[i].imageName = items[i].image.get();
-    }
+    std::vector<ListItem> listed;
+    listed.reserve(items.size());
+    for (const Item &item : items)
+        listed.push_back({reinterpret_cast<uintptr_t>(item.text.get()),
+                          reinterpret_cast<uintptr_t>(item.detail.get()), item.isChosen, 0,
+                          item.image.get()});
     const Run run(dialog);
     ListRequest request{};
     request.dialog = run.request();
     request.items = listed.data();
-    request.itemCount = static_cast<uint16_t>(count);
+    request.itemCount = static_cast<uint16_t>(items.size());
     const int32_t result = DialogList_DoModal(&request);
+    kept = std::move(items);
     if (result < 0)
         return Result::of(result);
     return {static_cast<std::size_t>(result), Result{}};
@@ -1150,14 +1153,14 @@ inline Answer<std::string, Result> edit(const Dialog &dialog, const Edit &edit =
  *      choose({.id = SHOP_GOODS}, {{"Tea", "2.10", "tea.png"}, {"Cake", "3.80", "cake.png"}})
  */
 inline Answer<std::size_t, Result> choose(const Dialog &dialog, std::initializer_list<Item> items) {
-    return detail::choose(dialog, items.begin(), items.size());
+    return detail::choose(dialog, std::vector<Item>(items));
 }
 template <class Range>
 Answer<std::size_t, Result> choose(const Dialog &dialog, const Range &range) {
     std::vector<Item> items;
     for (const auto &each : range)
         items.emplace_back(each);
-    return detail::choose(dialog, items.data(), items.size());
+    return detail::choose(dialog, std::move(items));
 }
 
 /** Has a signature drawn and saved to a file (`DialogSignature_DoModal`). Failed with

@@ -1,5 +1,6 @@
 // compile.cpp: `uti compile`, sources into resource files and the header of their string ids.
 #include "tools/commands.h"
+#include "tools/cpp_header.h"
 #include "tools/files.h"
 #include "tools/resource_source.h"
 
@@ -87,9 +88,16 @@ void reportClashes(std::vector<Unit> &units) {
 
 std::string makeHeader(const fs::path &path, const std::vector<Unit> &units) {
     const std::string guard = "UTI_RESOURCES_" + upperCase(path.filename().string());
+    const bool isCpp = path.extension() == ".hpp";
     std::string text = "/* String ids, made by uti compile; do not edit. */\n";
     text += concat("#ifndef ", guard, "\n#define ", guard, '\n');
+    text += isCpp ? "\n#include \"uti.hpp\"\n" : "";
     for (const Unit &unit : units) {
+        if (isCpp) {
+            text += concat("\n/* ", unit.path.filename().string(), " */\n",
+                           writeCppConstants(unit.source, identifier(unit, "")));
+            continue;
+        }
         const ResourceSource &source = unit.source;
         text += concat("\n/* ", unit.path.filename().string(), " */\n#define ",
                        identifier(unit, "MODULE"), " \"", source.module, "\"\n#define ",
@@ -147,7 +155,8 @@ void addCompileCommand(CLI::App &app, int &result) {
         ->check([](const std::string &path) {
             return fs::exists(path) && !fs::is_directory(path) ? path + " is no folder" : "";
         });
-    command->add_option("--header", options->header, "C header of the string ids to write");
+    command->add_option("--header", options->header,
+                        "C header of the string ids to write, for C++ with a name in .hpp");
     command->add_flag("--strict", options->strict, "Treat warnings as errors");
     command->footer("Example:\n  uti compile first.toml -o build --header build/first.h\n");
     command->callback([options, &result] { result = compile(*options); });
