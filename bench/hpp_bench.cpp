@@ -94,11 +94,13 @@ void typedText(State &state) {
     uti::Module module(TYPED_MODULE);
     if (!module)
         return state.SkipWithError("no module");
+    uti::setLanguage("en");
     for (auto _ : state)
         DoNotOptimize(module.text(TYPED_GREETING));
 }
 void plainText(State &state) {
     Resource_Initialize(TYPED_MODULE);
+    Resource_SetLanguage("en");
     for (auto _ : state) {
         std::string copy = Resource_GetString(TYPED_MODULE, TYPED_GREETING);
         Resource_Release(TYPED_MODULE, TYPED_GREETING);

@@ -704,6 +704,17 @@ struct TraceLevel {
     }
 };
 
+/* Copies a text to a field of a structure of C, which keeps its zero. False when it was cut. */
+template <std::size_t size>
+bool copyTo(char (&field)[size], const Text &text) {
+    const char *from = text.get() ? text.get() : "";
+    const std::size_t length = std::strlen(from);
+    const std::size_t count = length < size ? length : size - 1;
+    std::memcpy(field, from, count);
+    field[count] = 0;
+    return count == length;
+}
+
 } // namespace detail
 
 namespace trace {
@@ -716,14 +727,37 @@ inline constexpr detail::TraceLevel<1, TraceExError> error{};
 inline constexpr detail::TraceLevel<2, TraceExSupport> support{};
 inline constexpr detail::TraceLevel<3, TraceExDebug> debug{};
 
+/** Settings of the trace log, as `TraceExSettings` has them. */
+struct Settings {
+    TraceExOutput output = TRACE_OUTPUT_FILE;
+    uint32_t mode = 1;   /**< highest level written, 1 to 3 */
+    Text modules = {};   /**< each followed by a comma; none for all; up to 127 characters */
+    bool isText = false; /**< lines of text, not binary records */
+    Text baseName = {};  /**< of the files, 1 to 30 characters */
+    int32_t maxSize = 65536;
+    const TraceExDevice *device = nullptr; /**< serial port and printer: in place of `baseName` */
+};
+
 /** The trace log, open as long as this lives (`TraceExOpen`, `TraceExClose`). One that could not be
- *  opened closes nothing.
+ *  opened closes nothing. `result`: as `TraceExOpen`; `UTI_TRACE_REFUSED` for too many `modules`.
  *
- *      uti::trace::Log log({.mode = 3, .device = {.baseName = "shop"}, .maxSize = 1 << 20});
+ *      uti::trace::Log log({.mode = 3, .baseName = "shop", .maxSize = 1 << 20});
  */
 class Log {
 public:
-    explicit Log(const TraceExSettings &settings) : result_(TraceExOpen(&settings)) {}
+    explicit Log(const Settings &settings) : result_(UTI_TRACE_REFUSED) {
+        TraceExSettings made{};
+        made.output = settings.output;
+        made.mode = settings.mode;
+        made.text = settings.isText;
+        made.maxSize = settings.maxSize;
+        if (settings.device)
+            made.device = *settings.device;
+        else
+            detail::copyTo(made.device.baseName, settings.baseName);
+        if (detail::copyTo(made.modules, settings.modules))
+            result_ = TraceExOpen(&made);
+    }
     ~Log() {
         if (result_ == UTI_OK)
             TraceExClose();
@@ -761,10 +795,23 @@ int32_t write(Message<id, count, conversions...>, const Arguments &...arguments)
     return write(uint32_t{id}, arguments...);
 }
 
+/** Settings of the monitoring log, as `MonitorExSettings` has them. */
+struct Settings {
+    Text baseName = {}; /**< of the files, 1 to 28 characters */
+    int32_t maxSize = 65536;
+    bool isBuffered = false;
+};
+
 /** The monitoring log, open as long as this lives (`MonitorExOpen`, `MonitorExClose`). */
 class Log {
 public:
-    explicit Log(const MonitorExSettings &settings) : result_(MonitorExOpen(&settings)) {}
+    explicit Log(const Settings &settings) {
+        MonitorExSettings made{};
+        made.mode = settings.isBuffered ? MONITOR_MODE_BUFFERED : MONITOR_MODE_DIRECT;
+        made.maxSize = settings.maxSize;
+        detail::copyTo(made.baseName, settings.baseName);
+        result_ = MonitorExOpen(&made);
+    }
     ~Log() {
         if (result_ == UTI_OK)
             MonitorExClose();

@@ -29,12 +29,11 @@ class Typed : public support::Dialogs {
 protected:
     Typed() { serveStrings(); }
 
-    static void openBinary(uint32_t mode) {
+    void openBinary(uint32_t mode) {
         TraceExClose();
-        TraceExSettings settings{};
-        settings.output = TRACE_OUTPUT_SERIAL;
-        settings.mode = mode;
-        EXPECT_EQ(TraceExOpen(&settings), 0);
+        const TraceExDevice port{};
+        log_.emplace(uti::trace::Settings{TRACE_OUTPUT_SERIAL, mode, {}, false, {}, 0, &port});
+        EXPECT_EQ(log_->result(), 0);
     }
 
     void serveStrings() {
@@ -47,6 +46,9 @@ protected:
         terminal.files["hpp.res"] =
             resourceFile(1, {{0, {{"en", 0, english}, {"ru", 0, russian}}}});
     }
+
+private:
+    std::optional<uti::trace::Log> log_;
 };
 
 TEST_F(Typed, RecordsAreThoseOfCByteForByte) {
@@ -111,11 +113,11 @@ TEST_F(Typed, RecordsAreThoseOfCByteForByte) {
 using TypedLog = support::Terminal;
 
 TEST_F(TypedLog, MonitoringRecordsAreThoseOfC) {
-    const uti::monitor::Log refused({1, "", 65536});
+    const uti::monitor::Log refused({.baseName = std::string(29, 'n')});
     EXPECT_EQ(refused.result(), UTI_MONITOR_REFUSED);
     const auto written = [&](auto write) {
         terminal.files.clear();
-        const uti::monitor::Log log({1, "m", 65536});
+        const uti::monitor::Log log({.baseName = "m", .isBuffered = true});
         EXPECT_TRUE(log);
         EXPECT_EQ(write(), 0);
         MonitorExFlush();
