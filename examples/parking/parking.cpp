@@ -164,7 +164,9 @@ private:
             return true;
         };
         const Result result = uti::confirm(work, {.first = strings_.text(PARKING_CANCEL)});
-        return result == Outcome::broken_off ? Result{} : result;
+        if (result == Outcome::broken_off)
+            return {};
+        return result ? Result::of(UTI_DIALOG_CANCELLED) : result; // Enter presses Cancel, too
     }
 
     Result sign() {
