@@ -28,7 +28,9 @@
  *     temporary or not: what outlives the expression is copied. A text ends at its first zero.
  *  4. Owners (`Module`, `Storage`, `List`, the two `Log`s) release in their destructor what they
  *     hold; they can be moved, not copied.
- *  5. Structures are aggregates. C++20 names their fields, `{.id = SHOP_PIN, .timeout = 5000}`; in
+ *  5. `uti::Storage` and `uti::List` share their names with uti.h: write them with the namespace,
+ *     even behind `using namespace uti`.
+ *  6. Structures are aggregates. C++20 names their fields, `{.id = SHOP_PIN, .timeout = 5000}`; in
  *     C++17 make one and set them.
  */
 #ifndef UTI_HPP
@@ -476,7 +478,8 @@ inline std::string language() {
     return Resource_GetCurrentLanguage();
 }
 
-/** A resource module that is loaded; closes it (`Resource_Close`).
+/** A resource module that is loaded; closes it (`Resource_Close`), whoever else uses it: have one
+ *  such object a module.
  *
  *      uti::Module shop(SHOP_MODULE, 1);
  *      if (!shop)
