@@ -18,6 +18,7 @@ using uti::Outcome;
 using uti::Result;
 
 constexpr int32_t centsAnHour[] = {240, 120, 60}; // of the zones A, B and C
+constexpr int32_t hoursAtMost = 12;
 constexpr int32_t signFrom = 500;
 constexpr uint32_t bankTakes = 3000; // ticks
 
@@ -120,21 +121,25 @@ private:
         return plate.status;
     }
 
-    // A day at most: a digit that would make it more is not taken.
+    // Asks until it is something. A digit that would make it too much is not taken.
     Result enterAmount() {
-        const int32_t most = 24 * ticket_.price();
+        const int32_t most = hoursAtMost * ticket_.price();
         uti::Dialog asked =
             dialog(PARKING_ENTER_AMOUNT, PARKING_AMOUNT, strings_.text(PARKING_AMOUNT_TEXT));
         asked.labels = {{"hint", strings_.format(PARKING_AMOUNT_HINT, most / 100, most % 100)}};
-        const auto amount = uti::edit(
-            asked,
-            {.radix = 2, .filledFromRight = true, .keyPressed = [&](int32_t, std::string &typed) {
-                 const int32_t cents = centsOf(typed);
-                 typed = uti::format("%d.%02d", cents / 100, cents % 100);
-                 return cents > 0 && cents <= most;
-             }});
-        ticket_.cents = centsOf(amount.value_or(""));
-        return amount.status;
+        const uti::Edit amount{
+            .radix = 2, .filledFromRight = true, .keyPressed = [&](int32_t, std::string &typed) {
+                const int32_t cents = centsOf(typed);
+                typed = uti::format("%d.%02d", cents / 100, cents % 100);
+                return cents > 0 && cents <= most;
+            }};
+        Result result;
+        for (ticket_.cents = 0; result && ticket_.cents == 0;) {
+            const auto entered = uti::edit(asked, amount);
+            ticket_.cents = centsOf(entered.value_or(""));
+            result = entered.status;
+        }
+        return result;
     }
 
     Result confirm() {
