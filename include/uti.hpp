@@ -964,7 +964,8 @@ struct DialogId {
 };
 
 /** What every dialog takes. What is left out is as the description says. Callbacks are called while
- *  the dialog runs and never again; one may run another dialog, which has its own. */
+ *  the dialog runs and never again. One may run another dialog, which has its own callbacks and
+ * takes the place of the outer one on the display: the outer one then ends as the inner one did. */
 struct Dialog {
     DialogId id = {};
     Text caption = {};
