@@ -159,8 +159,10 @@ FileRead readOpenFile(int32_t handle, FileText &text) {
     return FileRead::done;
 }
 
-void writePiece(int32_t handle, std::string_view piece) {
-    File_Write(handle, piece.data(), static_cast<uint32_t>(piece.size()));
+// False when less was written.
+bool writePiece(int32_t handle, std::string_view piece) {
+    return File_Write(handle, piece.data(), static_cast<uint32_t>(piece.size())) ==
+           static_cast<int32_t>(piece.size());
 }
 
 } // namespace
@@ -207,12 +209,15 @@ bool IniLines::next(std::string_view &line) {
 }
 
 FileRead iniReadFile(const char *fileName, FileText &text) {
+    if (!iniBringHome(fileName))
+        return FileRead::blocked;
     const int32_t handle = File_Open(fileName, FILE_MODE_READ);
-    if (handle < 0)
-        return FileRead::unreadable;
-    const FileRead result = readOpenFile(handle, text);
-    File_Close(handle);
-    return result;
+    FileRead result = FileRead::unreadable;
+    if (handle >= 0) {
+        result = readOpenFile(handle, text);
+        File_Close(handle);
+    }
+    return result == FileRead::unreadable && !iniMayReplace(fileName) ? FileRead::blocked : result;
 }
 
 IniFileInfo *iniLoadFile(const char *fileName, Unreadable unreadable) {
@@ -223,7 +228,7 @@ IniFileInfo *iniLoadFile(const char *fileName, Unreadable unreadable) {
 
     FileText text;
     const FileRead read = iniReadFile(fileName, text);
-    if (read == FileRead::noMemory)
+    if (read == FileRead::noMemory || read == FileRead::blocked)
         return nullptr;
     if (read == FileRead::unreadable && unreadable == Unreadable::isError)
         return nullptr;
@@ -266,7 +271,7 @@ Stored iniSetValue(IniSection &section, std::string_view name, std::string_view 
 
 void iniWriteFile(const char *fileName) {
     const IniFileInfo *file = iniFiles.find(fileName);
-    if (!file)
+    if (!file || !iniKeepCopy(fileName, *file))
         return;
     if (File_IsValid(fileName) == 1 && File_Delete(fileName) != 0)
         asserts.report();
@@ -276,15 +281,11 @@ void iniWriteFile(const char *fileName) {
         return;
     }
 
-    for (const IniSection &section : file->sections) {
-        writePiece(handle, section.header());
-        for (const IniKey &key : section.keys) {
-            writePiece(handle, key.assignment());
-            writePiece(handle, key.line());
-        }
-        writePiece(handle, lineEnd);
-    }
-    File_Close(handle);
+    bool isWritten = true;
+    iniForEachPiece(
+        *file, [&](std::string_view piece) { isWritten = writePiece(handle, piece) && isWritten; });
+    isWritten = File_Close(handle) == 0 && isWritten;
+    iniDropCopy(fileName, isWritten);
 }
 
 } // namespace uti

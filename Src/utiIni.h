@@ -254,7 +254,9 @@ struct FileText {
 };
 
 // Unreadable: missing, empty or cut short.
-enum class FileRead { done, unreadable, noMemory };
+// Blocked: it has settings that could not be read, or its copy could not be brought home; only
+// while files are written safely.
+enum class FileRead { done, unreadable, noMemory, blocked };
 
 // Reads a whole file from disk.
 FileRead iniReadFile(const char *fileName, FileText &text);
@@ -275,5 +277,34 @@ Stored iniSetValue(IniSection &section, std::string_view name, std::string_view 
 
 // Rewrites a file from its record. Nothing happens when it has none.
 void iniWriteFile(const char *fileName);
+
+// Hands what a file is to hold to `write`, piece by piece.
+template <class Write>
+void iniForEachPiece(const IniFileInfo &file, Write write) {
+    for (const IniSection &section : file.sections) {
+        write(section.header());
+        for (const IniKey &key : section.keys) {
+            write(key.assignment());
+            write(key.line());
+        }
+        write("\r\n");
+    }
+}
+
+// --- safe writing (utiIniSafeWrite.cpp); without it these do nothing and answer true
+
+// Brings a copy that the loss of power has left home, or drops one that is not complete. False,
+// reported, when that fails, and the file may then be anything.
+bool iniBringHome(const char *fileName);
+
+// Whether a file that could not be read may be started afresh: not when it has content.
+bool iniMayReplace(const char *fileName);
+
+// Before a file is rewritten: keeps a copy of what it is to hold. False, reported, when there could
+// be none, and the file must then stay as it is.
+bool iniKeepCopy(const char *fileName, const IniFileInfo &file);
+
+// After it: the copy goes when all of the file was written.
+void iniDropCopy(const char *fileName, bool isWritten);
 
 } // namespace uti

@@ -1681,6 +1681,27 @@ UTI_API int32_t Text_LayoutLine(char line[TEXT_LINE], const char *text, int32_t 
 UTI_API void Text_DrawString(const char *text, int32_t length, int32_t justify, int32_t row,
                              int32_t left, int32_t right, int32_t maxColumn, int32_t maxRow);
 
+/* ============================================================================ extensions ====
+ *
+ * Operations of our own beside those that every terminal's library has. All of them are off until
+ * they are asked for, and without them nothing here changes what the others do. A program that uses
+ * one runs only with this library.
+ */
+
+/** Switches safe writing of INI files on (nonzero) or off. A file is otherwise rewritten in place,
+ *  and power that goes while this happens loses settings. Switched on, what the file is to hold
+ *  goes to a copy first, its name with a "~" behind it, ended by a mark with its length and a
+ *  checksum; then the file is rewritten and the copy deleted. The next use of the file takes a copy
+ *  that is complete and drops one that is not, so that each change is there wholly or not at all.
+ *
+ *  Switch it on before the first use of a file, in every program that uses the file, and leave it
+ *  on: a copy is looked for only then. The medium must hold what was written once a file is closed.
+ *
+ *  A change of which no copy can be written, and one behind a copy that cannot be brought home, is
+ *  reported and stays in the cache alone; a file whose copy cannot be brought home, or
+ *  that has content and cannot be read, is not loaded and not replaced (UTI_INI_FAILED). Returns 0. */
+UTI_API int32_t Ini_SetSafeWrite(int32_t on);
+
 #ifdef __cplusplus
 }
 #endif

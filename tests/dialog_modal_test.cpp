@@ -844,7 +844,7 @@ TEST_F(Modal, NothingIsLostWhenAnythingFails) {
         if (!each.keepsFunctions)
             expectNothingInstalled();
         EXPECT_EQ(each.show(), 0) << "the next dialog";
-        clear();
+        forgetDialogs();
         EXPECT_EQ(fake::liveBlocks() - std::exchange(blocks, fake::liveBlocks()), 0);
         return struck && !HasFailure();
     };

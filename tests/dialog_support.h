@@ -2,8 +2,6 @@
 // descriptions served from a resource module.
 #pragma once
 
-#include "Src/utiDialogsForm.h"
-#include "Src/utiDialogsRecords.h"
 #include "tests/fakes/toolkit.h"
 #include "tests/support.h"
 
@@ -24,7 +22,7 @@ protected:
     Dialogs() {
         openLog();
         TraceExAssert("", 0); // the log keeps a table from its first record on
-        clear();
+        forgetDialogs();
         terminal.serial.clear();
         blocks_ = fake::liveBlocks();
         request.resourceId = 1;
@@ -32,31 +30,9 @@ protected:
     }
     ~Dialogs() override {
         fake::disarm();
-        clear();
+        forgetDialogs();
         EXPECT_EQ(toolkit.mistakes, "");
         EXPECT_EQ(fake::liveBlocks(), blocks_);
-    }
-
-    // Everything that a dialog may leave behind in the library.
-    static void clear() {
-        TraceExClose();
-        forgetResources();
-        uti::currentForm = -1;
-        uti::Dialogs_ResetControls();
-        uti::freeLastTexts();
-        for (int slot = 6; slot < FONT_SLOTS; ++slot) {
-            std::free(const_cast<char *>(fontTable[slot]));
-            fontTable[slot] = nullptr;
-        }
-        currentDialogType = currentDialogTimeout = currentDialogPositionType = 0;
-        currentDialogAreaRectangle = {};
-        UserDialogResult = EndDialog = 0;
-        dialogDeactivate = 0;
-        NeedToBreakFunction = nullptr;
-        RefreshDialogFunction = nullptr;
-        KeyPostProcessingFunction = nullptr;
-        currentKeyPressedCallback = nullptr;
-        refLabelData = nullptr;
     }
 
     // Makes a description string 1 of the module m.
@@ -70,7 +46,7 @@ protected:
     void renew(const std::string &description) {
         EXPECT_EQ(toolkit.mistakes, "");
         fake::reset();
-        clear();
+        forgetDialogs();
         serve(description);
     }
 

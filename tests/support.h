@@ -2,6 +2,7 @@
 #pragma once
 
 #include "tests/fakes/terminal.h"
+#include "tests/state.h"
 #include "tests/streams.h"
 #include "uti.h"
 
@@ -59,21 +60,6 @@ std::pair<int, int> forEachLoss(Scenario run) {
     return {ofFiles, fake::forEachFault(fake::heapCalls, run, check)};
 }
 
-// Bytes in a heap block of exactly their size, so that the sanitizer sees any step past the end.
-class ExactBlock {
-public:
-    explicit ExactBlock(std::string_view bytes)
-        : bytes_(new char[bytes.size()]), size_(static_cast<uint32_t>(bytes.size())) {
-        std::memcpy(bytes_.get(), bytes.data(), bytes.size());
-    }
-    char *data() const { return bytes_.get(); }
-    uint32_t size() const { return size_; }
-
-private:
-    std::unique_ptr<char[]> bytes_;
-    uint32_t size_;
-};
-
 // Calls `feed` with every truncation of `bytes`, the whole included, each in its own exact block.
 template <class Feed>
 void forEachTruncation(std::string_view bytes, Feed feed) {
@@ -82,20 +68,6 @@ void forEachTruncation(std::string_view bytes, Feed feed) {
         const ExactBlock block(std::string_view(bytes.data(), size));
         feed(block);
     }
-}
-
-// Forgets every module, stored string and language, as if the library had just been loaded.
-inline void forgetResources() {
-    while (ModuleList && !ModuleList->IsEmpty(ModuleList)) {
-        CheckExternalResources = 0;
-        Resource_Close(static_cast<ResourceModule *>(ModuleList->First(ModuleList))->name);
-    }
-    List_Destroy(ModuleList);
-    List_Destroy(ResourceStorageList);
-    ModuleList = nullptr;
-    ResourceStorageList = nullptr;
-    CheckExternalResources = 0;
-    std::memset(CurrentLanguage, 0, sizeof CurrentLanguage);
 }
 
 // A fresh terminal for every test, the log closed and nothing left behind at its end.

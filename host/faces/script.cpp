@@ -305,8 +305,10 @@ std::string keyName(uint8_t key) {
     for (const Key &each : keys)
         if (each.name && each.toolkit == key)
             return each.name;
-    return isDigit(static_cast<char>(key)) ? std::string(1, static_cast<char>(key))
-                                           : std::to_string(key);
+    if (isDigit(static_cast<char>(key)))
+        return std::string(1, static_cast<char>(key));
+    // Of one digit it would be the key with that digit.
+    return (key < 10 ? "0" : "") + std::to_string(key);
 }
 
 void Script::report(ScriptPlace place, std::string_view what) const {

@@ -38,6 +38,11 @@ OpenFile *find(int32_t handle) {
     return found == state().open.end() ? nullptr : &found->second;
 }
 
+void changeDisk() {
+    if (terminal().onDisk)
+        terminal().onDisk();
+}
+
 void note(const std::string &call) {
     std::string &calls = terminal().calls;
     calls += (calls.empty() ? "" : "; ") + call;
@@ -96,6 +101,7 @@ int32_t File_Open(const char *path, int32_t mode) {
     if (mode == FILE_MODE_CREATE)
         files[path].clear();
     files[path];
+    changeDisk();
     const int32_t handle = state().open.empty() ? 10 : state().open.rbegin()->first + 1;
     state().open[handle] = {path, 0};
     ++terminal().openFiles;
@@ -129,10 +135,15 @@ int32_t File_Write(int32_t handle, const void *buffer, uint32_t count) {
     if (!file)
         return -1;
     const uint32_t done = fails(Call::write) ? count / 2 : count;
+    // Byte by byte only where somebody looks on.
     std::string &bytes = terminal().files[file->path];
-    bytes.resize(std::max(bytes.size(), file->position + done));
-    std::memcpy(bytes.data() + file->position, buffer, done);
-    file->position += done;
+    const uint32_t step = terminal().onDisk ? 1 : std::max(done, 1u);
+    for (uint32_t at = 0; at < done; at += step) {
+        bytes.resize(std::max(bytes.size(), file->position + step));
+        std::memcpy(bytes.data() + file->position, static_cast<const char *>(buffer) + at, step);
+        file->position += step;
+        changeDisk();
+    }
     return static_cast<int32_t>(done);
 }
 
@@ -166,7 +177,9 @@ int32_t File_IsValid(const char *path) {
 
 int32_t File_Delete(const char *path) {
     note("delete " + std::string(path));
-    return !fails(Call::remove) && terminal().files.erase(path) ? 0 : -1;
+    const bool isGone = !fails(Call::remove) && terminal().files.erase(path);
+    changeDisk();
+    return isGone ? 0 : -1;
 }
 
 int32_t ComPort_Open(const void *parameters) {

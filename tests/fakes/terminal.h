@@ -54,6 +54,8 @@ struct Terminal {
     Stamp now{{2026, 11, 16, {}}, {11, 49, 35}};
     uint32_t ticks = 0;
     std::function<void()> onWait; // called at every `WaitSleep`
+    // Called whenever `files` has changed: by a deletion, a truncation, each byte of a write.
+    std::function<void()> onDisk;
 
     std::string serial;               // bytes sent to serial ports
     ComPortParameters port{};         // of the last ComPort_Open

@@ -1,0 +1,104 @@
+// Dialogs on the desktop's own toolkit, with a person who presses keys and uses the pen: what is
+// drawn piece by piece is at every moment what drawing the whole display gives.
+#include "fuzz/dialogs.h"
+#include "fuzz/quiet.h"
+
+#include "host/terminal/clock.h"
+#include "host/toolkit/display.h"
+#include "host/toolkit/dump.h"
+
+#include <unistd.h>
+
+using namespace fuzz;
+using namespace uti::host;
+
+namespace {
+
+constexpr uint8_t keys[] = {IG_KEY_ENTER, IG_KEY_ESCAPE, IG_KEY_UP, IG_KEY_DOWN,
+                            '0',          '1',           '2',       '9'};
+
+void compareWithWhole() {
+    display().redraw();
+    const Surface pieces = display().surface();
+    display().drawAll(pieces.area());
+    const std::size_t pixels = static_cast<std::size_t>(pieces.size().width * pieces.size().height);
+    REQUIRE(std::memcmp(pieces.row(0), display().surface().row(0), pixels * sizeof(Color)) == 0);
+    REQUIRE(!shows(display(), "no widget says this"));
+}
+
+// Does what the input says until it is over, then waits.
+class Person final : public Face {
+public:
+    explicit Person(Input &in) : in_(in) {}
+    void show(const Surface &surface, const Rect &changed) override {
+        REQUIRE(surface.area().covers(changed));
+    }
+    std::optional<Event> next(uint32_t milliseconds) override {
+        if (in_.isOver()) {
+            pass(milliseconds);
+            return std::nullopt;
+        }
+        if (in_.oneIn(8))
+            compareWithWhole();
+        const uint32_t choice = in_.below(10);
+        if (choice < 4)
+            return Event{.kind = Event::Kind::key,
+                         .key = in_.oneIn(4) ? in_.byte() : in_.pick(keys)};
+        if (choice < 6)
+            return Event{.kind = Event::Kind::character,
+                         .character = static_cast<char>(in_.byte())};
+        if (choice < 9) {
+            const int x = static_cast<int>(in_.below(250)), y = static_cast<int>(in_.below(330));
+            const Event::Kind kinds[] = {Event::Kind::penDown, Event::Kind::penMove,
+                                         Event::Kind::penUp};
+            return Event{.kind = kinds[choice - 6], .at = {x, y}};
+        }
+        pass(in_.below(1200));
+        return std::nullopt;
+    }
+
+private:
+    Input &in_;
+};
+
+// Once the input is over, nobody is there.
+class Nobody final : public Face {
+public:
+    void show(const Surface &, const Rect &) override {}
+    std::optional<Event> next(uint32_t milliseconds) override {
+        pass(milliseconds);
+        return std::nullopt;
+    }
+};
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size) {
+    silence();
+    setenv("default_lang", "en", 1);
+    setenv("UTI_IMAGES", UTI_FUZZ_IMAGES, 1);
+    if (!isVirtualClock())
+        useVirtualClock();
+    Input in(data, size);
+    const uint32_t type = in.below(5);
+    const std::string description = describeDialog(in, type);
+    REQUIRE(Resource_GetString("m", 1) == ResourceEmptyStr); // which sets the language
+    resource_StoreString("m", 1, description.data(), static_cast<uint32_t>(description.size()));
+    {
+        const std::string rest = in.takeRest();
+        Input events(reinterpret_cast<const uint8_t *>(rest.data()), rest.size());
+        const std::string request = events.bytes(100);
+        Input choices(reinterpret_cast<const uint8_t *>(request.data()), request.size());
+        display().useFace(std::make_unique<Person>(events));
+        showDialog(choices, type);
+        Wait(200);
+        compareWithWhole();
+        display().useFace(std::make_unique<Nobody>());
+    }
+    if (uti::currentForm > 0)
+        igUI_Del(Display_GetHandle(), uti::currentForm);
+    support::forgetDialogs();
+    Wait(0);
+    compareWithWhole();
+    return 0;
+}

@@ -1,0 +1,84 @@
+// Key scripts: any text is read or refused at a place that it has; what is read can be played, and
+// its events, written down by the recorder, are read as the same again.
+#include "fuzz/quiet.h"
+
+#include "host/faces/recorder.h"
+#include "host/faces/script_face.h"
+#include "host/terminal/clock.h"
+#include "terminal.h"
+
+#include <algorithm>
+#include <vector>
+
+using namespace fuzz;
+using namespace uti::host;
+
+namespace {
+
+std::vector<Event> eventsOf(const Script &script) {
+    std::vector<Event> events;
+    for (const ScriptCommand &command : script.commands)
+        if (command.kind == ScriptCommand::Kind::event)
+            events.push_back(command.event);
+    return events;
+}
+
+int32_t goOn(uint8_t *) {
+    return 0;
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size) {
+    silence();
+    if (!isVirtualClock())
+        useVirtualClock();
+    const std::string source(reinterpret_cast<const char *>(data), size);
+    const Script script = parseScript("fuzz", source);
+    const auto lines = static_cast<std::size_t>(std::count(source.begin(), source.end(), '\n')) + 1;
+    std::size_t last = 1;
+    bool savesFiles = false;
+    for (const ScriptCommand &command : script.commands) {
+        REQUIRE(command.place.line >= last && command.place.line <= lines);
+        REQUIRE(command.place.column >= 1 && command.place.column <= source.size() + 1);
+        last = command.place.line;
+        script.report(command.place, "somewhere");
+        savesFiles = savesFiles || command.kind == ScriptCommand::Kind::shot ||
+                     command.kind == ScriptCommand::Kind::dump;
+    }
+    if (!script.isValid)
+        return 0;
+
+    const MemoryFile file;
+    const std::vector<Event> events = eventsOf(script);
+    {
+        Recorder recorder(file.path(), 0);
+        uint32_t ticks = 0;
+        for (const Event &event : events)
+            recorder.add(event, ticks += 7);
+        recorder.end(ticks);
+    }
+    const Script again = parseScript("recorded", file.read());
+    REQUIRE(again.isValid);
+    const std::vector<Event> recorded = eventsOf(again);
+    REQUIRE(std::equal(events.begin(), events.end(), recorded.begin(), recorded.end(),
+                       [](const Event &a, const Event &b) {
+                           return a.kind == b.kind && a.key == b.key &&
+                                  a.character == b.character && a.at.x == b.at.x &&
+                                  a.at.y == b.at.y;
+                       }));
+
+    if (savesFiles)
+        return 0;
+    static bool failed; // which the face of the run before may still write to
+    const int32_t screen = Display_GetHandle(), form = igForm_Create("Form", 0);
+    igForm_Add(form, igInput_Create(8, 30, 222, 28, 20, IG_INPUT_CURSOR));
+    igForm_SetTimeOut(form, 2000);
+    display().useFace(std::make_unique<ScriptFace>(display(), script, "/dev/null", failed));
+    igUI_Add(screen, form);
+    igUI_ShowExt(screen, form, goOn);
+    while (igForm_GetState(form) == IG_STATE_RUNNING)
+        WaitSleep(100);
+    igUI_Del(screen, form);
+    return 0;
+}
