@@ -7,6 +7,7 @@
 #include <sstream>
 
 using namespace fuzz;
+using namespace uti;
 using namespace uti::tool;
 
 namespace {

@@ -7,6 +7,7 @@
 #include <sstream>
 
 using namespace fuzz;
+using namespace uti;
 using namespace uti::tool;
 
 int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size) {

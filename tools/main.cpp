@@ -20,7 +20,7 @@ int main(int argc, char **argv) try {
 #ifdef UTI_TOOLKIT
     addShowCommand(app, result);
 #endif
-    addManualCommand(app, result);
+    addManualCommand(app);
 
     try {
         app.parse(argc, argv);

@@ -4,7 +4,6 @@
 
 #include "tools/files.h"
 
-#include <iostream>
 #include <memory>
 
 namespace uti::tool {
@@ -54,39 +53,28 @@ std::string footer(const std::string &text) {
     return page;
 }
 
-void addPages(const CLI::App &command, const std::filesystem::path &directory, bool &written) {
-    written = writeFileIfChanged(directory / (manualName(command) + ".1"), commandPage(command)) &&
-              written;
+void addPages(const CLI::App &command, const std::filesystem::path &directory) {
+    writeFileIfChanged(directory / (manualName(command) + ".1"), commandPage(command));
     for (const CLI::App *below : toldCommands(command))
-        addPages(*below, directory, written);
+        addPages(*below, directory);
 }
 
 // A document that is made of a file, where it is asked for.
-bool addDocument(const std::filesystem::path &source, const std::filesystem::path &page,
+void addDocument(const std::filesystem::path &source, const std::filesystem::path &page,
                  std::string (*make)(std::string_view)) {
-    if (source.empty())
-        return true;
-    const std::optional<std::string> text = readFile(source);
-    if (!text) {
-        std::cerr << "uti: " << source.string() << " cannot be read\n";
-        return false;
-    }
-    return writeFileIfChanged(page, make(*text));
+    if (!source.empty())
+        writeFileIfChanged(page, make(readInput(source)));
 }
 
-int writeManual(const CLI::App &app, const ManualOptions &options) {
-    bool written = true;
+void writeManual(const CLI::App &app, const ManualOptions &options) {
     std::filesystem::create_directories(options.directory);
-    addPages(app, options.directory, written);
-    written = addDocument(options.header, options.directory / "uti.h.3", headerPage) && written;
-    written = addDocument(options.formats, options.directory / "uti-formats.5",
-                          [](std::string_view text) {
-                              return markdownPage("uti-formats", "stored formats of uti", text);
-                          }) &&
-              written;
-    written = writeFileIfChanged(options.directory / "uti.bash", bashCompletion(app)) && written;
-    written = writeFileIfChanged(options.directory / "_uti", zshCompletion(app)) && written;
-    return written ? exitDone : exitUsage;
+    addPages(app, options.directory);
+    addDocument(options.header, options.directory / "uti.h.3", headerPage);
+    addDocument(options.formats, options.directory / "uti-formats.5", [](std::string_view text) {
+        return markdownPage("uti-formats", "stored formats of uti", text);
+    });
+    writeFileIfChanged(options.directory / "uti.bash", bashCompletion(app));
+    writeFileIfChanged(options.directory / "_uti", zshCompletion(app));
 }
 
 } // namespace
@@ -158,14 +146,14 @@ std::string commandPage(const CLI::App &command) {
     return page + ".BR uti.h (3),\n.BR uti\\-formats (5)\n";
 }
 
-void addManualCommand(CLI::App &app, int &result) {
+void addManualCommand(CLI::App &app) {
     CLI::App *command = app.add_subcommand("manual", "Writes manual pages and completions");
     command->group("");
     const auto options = std::make_shared<ManualOptions>();
     command->add_option("DIR", options->directory, "Folder to write to")->required();
     command->add_option("--header", options->header, "The public header, for its page");
     command->add_option("--formats", options->formats, "The formats' document, for its page");
-    command->callback([&app, &result, options] { result = writeManual(app, *options); });
+    command->callback([&app, options] { writeManual(app, *options); });
 }
 
 } // namespace uti::tool

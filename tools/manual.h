@@ -9,7 +9,7 @@
 
 namespace uti::tool {
 
-void addManualCommand(CLI::App &app, int &result);
+void addManualCommand(CLI::App &app);
 
 // Texts of troff, of which a manual page is made.
 std::string roffTitle(std::string_view name, std::string_view section);
