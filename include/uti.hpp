@@ -964,8 +964,8 @@ struct DialogId {
 };
 
 /** What every dialog takes. What is left out is as the description says. Callbacks are called while
- *  the dialog runs and never again. One may run another dialog, which has its own callbacks and
- * takes the place of the outer one on the display: the outer one then ends as the inner one did. */
+ *  the dialog runs and never again. A dialog that one of them runs has its own callbacks and takes
+ *  the place of this one, which is then cancelled. */
 struct Dialog {
     DialogId id = {};
     Text caption = {};
@@ -1027,30 +1027,15 @@ struct Item {
 namespace detail {
 
 /* The innermost running dialog: what its C callbacks, which have no word of the caller's, find
-   their callables by. It lives on the stack of the call; what an inner dialog cleared of the outer
-   one's callbacks is put back. */
+   their callables by. It lives on the stack of the call. */
 class Run {
 public:
-    Run(const Dialog &dialog, const Callback<bool(int32_t, std::string &)> *keyPressed = nullptr)
-        : dialog_(dialog), keyPressed_(keyPressed), outer_(std::exchange(innermost, this)),
-          breakBefore_(NeedToBreakFunction), refreshBefore_(RefreshDialogFunction),
-          keyBefore_(KeyPostProcessingFunction), keyPressedBefore_(currentKeyPressedCallback) {
+    explicit Run(const Dialog &dialog,
+                 const Callback<bool(int32_t, std::string &)> *keyPressed = nullptr)
+        : dialog_(dialog), keyPressed_(keyPressed), outer_(std::exchange(innermost, this)) {
         fillLabels(dialog.labels);
-        if (outer_) {
-            NeedToBreakFunction = nullptr;
-            RefreshDialogFunction = nullptr;
-            KeyPostProcessingFunction = nullptr;
-        }
     }
-    ~Run() {
-        innermost = outer_;
-        if (outer_) {
-            NeedToBreakFunction = breakBefore_;
-            RefreshDialogFunction = refreshBefore_;
-            KeyPostProcessingFunction = keyBefore_;
-            currentKeyPressedCallback = keyPressedBefore_;
-        }
-    }
+    ~Run() { innermost = outer_; }
     Run(const Run &) = delete;
     Run &operator=(const Run &) = delete;
 
@@ -1106,10 +1091,6 @@ private:
     const Dialog &dialog_;
     const Callback<bool(int32_t, std::string &)> *keyPressed_;
     Run *outer_;
-    DialogBreakFunction breakBefore_;
-    DialogRefreshFunction refreshBefore_;
-    DialogKeyFunction keyBefore_;
-    DialogKeyPressedFunction keyPressedBefore_;
     Labels fresh_;
     std::vector<LabelValue> values_;
 };
