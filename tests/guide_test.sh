@@ -8,14 +8,8 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 cmake --install "$build" --prefix "$work/home/uti" >/dev/null
-mkdir "$work/hello"
+"$source/tests/page_files.sh" "$source/README.md" "$work/hello"
 cd "$work/hello"
-# A file is a fenced block behind a line that holds its name alone; the commands are a file too.
-awk '
-  /^`[a-zA-Z.]+`:$/ { name = substr($0, 2, length($0) - 3); next }
-  /^<!-- try -->$/ { name = "try"; next }
-  /^```/ { inside = !inside; if (!inside) name = ""; next }
-  inside && name != "" { print > name }' "$source/README.md"
 
 export HOME=$work/home
 printed=$(bash -eu ./try 2>&1 | tee log | tail -1)
