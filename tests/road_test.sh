@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# road_test.sh SOURCE BUILD UTI: walks the road of docs/terminal.md with its own
-# files, from an empty folder to the program under the emulator, and puts the page's adapter under it.
+# road_test.sh SOURCE BUILD UTI: walks the road of docs/terminal.md with its own files, from an empty
+# folder to the program under the emulator, and puts the page's adapter under that.
 # BUILD is for the terminal, UTI the command of this PC.
 set -eu
 source=$1 build=$2 uti=$3
