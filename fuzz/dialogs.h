@@ -8,16 +8,9 @@
 #include "tests/state.h"
 #include "tests/streams.h"
 
-#include <memory>
 #include <vector>
 
 namespace fuzz {
-
-inline std::string describeArea(Input &in) {
-    const uint32_t left = in.below(260), top = in.below(340);
-    const uint32_t width = in.below(260), height = in.below(340);
-    return support::describe::area(left, top, left + width, top + height);
-}
 
 inline std::string describeValue(Input &in, const uti::dialog::Row &row) {
     using uti::dialog::Kind;
@@ -32,8 +25,11 @@ inline std::string describeValue(Input &in, const uti::dialog::Row &row) {
         return describe::word(row.tag, in.below(140));
     case Kind::dword:
         return describe::dword(row.tag, in.below(3000));
-    case Kind::area:
-        return describeArea(in);
+    case Kind::area: {
+        const uint32_t left = in.below(260), top = in.below(340);
+        const uint32_t width = in.below(260), height = in.below(340);
+        return describe::area(left, top, left + width, top + height);
+    }
     case Kind::colors:
         return describe::colors({in.number(), in.number(), in.number()});
     default:
@@ -62,8 +58,7 @@ inline std::string describeDialog(Input &in, uint32_t type) {
     for (uint32_t controls = in.below(12); controls > 0; --controls)
         nodes += describeNode(in, in.pick(uti::dialog::nodes));
     std::string text = support::describe::dialog(type, nodes);
-    if (in.oneIn(8))
-        text[in.below(65535) % text.size()] = static_cast<char>(in.byte());
+    in.damage(text, in.oneIn(8));
     return text;
 }
 
@@ -72,22 +67,16 @@ struct Application {
     uint32_t breakAt, refreshAt, keyAt;
     int32_t keyResult;
     std::string typed;
-    std::vector<LabelValue> labels;
+    LabelValue labels[3];
 };
 inline Application application;
 
 inline int32_t isDue(uint32_t &count) {
     return count > 0 && --count == 0;
 }
-inline int32_t breakOff() {
-    return isDue(application.breakAt);
-}
 inline int32_t refresh(const LabelValue **labels) {
-    *labels = application.labels.data();
+    *labels = application.labels;
     return isDue(application.refreshAt);
-}
-inline int32_t takeKey(uint8_t) {
-    return isDue(application.keyAt) ? application.keyResult : 0;
 }
 inline int32_t takeTyped(int32_t, char *text, int32_t) {
     text[application.typed.copy(text, 128)] = 0;
@@ -99,18 +88,14 @@ inline int32_t takeTyped(int32_t, char *text, int32_t) {
 inline int32_t showDialog(Input &in, uint32_t type) {
     std::vector<support::ExactBlock> texts;
     const auto text = [&](uint32_t most) -> const char * {
-        if (in.oneIn(3))
-            return nullptr;
-        return texts.emplace_back(in.text(most) + '\0').data();
+        return in.oneIn(3) ? nullptr : texts.emplace_back(in.text(most) + '\0').data();
     };
     application = {in.below(9),
                    in.below(9),
                    in.below(9),
                    in.oneIn(2) ? -3202 : 0,
                    in.text(in.oneIn(8) ? 140 : 8),
-                   {}};
-    application.labels = {{"a", text(60)}, {"b", text(60)}, {nullptr, nullptr}};
-
+                   {{"a", text(60)}, {"b", text(60)}, {}}};
     EditRequest edit{};
     DialogRequest &request = edit.dialog;
     request.resourceId = 1;
@@ -119,12 +104,13 @@ inline int32_t showDialog(Input &in, uint32_t type) {
     request.caption = text(40);
     request.text = text(200);
     request.imageName = text(20);
-    request.labelValues = in.oneIn(2) ? application.labels.data() : nullptr;
-    request.needToBreak = in.oneIn(2) ? breakOff : nullptr;
+    request.labelValues = in.oneIn(2) ? application.labels : nullptr;
+    request.needToBreak = in.oneIn(2) ? +[] { return isDue(application.breakAt); } : nullptr;
     request.refresh = in.oneIn(2) ? refresh : nullptr;
-    request.keyPostProcessing = in.oneIn(2) ? takeKey : nullptr;
+    request.keyPostProcessing =
+        in.oneIn(2) ? +[](uint8_t) { return isDue(application.keyAt) * application.keyResult; }
+                    : nullptr;
     request.colors.passiveForeground.red = in.byte();
-
     const ConfirmationRequest confirmation{request, text(20), text(20)};
     const InputLimits limits{static_cast<uint16_t>(in.below(140)),
                              static_cast<uint16_t>(in.below(4)), in.below(5)};
@@ -153,13 +139,9 @@ inline int32_t showDialog(Input &in, uint32_t type) {
         edit.pattern = text(300);
         edit.limits = in.oneIn(2) ? &limits : nullptr;
         edit.keyPressed = in.oneIn(3) ? takeTyped : nullptr;
-        const std::string shown = in.text(140);
-        const auto room = std::make_unique<char[]>(shown.size() + 1);
-        shown.copy(room.get(), shown.size());
-        room[shown.size()] = 0;
-        const auto size = static_cast<uint32_t>(shown.size() + 1);
-        const int32_t result = DialogEdit_DoModal(&edit, room.get(), size);
-        REQUIRE(strnlen(room.get(), size) < size);
+        const support::ExactBlock room(in.text(140) + '\0');
+        const int32_t result = DialogEdit_DoModal(&edit, room.data(), room.size());
+        REQUIRE(strnlen(room.data(), room.size()) < room.size());
         return result;
     }
 }

@@ -7,8 +7,6 @@
 #include "host/toolkit/display.h"
 #include "host/toolkit/dump.h"
 
-#include <unistd.h>
-
 using namespace fuzz;
 using namespace uti::host;
 
@@ -16,6 +14,7 @@ namespace {
 
 constexpr uint8_t keys[] = {IG_KEY_ENTER, IG_KEY_ESCAPE, IG_KEY_UP, IG_KEY_DOWN,
                             '0',          '1',           '2',       '9'};
+constexpr Event::Kind pen[] = {Event::Kind::penDown, Event::Kind::penMove, Event::Kind::penUp};
 
 void compareWithWhole() {
     display().redraw();
@@ -29,18 +28,15 @@ void compareWithWhole() {
 // Does what the input says until it is over, then waits.
 class Person final : public Face {
 public:
-    explicit Person(Input &in) : in_(in) {}
+    explicit Person(const std::string &bytes) : bytes_(bytes), in_(bytes_) {}
     void show(const Surface &surface, const Rect &changed) override {
         REQUIRE(surface.area().covers(changed));
     }
     std::optional<Event> next(uint32_t milliseconds) override {
-        if (in_.isOver()) {
-            pass(milliseconds);
-            return std::nullopt;
-        }
-        if (in_.oneIn(8))
+        const bool isHere = !in_.isOver();
+        if (isHere && in_.oneIn(8))
             compareWithWhole();
-        const uint32_t choice = in_.below(10);
+        const uint32_t choice = isHere ? in_.below(10) : 9;
         if (choice < 4)
             return Event{.kind = Event::Kind::key,
                          .key = in_.oneIn(4) ? in_.byte() : in_.pick(keys)};
@@ -49,56 +45,38 @@ public:
                          .character = static_cast<char>(in_.byte())};
         if (choice < 9) {
             const int x = static_cast<int>(in_.below(250)), y = static_cast<int>(in_.below(330));
-            const Event::Kind kinds[] = {Event::Kind::penDown, Event::Kind::penMove,
-                                         Event::Kind::penUp};
-            return Event{.kind = kinds[choice - 6], .at = {x, y}};
+            return Event{.kind = pen[choice - 6], .at = {x, y}};
         }
-        pass(in_.below(1200));
+        pass(isHere ? in_.below(1200) : milliseconds);
         return std::nullopt;
     }
 
 private:
-    Input &in_;
-};
-
-// Once the input is over, nobody is there.
-class Nobody final : public Face {
-public:
-    void show(const Surface &, const Rect &) override {}
-    std::optional<Event> next(uint32_t milliseconds) override {
-        pass(milliseconds);
-        return std::nullopt;
-    }
+    const std::string bytes_;
+    Input in_;
 };
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size) {
+void fuzz::run(Input &in) {
     silence();
     setenv("default_lang", "en", 1);
     setenv("UTI_IMAGES", UTI_FUZZ_IMAGES, 1);
     if (!isVirtualClock())
         useVirtualClock();
-    Input in(data, size);
     const uint32_t type = in.below(5);
-    const std::string description = describeDialog(in, type);
+    const std::string description = describeDialog(in, type), request = in.bytes(100);
     REQUIRE(Resource_GetString("m", 1) == ResourceEmptyStr); // which sets the language
     resource_StoreString("m", 1, description.data(), static_cast<uint32_t>(description.size()));
-    {
-        const std::string rest = in.takeRest();
-        Input events(reinterpret_cast<const uint8_t *>(rest.data()), rest.size());
-        const std::string request = events.bytes(100);
-        Input choices(reinterpret_cast<const uint8_t *>(request.data()), request.size());
-        display().useFace(std::make_unique<Person>(events));
-        showDialog(choices, type);
-        Wait(200);
-        compareWithWhole();
-        display().useFace(std::make_unique<Nobody>());
-    }
+    Input choices(request);
+    display().useFace(std::make_unique<Person>(in.takeRest()));
+    showDialog(choices, type);
+    Wait(200);
+    compareWithWhole();
+    display().useFace(std::make_unique<Person>("")); // nobody is there
     if (uti::currentForm > 0)
         igUI_Del(Display_GetHandle(), uti::currentForm);
     support::forgetDialogs();
     Wait(0);
     compareWithWhole();
-    return 0;
 }

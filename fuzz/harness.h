@@ -12,8 +12,6 @@
 #include <string>
 #include <string_view>
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size);
-
 // A broken promise: says which and ends the process, which libFuzzer and the replay both report.
 #define REQUIRE(condition) ((condition) ? void() : fuzz::fail(__FILE__, __LINE__, #condition))
 
@@ -28,59 +26,50 @@ namespace fuzz {
 // The bytes of an input, taken as choices; behind its end there are zeros.
 class Input {
 public:
-    Input(const uint8_t *data, std::size_t size)
-        : rest_(reinterpret_cast<const char *>(data), size) {}
+    explicit Input(std::string_view bytes) : rest_(bytes) {}
 
     bool isOver() const { return rest_.empty(); }
-
-    uint8_t byte() {
-        if (rest_.empty())
-            return 0;
-        const auto first = static_cast<uint8_t>(rest_.front());
-        rest_.remove_prefix(1);
-        return first;
-    }
+    uint8_t byte() { return static_cast<uint8_t>(take(1)[0]); }
     uint32_t below(uint32_t count) {
-        uint32_t value = byte();
-        if (count > 256)
-            value = value << 8 | byte();
-        return value % count;
+        const uint32_t first = byte();
+        return (count > 256 ? first << 8 | byte() : first) % count;
     }
     bool oneIn(uint32_t count) { return below(count) == count - 1; }
     uint32_t number() {
-        uint32_t value = 0;
-        for (int i = 0; i < 4; ++i)
-            value = value << 8 | byte();
-        return value;
+        const uint32_t high = below(65536);
+        return high << 16 | below(65536);
     }
-
     template <class Choices>
     auto &pick(Choices &choices) {
         return choices[below(static_cast<uint32_t>(std::size(choices)))];
     }
 
     // A length of at most `most`, then that many bytes.
-    std::string bytes(uint32_t most) {
-        const uint32_t wanted = below(most + 1);
-        const std::size_t size = std::min<std::size_t>(wanted, rest_.size());
-        const std::string taken(rest_.substr(0, size));
-        rest_.remove_prefix(size);
-        return taken;
-    }
+    std::string bytes(uint32_t most) { return take(below(most + 1)); }
     // The same without its zero bytes.
     std::string text(uint32_t most) {
         std::string taken = bytes(most);
         std::erase(taken, '\0');
         return taken;
     }
-    std::string takeRest() {
-        const std::string taken(rest_);
-        rest_ = {};
-        return taken;
+    std::string takeRest() { return take(rest_.size()); }
+    // Changes bytes anywhere.
+    void damage(std::string &bytes, uint32_t times) {
+        for (; times > 0; --times)
+            bytes[below(65535) % bytes.size()] = static_cast<char>(byte());
     }
 
 private:
+    std::string take(std::size_t most) {
+        std::string taken(rest_.substr(0, most));
+        rest_.remove_prefix(taken.size());
+        return taken;
+    }
+
     std::string_view rest_;
 };
+
+// The harness: keeps no state from one input to the next.
+void run(Input &in);
 
 } // namespace fuzz

@@ -4,17 +4,13 @@
 
 #include "fuzz/harness.h"
 
-#include <string_view>
 #include <sys/mman.h>
 #include <unistd.h>
 
 namespace fuzz {
 
 inline void silence() {
-    static const bool isSilent = [] {
-        stderr = std::fopen("/dev/null", "w");
-        return true;
-    }();
+    static const bool isSilent = (stderr = std::fopen("/dev/null", "w")) != nullptr;
     REQUIRE(isSilent);
 }
 
@@ -23,9 +19,8 @@ class MemoryFile {
 public:
     const char *path() const { return path_.c_str(); }
     void write(std::string_view bytes) const {
-        REQUIRE(ftruncate(file_, 0) == 0);
         const auto size = static_cast<ssize_t>(bytes.size());
-        REQUIRE(pwrite(file_, bytes.data(), bytes.size(), 0) == size);
+        REQUIRE(ftruncate(file_, 0) == 0 && pwrite(file_, bytes.data(), bytes.size(), 0) == size);
     }
     std::string read() const {
         std::string bytes(static_cast<std::size_t>(lseek(file_, 0, SEEK_END)), '\0');

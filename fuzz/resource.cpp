@@ -4,8 +4,6 @@
 
 #include "tests/streams.h"
 
-#include <vector>
-
 using namespace fuzz;
 
 namespace {
@@ -14,9 +12,8 @@ constexpr const char *languages[] = {"en", "ru", "de"};
 using Sections = std::vector<std::pair<int, std::vector<support::Language>>>;
 
 Sections readSections(Input &in) {
-    const int numbers[] = {0, 1, 3, 5};
     Sections sections;
-    for (const int number : numbers) {
+    for (const int number : {0, 1, 3, 5}) {
         std::vector<support::Language> blocks;
         for (uint32_t count = in.below(3), i = 0; i < count; ++i) {
             support::Language block{languages[i], static_cast<uint16_t>(i), {}};
@@ -35,26 +32,20 @@ Sections readSections(Input &in) {
 const std::string *find(const Sections &sections, const std::string &language, uint32_t id) {
     static const std::string none;
     for (const auto &[number, blocks] : sections) {
-        if (number != static_cast<int>(id >> 12))
-            continue;
         const support::Language *found = number >= 3 ? &blocks[0] : nullptr;
         for (const support::Language &block : blocks)
             found = block.code == language ? &block : found;
-        if (found)
+        if (found && number == static_cast<int>(id >> 12))
             return (id & 0xFFF) < found->strings.size() ? &found->strings[id & 0xFFF] : nullptr;
     }
     return &none;
 }
 
-bool slotsAreFull(const char *name) {
-    for (void *each = ModuleList->First(ModuleList); each; each = ModuleList->Next(ModuleList)) {
-        const auto *module = static_cast<ResourceModule *>(each);
-        int taken = 0;
-        for (const ResourceSmallString &slot : module->smallStrings)
-            taken += slot.text[0] != 0;
-        if (module->name == std::string(name) && taken == RESOURCE_SMALL_SLOTS)
+bool someModuleIsFull() {
+    const auto isTaken = [](const ResourceSmallString &slot) { return slot.text[0] != 0; };
+    for (void *each = ModuleList->First(ModuleList); each; each = ModuleList->Next(ModuleList))
+        if (std::ranges::all_of(static_cast<ResourceModule *>(each)->smallStrings, isTaken))
             return true;
-    }
     return false;
 }
 
@@ -62,13 +53,20 @@ struct Held {
     const char *text;
     std::string bytes;
     uint32_t id;
+
+    bool isStored() const {
+        for (const char *module : {"m", "m_ext"})
+            for (const char *language : languages)
+                if (ResourceStorageList && resource_FindStoredString(module, language, id) == text)
+                    return true;
+        return false;
+    }
 };
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size) {
+void fuzz::run(Input &in) {
     Library library;
-    Input in(data, size);
     if (in.oneIn(2))
         openLog(TRACE_OUTPUT_SERIAL, 1);
     library.terminal.environment = {{"default_lang", "en"}, {"EXTRES", in.oneIn(2) ? "1" : "0"}};
@@ -76,66 +74,61 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size) {
     std::string &file = library.terminal.files["m.res"];
     file = support::resourceFile(7, plain);
     library.terminal.files["m_ext.res"] = support::resourceFile(7, external);
-    bool isIntact = true;
-    for (uint32_t flips = in.oneIn(4) ? in.below(8) : 0; flips > 0; --flips) {
-        file[in.below(65535) % file.size()] = static_cast<char>(in.byte());
-        isIntact = false;
-    }
+    const uint32_t flips = in.oneIn(4) ? in.below(8) : 0;
+    in.damage(file, flips);
     armFault(in);
 
     std::vector<Held> held;
-    const auto isStored = [](const Held &each) {
-        for (const char *module : {"m", "m_ext"})
-            for (const char *language : languages)
-                if (resource_FindStoredString(module, language, each.id) == each.text)
-                    return true;
-        return false;
-    };
-    const auto release = [&](uint32_t id, bool all) {
-        std::erase_if(held, [&](const Held &each) {
-            return (all || each.id == id) && (!ResourceStorageList || !isStored(each));
-        });
-    };
     for (int steps = 0; !in.isOver() && steps < 200; ++steps) {
         const uint32_t operation = in.below(12), id = in.below(6) << 12 | in.below(26);
         const std::string language = in.pick(languages);
         const char *module = in.oneIn(8) ? "m_ext" : "m";
-        if (operation < 7) {
+        switch (operation) {
+        default: {
             const bool isOther = operation == 6;
             const char *text = isOther ? Resource_GetStringEx(module, language.c_str(), id)
                                        : Resource_GetString(module, id);
             REQUIRE(text || isOther);
             if (!text)
-                continue;
+                break;
             // The slot of an empty string counts as free, and the next string may come there.
             if (*text)
                 held.push_back({text, text, id});
             const std::string asked = isOther ? language : CurrentLanguage;
-            const bool isExternal = module[1] != 0;
             const std::string *expected = find(external, asked, id);
-            if (!isExternal && (!CheckExternalResources || (expected && expected->empty())))
+            if (module[1] == 0 && (!CheckExternalResources || (expected && expected->empty())))
                 expected = find(plain, asked, id);
-            if (expected && isIntact && !fake::faultStruck() && *expected != text)
-                REQUIRE(*text == 0 && (slotsAreFull("m") || slotsAreFull("m_ext")));
-        } else if (operation == 7) {
-            Resource_Release(module, id);
-            release(id, false);
-        } else if (operation == 8) {
-            Resource_ReleaseAll(module);
-            release(0, true);
-        } else if (operation == 9) {
+            if (expected && flips == 0 && *expected != text)
+                REQUIRE_UNLESS_STRUCK(*text == 0 && someModuleIsFull());
+            break;
+        }
+        case 7:
+        case 8:
+            if (operation == 7)
+                Resource_Release(module, id);
+            else
+                Resource_ReleaseAll(module);
+            std::erase_if(held, [&](const Held &each) {
+                return (operation == 8 || each.id == id) && !each.isStored();
+            });
+            break;
+        case 9:
             if (Resource_Initialize(module) == UTI_OK)
                 Resource_SetLanguage(language.c_str());
-        } else if (operation == 10) {
+            break;
+        case 10: {
             ResourceLanguageInfo infos[2];
             REQUIRE(Resource_GetLanguages(module, in.below(20), infos, 2) <= 2);
             Resource_IsValid(module, static_cast<uint16_t>(in.below(9)));
-        } else if (in.oneIn(3)) {
-            Resource_Close(module);
-            held.clear();
+            break;
+        }
+        case 11:
+            if (in.oneIn(3)) {
+                Resource_Close(module);
+                held.clear();
+            }
         }
         for (const Held &each : held)
             REQUIRE(each.bytes == each.text);
     }
-    return 0;
 }

@@ -7,7 +7,7 @@
 #include "host/terminal/clock.h"
 #include "terminal.h"
 
-#include <algorithm>
+#include <tuple>
 #include <vector>
 
 using namespace fuzz;
@@ -23,17 +23,18 @@ std::vector<Event> eventsOf(const Script &script) {
     return events;
 }
 
-int32_t goOn(uint8_t *) {
-    return 0;
+bool isSame(const Event &a, const Event &b) {
+    return std::tie(a.kind, a.key, a.character, a.at.x, a.at.y) ==
+           std::tie(b.kind, b.key, b.character, b.at.x, b.at.y);
 }
 
 } // namespace
 
-int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size) {
+void fuzz::run(Input &in) {
     silence();
     if (!isVirtualClock())
         useVirtualClock();
-    const std::string source(reinterpret_cast<const char *>(data), size);
+    const std::string source = in.takeRest();
     const Script script = parseScript("fuzz", source);
     const auto lines = static_cast<std::size_t>(std::count(source.begin(), source.end(), '\n')) + 1;
     std::size_t last = 1;
@@ -47,9 +48,9 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size) {
                      command.kind == ScriptCommand::Kind::dump;
     }
     if (!script.isValid)
-        return 0;
+        return;
 
-    const MemoryFile file;
+    static const MemoryFile file;
     const std::vector<Event> events = eventsOf(script);
     {
         Recorder recorder(file.path(), 0);
@@ -59,26 +60,20 @@ int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size) {
         recorder.end(ticks);
     }
     const Script again = parseScript("recorded", file.read());
-    REQUIRE(again.isValid);
     const std::vector<Event> recorded = eventsOf(again);
-    REQUIRE(std::equal(events.begin(), events.end(), recorded.begin(), recorded.end(),
-                       [](const Event &a, const Event &b) {
-                           return a.kind == b.kind && a.key == b.key &&
-                                  a.character == b.character && a.at.x == b.at.x &&
-                                  a.at.y == b.at.y;
-                       }));
-
+    REQUIRE(again.isValid && events.size() == recorded.size());
+    REQUIRE(std::equal(events.begin(), events.end(), recorded.begin(), isSame));
     if (savesFiles)
-        return 0;
+        return;
+
     static bool failed; // which the face of the run before may still write to
     const int32_t screen = Display_GetHandle(), form = igForm_Create("Form", 0);
     igForm_Add(form, igInput_Create(8, 30, 222, 28, 20, IG_INPUT_CURSOR));
     igForm_SetTimeOut(form, 2000);
     display().useFace(std::make_unique<ScriptFace>(display(), script, "/dev/null", failed));
     igUI_Add(screen, form);
-    igUI_ShowExt(screen, form, goOn);
+    igUI_ShowExt(screen, form, [](uint8_t *) { return 0; });
     while (igForm_GetState(form) == IG_STATE_RUNNING)
         WaitSleep(100);
     igUI_Del(screen, form);
-    return 0;
 }

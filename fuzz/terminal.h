@@ -6,6 +6,9 @@
 #include "tests/fakes/toolkit.h"
 #include "tests/state.h"
 
+// A promise that holds until a fault has struck.
+#define REQUIRE_UNLESS_STRUCK(condition) REQUIRE(fake::faultStruck() || (condition))
+
 namespace fuzz {
 
 // Lets a call fail, once or from then on, when the input says so: one input in four or so.
@@ -18,11 +21,7 @@ inline void armFault(Input &in) {
 
 // Opens the trace log, so that whatever is reported goes through it.
 inline void openLog(uint32_t output, uint8_t text, const char *baseName = "", int32_t maxSize = 0) {
-    TraceExSettings settings{};
-    settings.output = output;
-    settings.mode = 3;
-    settings.text = text;
-    settings.maxSize = maxSize;
+    TraceExSettings settings{output, 3, "", text, {}, maxSize};
     std::strncpy(settings.device.baseName, baseName, sizeof settings.device.baseName - 1);
     TraceExOpen(&settings);
 }
@@ -30,7 +29,6 @@ inline void openLog(uint32_t output, uint8_t text, const char *baseName = "", in
 // The library as if it had just been loaded, and at the end nothing open, leaked or misused.
 class Library {
 public:
-    Library() { fake::reset(); }
     ~Library() {
         fake::disarm();
         MonitorExClose();
@@ -40,26 +38,22 @@ public:
         fake::reset();
         REQUIRE(fake::liveBlocks() == blocks_);
     }
-    Library(const Library &) = delete;
 
     fake::Terminal &terminal = fake::terminal();
 
 private:
     // Both logs keep a table from their first record on.
     static int blocksBefore() {
-        static const bool isWarm = [] {
-            fake::reset();
-            openLog(TRACE_OUTPUT_SERIAL, 0);
-            TraceExAssert("", 0);
-            TraceExClose();
-            MonitorExSettings settings{};
-            settings.baseName[0] = 'w';
-            MonitorExOpen(&settings);
-            MonitorExWrite(0, 0);
-            MonitorExClose();
-            return true;
-        }();
-        return isWarm ? fake::liveBlocks() : 0;
+        fake::reset();
+        openLog(TRACE_OUTPUT_SERIAL, 0);
+        TraceExAssert("", 0);
+        TraceExClose();
+        const MonitorExSettings settings{0, "w", 0};
+        MonitorExOpen(&settings);
+        MonitorExWrite(0, 0);
+        MonitorExClose();
+        fake::reset();
+        return fake::liveBlocks();
     }
 
     const int blocks_ = blocksBefore();
