@@ -46,52 +46,6 @@ protected:
     }
 };
 
-TEST_F(Ini, GrammarAsReadAndAsWritten) {
-    const std::pair<std::string, std::string> rows[] = {
-        {"key = \"  a b  \"", "[NONAME_SECTION]|KEY=  a b  ||"},
-        {"[ Net ] comment\nip=1\n[dns]\na=b\n[net]\nMask=2", "[NET]|IP=1|MASK=2||[DNS]|A=b||"},
-        {";a=b\n#c=d\n ;a=b\n\t#=2", "[NONAME_SECTION]|;A=b|#=2||"},
-        {"\r\r\n\nX=1\rx=2\n\rY=3\r\n", "[NONAME_SECTION]|X=2|Y=3||"},
-        {"[s]\n=a\nno key\na==b=\nc=\n=\n \x01 = d", "[S]|A==b=|C=||"},
-        {"[open\na=1\n[]b=2\n[ ]\nc=3\n[\"\"]\nd=4\n[]]\ne=5\n[s\nf=6\n[ok]\ng=7",
-         "[NONAME_SECTION]|A=1|C=3|D=4|E=5|F=6||[OK]|G=7||"},
-        {"[a[b]c]\nx=1\n[\"q\"]\ny=1\n[\" r \"]\nz=1", "[A[B]|X=1||[Q]|Y=1||[ R ]|Z=1||"},
-        {"x=\"\ny=\"\"\nz=\"a\nw=\"\"a\"\"", "[NONAME_SECTION]|X=\"|Y=|Z=\"a|W=\"a\"||"},
-        {"[s]\0x\na\0b=1\nc=2\0=3\n\0d=4\ne=5"s, "[S]|C=2|E=5||"},
-        {"\xA0\xE0\xFF=\xA0\x7F", "[NONAME_SECTION]|\xA0\xC0\xDF=\xA0\x7F||"},
-        {"; nothing\nat all", ""},
-        {" =no key", "[NONAME_SECTION]||"},
-        {"k=a&#00;b", "[NONAME_SECTION]|K=a||"},
-        {"[" + long254 + "]\n[" + long255 + "]\nk=" + long254 + "\nl=" + long255,
-         "[" + long254 + "]||[NONAME_SECTION]|K=" + long254 + "||"},
-        {"[s]\n" + long255 + "= " + long254 + "\n" + long255 + "=1\n" + long255 + " =2",
-         "[S]|" + long255 + "=1||"},
-    };
-    for (const auto &[text, expected] : rows) {
-        SCOPED_TRACE(text.substr(0, 60));
-        file(text);
-        EXPECT_GE(Ini_GetSectionCount("f"), 0);
-        EXPECT_EQ(dump(), expected);
-    }
-}
-
-TEST_F(Ini, EscapesInValues) {
-    for (const std::string row :
-         {"a&#13;&#10;b|a\r\nb", "&#59;&#99;&#01;|;c\1", "a&#00;b|a", "a&b&&#13;|a&b&&#13;",
-          "&#x&##13;|&#x&##13;", "&#1x|&#1x", "&#12x;|&#12x;", "&#123;|&#123;",
-          "&#1&#65;&#66;|&#1&#65;B", "a&|a", "a&#|a", "a&#1|a", "a&#12|a", "\"&#34; \"|\" ",
-          "&#32;| "}) {
-        file("k=" + row.substr(0, row.find('|')));
-        EXPECT_EQ(get("noname_section", "k"), row.substr(row.find('|') + 1)) << row;
-    }
-    EXPECT_EQ(Ini_SetStr("f", "s", "k", ("x" + std::string(252, '\n') + "y").c_str()), 0);
-    EXPECT_GT(terminal.files["f"].size(), 252 * 5u) << "no line is too long to write";
-    EXPECT_EQ(Ini_SetStr("f", "s", "k", "a&#59;b"), 0);
-    EXPECT_EQ(get("s", "k"), "a&#59;b") << "as given, until the file is read again";
-    Ini_RemoveFileInfoFromCache("f");
-    EXPECT_EQ(get("s", "k"), "a;b");
-}
-
 TEST_F(Ini, ResultsAndReports) {
     const char *n254 = long254.c_str(), *n255 = long255.c_str(), *n256 = long256.c_str();
     TraceExSettings settings{};
@@ -189,19 +143,6 @@ TEST_F(Ini, ChangesRewriteTheWholeFile) {
     EXPECT_EQ(terminal.calls, "open f 1; open f 0; write 5; write 2; write 4; write 2; close");
 }
 
-TEST_F(Ini, RemovalsKeepOrderAndSearch) {
-    std::string left;
-    for (int i = 0; i < 60; ++i) {
-        EXPECT_EQ(Ini_SetLong("f", ("s"s + std::to_string(i)).c_str(), "k", i), 0);
-        left += i % 3 ? "[S"s + std::to_string(i) + "]|K=" + std::to_string(i) + "||" : "";
-    }
-    for (int i = 0; i < 60; i += 3)
-        EXPECT_EQ(Ini_RemoveSection("f", ("S"s + std::to_string(i)).c_str()), 0);
-    EXPECT_EQ(dump(), left);
-    for (int i = 0; i < 60; ++i)
-        EXPECT_EQ(get("s"s + std::to_string(i), "k"), i % 3 ? std::to_string(i) : "-3502");
-}
-
 TEST_F(Ini, FaultsGiveTheRightCodeAndChangeNothing) {
     std::string text = "[S]\r\n", out(2048, 0);
     for (int i = 0; i < 40; ++i)
@@ -235,18 +176,6 @@ TEST_F(Ini, FaultsGiveTheRightCodeAndChangeNothing) {
         });
         EXPECT_GT(files + blocks, 80);
     }
-}
-
-TEST_F(Ini, EveryTruncationReadsAndWritesItself) {
-    forEachTruncation("x = 1\n[ Net ] c\nIp=\"a&#13;&#10;b\"\r\n;c\n[bad\n[s]\nk=&#1x&y\0z"s,
-                      [&](const ExactBlock &block) {
-                          file(std::string(block.data(), block.size()));
-                          EXPECT_EQ(Ini_GetSectionCount("f") < 0, block.size() == 0);
-                          const std::string once = dump(), text = terminal.files["f"];
-                          file(text);
-                          EXPECT_EQ(Ini_GetSectionCount("f") < 0, text.empty());
-                          EXPECT_EQ(dump(), once);
-                      });
 }
 
 TEST_F(Ini, CountsEndAt32767AndLongFilesAreReadInTime) {

@@ -28,53 +28,7 @@ protected:
             std::strcpy(wanted.device.baseName, "t");
         return TraceExOpen(&wanted);
     }
-
-    // The message that a record of the module m with these arguments gives on a file.
-    template <class... Arguments>
-    std::string message(const std::string &format, Arguments... arguments) {
-        word(format);
-        EXPECT_EQ(open(TRACE_OUTPUT_FILE), 0);
-        EXPECT_EQ(TraceExError("m", 1, arguments..., 0), 0);
-        TraceExClose();
-        std::string line = terminal.files["t.log"];
-        terminal.files.erase("t.log");
-        EXPECT_EQ(line.substr(0, std::strlen(header)), header);
-        return line.substr(std::strlen(header));
-    }
 };
-
-TEST_F(Text, EveryArgumentType) {
-    const TerminalDate date{2026, 1, 2, {}}, old{-1, 1, 2, {}};
-    const TerminalTime time{3, 4, 5};
-    const void *nowhere = nullptr;
-    EXPECT_EQ(message("Value {0}", Char, 'A'), "Value 'A'");
-    EXPECT_EQ(message("{0}", Byte, 0x1FF), "255");
-    EXPECT_EQ(message("{0} {1}", Bool, 2, Bool, 0x100), "true false");
-    EXPECT_EQ(message("{0}", Short, 0xFFFE), "-2");
-    EXPECT_EQ(message("{0}", Word, 65535), "-1");
-    EXPECT_EQ(message("{0}", Long, -70000), "-70000");
-    EXPECT_EQ(message("{0}", DWord, 4294967295u), "-1");
-    EXPECT_EQ(message("{0}", Int64, UTI_TRACE_HALVES(INT64_MIN)), "-9223372036854775808");
-    EXPECT_EQ(message("{0}", UInt64, ~0u, ~0u), "18446744073709551615");
-    EXPECT_EQ(message("{0}", Double, 0xBFF80000u, 0u), "-1.500000");
-    EXPECT_EQ(message("{0}", Double, 0x7FEFFFFFu, ~0u).size(), 316u) << "the longest double";
-    EXPECT_EQ(message("{0} {1}", Date, &date, Time, &time), "26-01-02 03:04:05");
-    EXPECT_EQ(message("{0}", Date, &old), "-1-01-02");
-    EXPECT_EQ(message("{0}|{1}", String, "text", String, nowhere), "text|");
-    EXPECT_EQ(message("{0}|{1}", ByteArray, "\x01\xAB", 2, ByteArray, nowhere), "01 AB |");
-}
-
-TEST_F(Text, PlaceholdersAreReadAsWritten) {
-    const struct {
-        const char *format, *expected;
-    } rows[] = {
-        {"{1} {0}", "2 1"}, {"a{5}b", "ab"}, {"a{b", "a"},     {"a{-1}b", "ab"},
-        {"{}", "1"},        {"{ 1x}", "2"},  {"{+1}", "2"},    {"a}b", "a}b"},
-        {"{{1}}", "1}"},    {"", ""},        {"{0}{1}", "12"}, {"{99999999999999999999}", ""},
-    };
-    for (const auto &row : rows)
-        EXPECT_EQ(message(row.format, Long, 1, Long, 2), row.expected) << row.format;
-}
 
 TEST_F(Text, AssertionIsBuiltIn) {
     ASSERT_EQ(open(TRACE_OUTPUT_SERIAL), 0);
