@@ -21,21 +21,6 @@ std::string getTag(const ExactBlock &block) {
     return text + (value == &other ? "-" : value ? std::to_string(value - bytes(block)) : "null");
 }
 
-// The value in hexadecimal, or the result, with which a block of `size` bytes must stay as it was.
-std::string extract(std::string_view data, uint32_t tag, uint32_t size = 9) {
-    const ExactBlock block(data), value(std::string(size, 'x'));
-    uint32_t length = size;
-    const int32_t result =
-        BerTlv_ExtractSingleTag(bytes(block), block.size(), tag, &length, bytes(value));
-    EXPECT_TRUE(result == 0 || std::string(value.data(), length) == std::string(size, 'x'));
-    return result ? std::to_string(result) : toHex({value.data(), length});
-}
-
-std::string nested(const char *data, int levels) {
-    const std::string inner = levels ? nested(data, levels - 1) : hex(data);
-    return levels ? "\x70" + number(inner.size(), 1) + inner : inner;
-}
-
 TEST(BerTlv, GetTag) {
     for (const std::string row :
          {"5F 2A 02 09 78 | 0 5F2A 2 5 3", "9F 02 81 02 AA BB CC | 0 9F02 2 6 4",
@@ -64,27 +49,6 @@ TEST(BerTlv, EveryTagReadsAsItIsWritten) {
     EXPECT_EQ(BerTlv_TagIsPrimitive(0x70000000, 4), 0);
     for (const uint32_t length : {0u, 5u, ~0u})
         EXPECT_EQ(BerTlv_TagIsPrimitive(~0u, length), 1);
-}
-
-TEST(BerTlv, ExtractSingleTag) {
-    const std::string good = nested("9F 02 05 01 02 03 04 05", 1);
-    EXPECT_EQ(extract(good, 0x70), "9F 02 05 01 02 03 04 05 ");
-    EXPECT_EQ(extract(good, 0x82), "-2");
-    for (uint32_t size = 0; size <= 5; ++size)
-        EXPECT_EQ(extract(good, 0x9F02, size), size < 5 ? "-3" : "01 02 03 04 05 ") << size;
-    forEachTruncation(good.substr(0, 9), [](auto &cut) {
-        EXPECT_EQ(extract({cut.data(), cut.size()}, 0x9F02), "-3");
-    });
-
-    EXPECT_EQ(extract(hex("70 03 82 01 AA 82 01 BB"), 0x82), "AA ");
-    EXPECT_EQ(extract(hex("82 00 82 01 BB"), 0x82), "");
-    EXPECT_EQ(extract(hex("82 00 82 01 BB"), 0x82, 0), "-3");
-    for (const char *bad : {"70 00 82 01 BB", "70 03 82 02 AA BB 82 00", "70 04 82 01 AA",
-                            "82 84 FF FF FF FF AA", "84 84 FF FF FF FF AA"})
-        EXPECT_EQ(extract(hex(bad), 0x82), "-3") << bad;
-    EXPECT_EQ(extract(nested("82 01 AA", 5), 0x82), "AA ");
-    EXPECT_EQ(extract(nested("82 01 AA", 6), 0x82), "-2");
-    EXPECT_EQ(extract(nested("FF", 6) + hex("82 01 BB"), 0x82), "BB ") << "skipped whole";
 }
 
 TEST(BerTlv, AppendTag) {

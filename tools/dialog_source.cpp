@@ -6,7 +6,6 @@
 #include "tools/source_text.h"
 
 #include <algorithm>
-#include <ranges>
 
 namespace uti::tool {
 
@@ -492,8 +491,9 @@ std::optional<Color> DialogReader::readColor(const toml::node &value) {
     }
 
     std::vector<std::string_view> names;
-    if (!diagnostics_.isCrowded())
-        names.assign(std::views::keys(colors_).begin(), std::views::keys(colors_).end());
+    for (const auto &[each, color] : colors_)
+        if (!diagnostics_.isCrowded())
+            names.push_back(each);
     diagnostics_.error(begin(value),
                        "a color is \"#RRGGBB\", [red, green, blue] or a name of [colors]",
                        hint(name, names));

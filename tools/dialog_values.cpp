@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <array>
-#include <ranges>
 
 namespace uti::tool {
 
@@ -38,10 +37,10 @@ constexpr bool isWritten(const Key &key) {
 }
 constexpr auto keyCodes = [] {
     std::array<Choice, std::ranges::count_if(keys, isWritten)> choices{};
-    std::ranges::transform(keys | std::views::filter(isWritten), choices.begin(),
-                           [](const Key &key) {
-                               return Choice{key.name, key.terminal};
-                           });
+    auto out = choices.begin();
+    for (const Key &key : keys)
+        if (isWritten(key))
+            *out++ = {key.name, key.terminal};
     return choices;
 }();
 
