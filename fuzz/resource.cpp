@@ -80,7 +80,8 @@ void fuzz::run(Input &in) {
 
     std::vector<Held> held;
     for (int steps = 0; !in.isOver() && steps < 200; ++steps) {
-        const uint32_t operation = in.below(12), id = in.below(6) << 12 | in.below(26);
+        const uint32_t operation = in.below(12), section = in.below(6);
+        const uint32_t id = section << 12 | in.below(26);
         const std::string language = in.pick(languages);
         const char *module = in.oneIn(8) ? "m_ext" : "m";
         switch (operation) {
