@@ -3,6 +3,7 @@
 #include "tools/dialog_source.h"
 
 #include "common/utf8.h"
+#include "tools/dialog_texts.h"
 #include "tools/source_text.h"
 
 #include <algorithm>
@@ -100,7 +101,7 @@ std::vector<std::string_view> keysOf(const Node &kind) {
     if (hasElements(kind))
         keys.push_back(elementsKey);
     if (kind.tag == dialog::tagDialogParameters) {
-        keys.insert(keys.end(), {"id", "languages", "root_tag", textTypeKey, hexNodeKey});
+        keys.insert(keys.end(), {"id", "languages", "root_tag", textTypeKey, hexNodeKey, textsKey});
         for (const Node &node : dialog::nodes)
             keys.emplace_back(node.name);
     }
@@ -184,7 +185,7 @@ std::string DialogReader::read(const toml::table &dialog, std::string_view langu
             rootTag = expectNumber(*entry.node, key, UINT8_MAX, diagnostics_).value_or(rootTag);
         else if (key == hexNodeKey || findNode(key))
             collectParts(entry, parts);
-        else if (key != "id" && key != "languages" && key != textTypeKey)
+        else if (key != "id" && key != "languages" && key != textTypeKey && key != textsKey)
             values.push_back(entry);
     }
     if (rootTag < firstCompoundTag)

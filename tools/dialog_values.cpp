@@ -218,6 +218,21 @@ std::optional<std::vector<NodeView>> splitNodes(std::string_view bytes) {
     return nodes;
 }
 
+std::vector<std::string> namesOfControls(std::string_view description, dialog::Tag kind) {
+    std::vector<std::string> names;
+    const dialog::Field *field = findField(*findNode(kind), "name");
+    const auto root = splitNodes(description);
+    const auto controls =
+        root && root->size() == 1 ? splitNodes(root->front().value) : std::nullopt;
+    for (const NodeView &control : controls.value_or(std::vector<NodeView>())) {
+        const auto values = control.tag == kind ? splitNodes(control.value) : std::nullopt;
+        for (const NodeView &value : values.value_or(std::vector<NodeView>()))
+            if (value.tag == field->row.tag && value.value.size() > 1)
+                names.emplace_back(value.value.substr(1));
+    }
+    return names;
+}
+
 std::optional<uint32_t> numberIn(const dialog::Row &row, const NodeView &node) {
     const NumberForm form = formOf(row.kind);
     if (node.tag != row.tag || node.value.size() != 1 + form.size || node.value[0] != form.typeCode)

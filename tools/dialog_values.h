@@ -81,6 +81,10 @@ struct NodeView {
 // The nodes that fill `bytes` exactly, or nothing when they do not.
 std::optional<std::vector<NodeView>> splitNodes(std::string_view bytes);
 
+// The names, in the code page, that the controls of a kind have in a description; empty ones are
+// left out.
+std::vector<std::string> namesOfControls(std::string_view description, dialog::Tag kind);
+
 // What a value holds, when it has the form in which the source's own are written.
 std::optional<uint32_t> numberIn(const dialog::Row &row, const NodeView &node);
 std::optional<std::string_view> textIn(const dialog::Row &row, const NodeView &node, char typeCode);

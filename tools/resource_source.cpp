@@ -56,16 +56,16 @@ private:
                  const std::vector<Language> &languages);
     void readTexts(TableReader &reader, const std::vector<Language> &languages, Entry &entry);
     std::string readBytes(const toml::node &node, std::string_view name);
-    const CodePage *codePage() const { return codePage_ ? &*codePage_ : nullptr; }
+    const CodePage *codePage() const { return source_.codePage ? &*source_.codePage : nullptr; }
     const std::vector<Language> &languagesOf(std::optional<uint16_t> id) const;
     void fillSection(uint8_t section);
 
     Diagnostics &diagnostics_;
     ResourceSource source_;
-    std::optional<CodePage> codePage_;
     std::vector<Language> languages_;
     std::map<uint8_t, std::vector<Language>> sectionLanguages_;
     std::map<uint16_t, Entry> strings_;
+    StringIds stringIds_; // of the strings alone
 };
 
 ResourceSource SourceReader::read() {
@@ -84,6 +84,8 @@ ResourceSource SourceReader::read() {
         readSections(*sections);
     if (const auto *strings = reader.find<toml::table>("strings"))
         readStrings(*strings);
+    for (const StringName &string : source_.names)
+        stringIds_.emplace(string.name, string.id);
     DialogReader dialogs(codePage(), languages_, diagnostics_);
     if (const auto *colors = reader.find<toml::table>("colors"))
         dialogs.readColors(*colors);
@@ -113,7 +115,7 @@ void SourceReader::readModule(const TomlText *module) {
 void SourceReader::readCodePage(const TomlText *codePage) {
     auto opened = CodePage::open(codePage ? codePage->get() : defaultCodePage);
     if (auto *page = std::get_if<CodePage>(&opened))
-        codePage_ = std::move(*page);
+        source_.codePage = std::move(*page);
     else
         diagnostics_.error(codePage ? begin(*codePage) : Place{1, 1},
                            std::get<std::string>(opened));
@@ -253,11 +255,21 @@ void SourceReader::readDialog(const toml::key &key, const toml::table &table,
             languages = readLanguageList(*array, languages);
     }
     Entry *entry = id ? claim(*id, EntryKind::dialog, key, table, languages) : nullptr;
+    SourceDialog dialog{std::string(key.str()), id.value_or(0), begin(key), {}, {}};
+    std::vector<std::string> labels;
     for (const Language &language : languages) {
         std::string description = reader.read(table, language.code);
+        for (std::string &name : namesOfControls(description, dialog::tagLabel))
+            labels.push_back(std::move(name));
+        dialog.languages.push_back(language.code);
         if (entry)
             entry->bytes.emplace(language.code, std::move(description));
     }
+    if (const toml::node *texts = table.get(textsKey))
+        if (const auto *named = expect<toml::table>(*texts, textsKey, diagnostics_))
+            dialog.texts = readDialogTexts(*named, stringIds_, labels, codePage(), diagnostics_);
+    if (entry)
+        source_.dialogs.push_back(std::move(dialog));
 }
 
 std::vector<Language> SourceReader::readLanguageList(const toml::array &list,

@@ -4,6 +4,7 @@
 
 #include "common/code_page.h"
 #include "common/diagnostics.h"
+#include "tools/dialog_texts.h"
 #include "tools/resource_model.h"
 
 #include <optional>
@@ -20,6 +21,15 @@ struct StringName {
     Place place;
 };
 
+// A dialog of the source: what it says beside the description that goes into the file.
+struct SourceDialog {
+    std::string name;
+    uint16_t id;
+    Place place;
+    std::vector<std::string> languages;
+    DialogTexts texts;
+};
+
 inline constexpr std::size_t longestModuleName = 12;
 
 // A module's name is 1 to 12 letters, digits and underscores, the first no digit.
@@ -31,7 +41,9 @@ bool isNamePart(char c);
 struct ResourceSource {
     std::string module;
     Place modulePlace;
-    std::vector<StringName> names; // in file order
+    std::vector<StringName> names;     // in file order
+    std::vector<SourceDialog> dialogs; // in file order; an id has one for each of its languages
+    std::optional<CodePage> codePage;
     ResourceFile file;
 };
 
