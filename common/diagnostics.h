@@ -217,18 +217,31 @@ public:
         findings_.push_back({Severity::error, "", place, concat(parts...)});
         hasErrors_ = true;
     }
+    // `rule` must outlive the findings. Returns false when it is allowed and nothing was added.
     template <class... Parts>
-    void warning(std::string_view rule, Place place, const Parts &...parts) {
-        const bool isError = warnings_ == Warnings::areErrors;
+    bool report(Severity severity, std::string_view rule, Place place, const Parts &...parts) {
+        if (allowed_.contains(rule))
+            return false;
+        const bool isError = severity == Severity::error || warnings_ == Warnings::areErrors;
         findings_.push_back(
             {isError ? Severity::error : Severity::warning, rule, place, concat(parts...)});
         hasErrors_ = hasErrors_ || isError;
+        return true;
+    }
+    template <class... Parts>
+    bool warning(std::string_view rule, Place place, const Parts &...parts) {
+        return report(Severity::warning, rule, place, parts...);
     }
     // Adds to the last finding what stands elsewhere.
     template <class... Parts>
     void note(Place place, const Parts &...parts) {
         findings_.back().notes.push_back({place, concat(parts...)});
     }
+    // The rules of which nothing is to be found at present.
+    using Rules = std::set<std::string, std::less<>>;
+    const Rules &allowed() const { return allowed_; }
+    void setAllowed(Rules rules) { allowed_ = std::move(rules); }
+
     bool hasErrors() const { return hasErrors_; }
     bool isEmpty() const { return findings_.empty(); }
 
@@ -272,7 +285,26 @@ private:
     SourceText source_;
     Warnings warnings_;
     std::vector<Finding> findings_;
+    Rules allowed_;
     bool hasErrors_ = false;
+};
+
+// Allows further rules as long as it lives.
+class AllowedHere {
+public:
+    AllowedHere(Diagnostics &diagnostics, const Diagnostics::Rules &more)
+        : diagnostics_(diagnostics), before_(diagnostics.allowed()) {
+        Diagnostics::Rules all = before_;
+        all.insert(more.begin(), more.end());
+        diagnostics.setAllowed(std::move(all));
+    }
+    ~AllowedHere() { diagnostics_.setAllowed(std::move(before_)); }
+    AllowedHere(const AllowedHere &) = delete;
+    AllowedHere &operator=(const AllowedHere &) = delete;
+
+private:
+    Diagnostics &diagnostics_;
+    Diagnostics::Rules before_;
 };
 
 } // namespace uti

@@ -2,6 +2,8 @@
 // command line; when it is the one asked for, it leaves the exit code in `result`.
 #pragma once
 
+#include "tools/rules.h"
+
 #include <CLI/CLI.hpp>
 
 namespace uti::tool {
@@ -12,7 +14,8 @@ enum ExitCode : int {
     exitUsage = 2   // wrong usage, no such file, or a file that cannot be written
 };
 
-void addCompileCommand(CLI::App &app, int &result);
+void addCheckCommand(CLI::App &app, FormRules formRules, int &result);
+void addCompileCommand(CLI::App &app, FormRules formRules, int &result);
 void addDumpCommand(CLI::App &app, int &result);
 void addLogCommand(CLI::App &app, int &result);
 void addShowCommand(CLI::App &app, int &result); // needs the widget toolkit

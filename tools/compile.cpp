@@ -1,7 +1,10 @@
-// compile.cpp: `uti compile`, sources into resource files and the header of their string ids.
+// compile.cpp: `uti compile`, sources into resource files and the header of their string ids, and
+// `uti check`, which makes nothing and says what is wrong with them.
+#include "tools/check.h"
 #include "tools/commands.h"
 #include "tools/cpp_header.h"
 #include "tools/files.h"
+#include "tools/finding_json.h"
 #include "tools/resource_source.h"
 
 #include <algorithm>
@@ -20,6 +23,13 @@ struct CompileOptions {
     fs::path directory;
     fs::path header;
     bool strict = false;
+    bool check = false;
+};
+
+struct CheckOptions {
+    std::vector<fs::path> sources;
+    std::string format = "text";
+    bool missing = false;
 };
 
 // A source on its way to its file.
@@ -112,22 +122,60 @@ std::string makeHeader(const fs::path &path, const std::vector<Unit> &units) {
     return text + "\n#endif\n";
 }
 
-int compile(const CompileOptions &options) {
+std::vector<Unit> readUnits(const std::vector<fs::path> &sources, Warnings warnings,
+                            Missing missing) {
+    std::vector<Unit> units;
+    for (const fs::path &path : sources) {
+        Unit unit{path, Diagnostics(path.string(), readInput(path), warnings), {}};
+        unit.source = readResourceSource(unit.diagnostics, missing);
+        units.push_back(std::move(unit));
+    }
+    reportClashes(units);
+    return units;
+}
+
+// Judges what could be read.
+void checkUnits(std::vector<Unit> &units, FormRules formRules, Missing missing) {
+    if (!formRules)
+        std::cerr << "uti: fit, fonts and images are not checked: this build has no toolkit\n";
+    for (Unit &unit : units)
+        if (!unit.diagnostics.hasErrors())
+            check(unit.source, fs::absolute(unit.path).parent_path(), formRules, missing,
+                  unit.diagnostics);
+}
+
+// Prints what was found. False when there is an error.
+bool printFindings(const std::vector<Unit> &units) {
+    for (const Unit &unit : units)
+        unit.diagnostics.print(std::cerr);
+    return std::ranges::none_of(units, [](const Unit &u) { return u.diagnostics.hasErrors(); });
+}
+
+int checkSources(const CheckOptions &options, FormRules formRules) {
+    const Missing missing = options.missing ? Missing::named : Missing::counted;
+    std::vector<Unit> units = readUnits(options.sources, Warnings::allowed, missing);
+    checkUnits(units, formRules, missing);
+    std::vector<const Diagnostics *> files;
+    for (const Unit &unit : units)
+        files.push_back(&unit.diagnostics);
+    if (options.format == "json")
+        writeFindingsAsJson(files, std::cout);
+    else
+        printFindings(units);
+    const auto isClean = [](const Diagnostics *file) { return file->isEmpty(); };
+    return std::ranges::all_of(files, isClean) ? exitDone : exitErrors;
+}
+
+int compile(const CompileOptions &options, FormRules formRules) {
     const std::optional<fs::path> directory = outputDirectory(options);
     if (!directory)
         return exitUsage;
 
     const Warnings warnings = options.strict ? Warnings::areErrors : Warnings::allowed;
-    std::vector<Unit> units;
-    for (const fs::path &path : options.sources) {
-        Unit unit{path, Diagnostics(path.string(), readInput(path), warnings), {}};
-        unit.source = readResourceSource(unit.diagnostics);
-        units.push_back(std::move(unit));
-    }
-    reportClashes(units);
-    for (const Unit &unit : units)
-        unit.diagnostics.print(std::cerr);
-    if (std::ranges::any_of(units, [](const Unit &u) { return u.diagnostics.hasErrors(); }))
+    std::vector<Unit> units = readUnits(options.sources, warnings, Missing::counted);
+    if (options.check)
+        checkUnits(units, formRules, Missing::counted);
+    if (!printFindings(units))
         return exitErrors;
 
     std::error_code failure; // told by what cannot be written there
@@ -142,7 +190,7 @@ int compile(const CompileOptions &options) {
 
 } // namespace
 
-void addCompileCommand(CLI::App &app, int &result) {
+void addCompileCommand(CLI::App &app, FormRules formRules, int &result) {
     CLI::App *command = app.add_subcommand("compile", "Makes resource files from their sources");
     const auto options = std::make_shared<CompileOptions>();
     command->add_option("SOURCE", options->sources, "Resource sources, a module each")
@@ -157,9 +205,28 @@ void addCompileCommand(CLI::App &app, int &result) {
         });
     command->add_option("--header", options->header,
                         "C header of the string ids to write, for C++ with a name in .hpp");
+    command->add_flag("--check", options->check, "Check them as well, as uti check does");
     command->add_flag("--strict", options->strict, "Treat warnings as errors");
     command->footer("Example:\n  uti compile first.toml -o build --header build/first.h\n");
-    command->callback([options, &result] { result = compile(*options); });
+    command->callback([=, &result] { result = compile(*options, formRules); });
+}
+
+void addCheckCommand(CLI::App &app, FormRules formRules, int &result) {
+    CLI::App *command = app.add_subcommand("check", "Finds mistakes in resource sources");
+    const auto options = std::make_shared<CheckOptions>();
+    command->add_option("SOURCE", options->sources, "Resource sources, a module each")
+        ->required()
+        ->check(CLI::ExistingFile);
+    command->add_option("--format", options->format, "How to write what was found")
+        ->check(CLI::IsMember({"text", "json"}))
+        ->capture_default_str();
+    command->add_flag("--missing", options->missing,
+                      "Name each text that a language lacks, not how many there are");
+    command->footer(
+        "Looks for images in the folder of the source and in UTI_IMAGES. The exit code\n"
+        "is 1 when anything was found.\n"
+        "Example:\n  uti check shop.toml\n");
+    command->callback([=, &result] { result = checkSources(*options, formRules); });
 }
 
 } // namespace uti::tool

@@ -4,6 +4,7 @@
 
 #include "common/utf8.h"
 #include "tools/dialog_texts.h"
+#include "tools/rules.h"
 #include "tools/source_text.h"
 
 #include <algorithm>
@@ -101,7 +102,8 @@ std::vector<std::string_view> keysOf(const Node &kind) {
     if (hasElements(kind))
         keys.push_back(elementsKey);
     if (kind.tag == dialog::tagDialogParameters) {
-        keys.insert(keys.end(), {"id", "languages", "root_tag", textTypeKey, hexNodeKey, textsKey});
+        keys.insert(keys.end(),
+                    {"id", "languages", "root_tag", textTypeKey, hexNodeKey, textsKey, allowKey});
         for (const Node &node : dialog::nodes)
             keys.emplace_back(node.name);
     }
@@ -141,7 +143,22 @@ void appendDefaults(const Node &kind, const std::vector<std::string> &omitted,
     }
 }
 
+// The keys of a table that are fields of the node, with the places of their values.
+std::vector<std::pair<std::string_view, Place>> placesOf(const Node &kind,
+                                                         const std::vector<TomlEntry> &entries) {
+    std::vector<std::pair<std::string_view, Place>> places;
+    for (const auto &[key, node] : entries)
+        if (const Field *field = findField(kind, key->str()))
+            places.emplace_back(field->name, begin(*node));
+    return places;
+}
+
 } // namespace
+
+Place SourceControl::at(std::string_view key) const {
+    const auto found = std::ranges::find(keys, key, &std::pair<std::string_view, Place>::first);
+    return found == keys.end() ? place : found->second;
+}
 
 void DialogReader::readColors(const toml::table &table) {
     for (const auto &[key, value] : entriesInOrder(table)) {
@@ -175,6 +192,7 @@ void DialogReader::readStyles(const toml::table &table) {
 
 std::string DialogReader::read(const toml::table &dialog, std::string_view language) {
     language_ = language;
+    controls_.clear();
     textType_ = readTextType(dialog);
     uint16_t rootTag = defaultDialogTag;
     Entries values;
@@ -185,7 +203,8 @@ std::string DialogReader::read(const toml::table &dialog, std::string_view langu
             rootTag = expectNumber(*entry.node, key, UINT8_MAX, diagnostics_).value_or(rootTag);
         else if (key == hexNodeKey || findNode(key))
             collectParts(entry, parts);
-        else if (key != "id" && key != "languages" && key != textTypeKey && key != textsKey)
+        else if (key != "id" && key != "languages" && key != textTypeKey && key != textsKey &&
+                 key != allowKey)
             values.push_back(entry);
     }
     if (rootTag < firstCompoundTag)
@@ -198,6 +217,9 @@ std::string DialogReader::read(const toml::table &dialog, std::string_view langu
         diagnostics_.error(begin(dialog), "a dialog needs a type: ",
                            describeChoices(*findField(dialog::nodes[0], "type")));
     const bool hasValues = !values.empty();
+    if (hasValues)
+        controls_.push_back(
+            {dialog::tagDialogParameters, begin(dialog), placesOf(dialog::nodes[0], values)});
     std::string description =
         hasValues ? readNode(dialog::nodes[0], dialog, std::move(values)) : "";
     if (hasValues && parts.empty())
@@ -222,8 +244,8 @@ char DialogReader::readTextType(const toml::table &dialog) {
 void DialogReader::warnOfEmptyEnd(const toml::node &place, std::string_view children) {
     const auto nodes = splitNodes(children);
     if (nodes && !nodes->empty() && nodes->back().value.empty())
-        diagnostics_.warning("empty-node", begin(place), "the last node, ",
-                             Hex{nodes->back().tag, 2}, ", is empty; the library does not read it");
+        report(diagnostics_, rule::emptyNode, begin(place), "the last node, ",
+               Hex{nodes->back().tag, 2}, ", is empty; the library does not read it");
 }
 
 // A kind of control is a table, or an array of them: `caption = { ... }`, `[[dialogs.NAME.edit]]`.
@@ -246,13 +268,18 @@ std::string DialogReader::readParts(std::vector<Part> parts) {
     std::map<const Node *, std::size_t> counts;
     for (const auto &[kind, table] : parts) {
         if (!kind) {
-            bytes += readHexPart(*table);
+            const std::string nodes = readHexPart(*table);
+            for (const NodeView &node : splitNodes(nodes).value_or(std::vector<NodeView>()))
+                controls_.push_back({node.tag, begin(*table), {}});
+            bytes += nodes;
             continue;
         }
         if (++counts[kind] > DIALOG_CONTROLS && isControl(*kind))
             diagnostics_.error(begin(*table), kind->name, ' ', counts[kind],
                                ": a dialog has at most ", +DIALOG_CONTROLS, " of a kind");
-        bytes += readNode(*kind, *table, entriesInOrder(*table));
+        Entries entries = entriesInOrder(*table);
+        controls_.push_back({kind->tag, begin(*table), placesOf(*kind, entries)});
+        bytes += readNode(*kind, *table, std::move(entries));
     }
     if (!parts.empty())
         warnOfEmptyEnd(*parts.back().table, bytes);
@@ -399,7 +426,7 @@ std::optional<uint32_t> DialogReader::readNumber(const Field &field, const toml:
 
     if (field.spelling == Spelling::keyCode && result.value_or(0) != 0 &&
         IG_GetIGKeyCode(*result) == 0)
-        diagnostics_.warning("key", begin(value), "dialogs do not know the key ", *result);
+        report(diagnostics_, rule::key, begin(value), "dialogs do not know the key ", *result);
     return result;
 }
 
@@ -431,8 +458,8 @@ std::string DialogReader::readArea(const toml::node &value) {
         return "";
     }
     if (right > displayWidth || bottom > displayHeight)
-        diagnostics_.warning("outside", begin(value), "area reaches to ", right, " x ", bottom,
-                             "; the display has ", displayWidth, " x ", displayHeight);
+        report(diagnostics_, rule::outside, begin(value), "area reaches to ", right, " x ", bottom,
+               "; the display has ", displayWidth, " x ", displayHeight);
     return nodeBytes(dialog::tagArea,
                      positionBytes((*numbers)[0], (*numbers)[1]) + positionBytes(right, bottom));
 }

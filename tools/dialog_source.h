@@ -19,6 +19,16 @@ namespace uti::tool {
 // A color as red, green and blue.
 using Color = std::array<uint8_t, 3>;
 
+// A node of a description where the source tells it.
+struct SourceControl {
+    uint8_t tag; // of the node
+    Place place;
+    std::vector<std::pair<std::string_view, Place>> keys; // its own, not those of its style
+
+    // The place of a key, or that of the control.
+    Place at(std::string_view key) const;
+};
+
 // Reads the dialogs of one source. Without a code page, which was reported before, its results are
 // of no use but its findings are complete.
 class DialogReader {
@@ -33,6 +43,9 @@ public:
 
     // The description of a dialog in one language. `id` and `languages` are the caller's keys.
     std::string read(const toml::table &dialog, std::string_view language);
+
+    // The nodes of the description that was read last.
+    std::vector<SourceControl> takeControls() { return std::move(controls_); }
 
 private:
     using Entries = std::vector<TomlEntry>; // in the order of the nodes that they make
@@ -70,6 +83,7 @@ private:
     Diagnostics &diagnostics_;
     std::map<std::string, Color, std::less<>> colors_;
     const toml::table *styles_ = nullptr;
+    std::vector<SourceControl> controls_;
     std::string_view language_; // of the present reading
     char textType_ = defaultTextType;
 };

@@ -21,6 +21,9 @@ namespace uti::tool {
 // The table of a dialog that holds its texts.
 inline constexpr std::string_view textsKey = "texts";
 
+// The key that names the rules which do not hold for a module, a string or a dialog.
+inline constexpr std::string_view allowKey = "allow";
+
 // A string of the module, or a text of the source's own, with what stands for its placeholders.
 struct NamedText {
     std::optional<uint16_t> string; // its id

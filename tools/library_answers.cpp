@@ -12,8 +12,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char *module = "uti_answers";
-
 } // namespace
 
 LibraryAnswers::LibraryAnswers(std::string_view bytes) : before_(fs::current_path()) {

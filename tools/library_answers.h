@@ -13,6 +13,8 @@ namespace uti::tool {
 // as the object lives. One at a time; no module of that name may be loaded.
 class LibraryAnswers {
 public:
+    static constexpr const char *module = "uti_answers";
+
     explicit LibraryAnswers(std::string_view bytes);
     ~LibraryAnswers();
     LibraryAnswers(const LibraryAnswers &) = delete;

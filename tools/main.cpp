@@ -1,5 +1,6 @@
 // main.cpp: the uti command, which makes and reads the files of the library. The subcommands are
 // rooms of their own (commands.h).
+#include "tools/check.h"
 #include "tools/commands.h"
 #include "tools/manual.h"
 #include "uti.h"
@@ -14,7 +15,13 @@ int main(int argc, char **argv) try {
     app.set_version_flag("--version", UTI_VERSION);
     app.require_subcommand(1);
     int result = exitDone;
-    addCompileCommand(app, result);
+#ifdef UTI_TOOLKIT
+    constexpr FormRules formRules = checkForm;
+#else
+    constexpr FormRules formRules = nullptr;
+#endif
+    addCompileCommand(app, formRules, result);
+    addCheckCommand(app, formRules, result);
     addDumpCommand(app, result);
     addLogCommand(app, result);
 #ifdef UTI_TOOLKIT

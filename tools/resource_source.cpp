@@ -3,6 +3,7 @@
 #include "tools/resource_source.h"
 
 #include "tools/dialog_source.h"
+#include "tools/rules.h"
 #include "tools/source_text.h"
 
 #include <algorithm>
@@ -34,7 +35,8 @@ struct Entry {
 // Reads a source once, for `readResourceSource`.
 class SourceReader {
 public:
-    explicit SourceReader(Diagnostics &diagnostics) : diagnostics_(diagnostics) {}
+    SourceReader(Diagnostics &diagnostics, Missing missing)
+        : diagnostics_(diagnostics), missing_(missing) {}
 
     ResourceSource read();
 
@@ -51,16 +53,21 @@ private:
     std::vector<Language> readLanguageList(const toml::array &list,
                                            const std::vector<Language> &known);
     void checkName(const toml::key &key);
+    Diagnostics::Rules readAllowed(const toml::node *node);
+    void reportMissing();
     std::optional<uint16_t> readId(const toml::key &key, const toml::node *node);
     Entry *claim(uint16_t id, EntryKind kind, const toml::key &key, const toml::table &table,
                  const std::vector<Language> &languages);
-    void readTexts(TableReader &reader, const std::vector<Language> &languages, Entry &entry);
+    void readTexts(TableReader &reader, const std::vector<Language> &languages, Entry &entry,
+                   StringName &name);
     std::string readBytes(const toml::node &node, std::string_view name);
     const CodePage *codePage() const { return source_.codePage ? &*source_.codePage : nullptr; }
     const std::vector<Language> &languagesOf(std::optional<uint16_t> id) const;
     void fillSection(uint8_t section);
 
     Diagnostics &diagnostics_;
+    const Missing missing_;
+    std::map<std::string, std::vector<std::pair<std::string, Place>>> lacking_; // by language
     ResourceSource source_;
     std::vector<Language> languages_;
     std::map<uint8_t, std::vector<Language>> sectionLanguages_;
@@ -74,6 +81,7 @@ ResourceSource SourceReader::read() {
         return {};
 
     TableReader reader(*document, diagnostics_);
+    diagnostics_.setAllowed(readAllowed(reader.find(allowKey)));
     readModule(reader.find<TomlText>("module"));
     source_.file.version = reader.findNumber("version", UINT16_MAX);
     readCodePage(reader.find<TomlText>("code_page"));
@@ -84,6 +92,7 @@ ResourceSource SourceReader::read() {
         readSections(*sections);
     if (const auto *strings = reader.find<toml::table>("strings"))
         readStrings(*strings);
+    reportMissing();
     for (const StringName &string : source_.names)
         stringIds_.emplace(string.name, string.id);
     DialogReader dialogs(codePage(), languages_, diagnostics_);
@@ -94,6 +103,7 @@ ResourceSource SourceReader::read() {
     if (const auto *tables = reader.find<toml::table>("dialogs"))
         readDialogs(*tables, dialogs);
     reader.reportUnknownKeys();
+    source_.languages = languages_;
 
     for (uint8_t section = 0; section <= sectionOf(lastStringId); ++section)
         fillSection(section);
@@ -178,6 +188,39 @@ void SourceReader::checkName(const toml::key &key) {
         diagnostics_.error(begin(key), '"', key.str(), "\" is no identifier of C");
 }
 
+// The names of rules; those that hold around need not be repeated.
+Diagnostics::Rules SourceReader::readAllowed(const toml::node *node) {
+    Diagnostics::Rules allowed;
+    const auto *names = node ? expect<toml::array>(*node, allowKey, diagnostics_) : nullptr;
+    for (std::size_t i = 0; names && i < names->size(); ++i) {
+        const auto *name = expect<TomlText>((*names)[i], "a rule", diagnostics_);
+        if (name && std::ranges::find(rules, name->get(), &Rule::name) == std::end(rules)) {
+            std::vector<std::string_view> known;
+            std::ranges::transform(rules, std::back_inserter(known), &Rule::name);
+            diagnostics_.error(begin(*name), '"', name->get(), "\" is no rule",
+                               hint(name->get(), known));
+        } else if (name) {
+            allowed.insert(name->get());
+        }
+    }
+    return allowed;
+}
+
+void SourceReader::reportMissing() {
+    for (const auto &[language, strings] : lacking_) {
+        const std::size_t more = strings.size() - 1;
+        for (const auto &[name, place] : strings) {
+            if (missing_ == Missing::named || more == 0) {
+                report(diagnostics_, rule::missing, place, name, " has no text in ", language);
+                continue;
+            }
+            report(diagnostics_, rule::missing, place, name, " and ", more,
+                   more == 1 ? " other has" : " others have", " no text in ", language);
+            break;
+        }
+    }
+}
+
 std::optional<uint16_t> SourceReader::readId(const toml::key &key, const toml::node *node) {
     if (!node)
         diagnostics_.error(begin(key), key.str(), " has no id");
@@ -220,7 +263,11 @@ void SourceReader::readString(const toml::key &key, const toml::table &table) {
     Entry *claimed = id ? claim(*id, EntryKind::string, key, table, {}) : nullptr;
     Entry &entry = claimed ? *claimed : unnumbered;
     const std::vector<Language> &languages = languagesOf(id);
-    readTexts(reader, languages, entry);
+    StringName unnamed{};
+    StringName &name = claimed ? source_.names.back() : unnamed;
+    name.allowed = readAllowed(reader.find(allowKey));
+    const AllowedHere allowed(diagnostics_, name.allowed);
+    readTexts(reader, languages, entry, name);
     reader.reportUnknownKeys();
     if (hex && !entry.bytes.empty())
         diagnostics_.error(begin(*hex), "hex stands for every language; no text goes with it");
@@ -228,9 +275,9 @@ void SourceReader::readString(const toml::key &key, const toml::table &table) {
     for (const Language &language : languages) {
         if (hex)
             entry.bytes[language.code] = bytes;
-        else if (!entry.bytes.empty() && !entry.bytes.contains(language.code))
-            diagnostics_.warning("missing", begin(key), key.str(), " has no text in ",
-                                 language.code);
+        else if (!entry.bytes.empty() && !entry.bytes.contains(language.code) &&
+                 !diagnostics_.allowed().contains(rule::missing.name))
+            lacking_[language.code].emplace_back(key.str(), begin(key));
     }
     if (entry.bytes.empty() && !table.contains("hex"))
         diagnostics_.error(begin(key), key.str(), " has neither a text nor hex");
@@ -255,7 +302,9 @@ void SourceReader::readDialog(const toml::key &key, const toml::table &table,
             languages = readLanguageList(*array, languages);
     }
     Entry *entry = id ? claim(*id, EntryKind::dialog, key, table, languages) : nullptr;
-    SourceDialog dialog{std::string(key.str()), id.value_or(0), begin(key), {}, {}};
+    SourceDialog dialog{std::string(key.str()), id.value_or(0), begin(key), {}, {}, {}, {}};
+    dialog.allowed = readAllowed(table.get(allowKey));
+    const AllowedHere allowed(diagnostics_, dialog.allowed);
     std::vector<std::string> labels;
     for (const Language &language : languages) {
         std::string description = reader.read(table, language.code);
@@ -268,6 +317,7 @@ void SourceReader::readDialog(const toml::key &key, const toml::table &table,
     if (const toml::node *texts = table.get(textsKey))
         if (const auto *named = expect<toml::table>(*texts, textsKey, diagnostics_))
             dialog.texts = readDialogTexts(*named, stringIds_, labels, codePage(), diagnostics_);
+    dialog.controls = reader.takeControls();
     if (entry)
         source_.dialogs.push_back(std::move(dialog));
 }
@@ -291,7 +341,7 @@ std::vector<Language> SourceReader::readLanguageList(const toml::array &list,
 // Takes the texts of a string: `en = ...`, or `text.id = ...` where the key alone would mean
 // another thing.
 void SourceReader::readTexts(TableReader &reader, const std::vector<Language> &languages,
-                             Entry &entry) {
+                             Entry &entry, StringName &name) {
     const toml::table none;
     const auto *text = reader.find<toml::table>("text");
     TableReader inner(text ? *text : none, diagnostics_);
@@ -302,6 +352,8 @@ void SourceReader::readTexts(TableReader &reader, const std::vector<Language> &l
                 continue;
             if (std::ranges::find(languages, code, &Language::code) == languages.end())
                 diagnostics_.error(begin(*node), "[sections] does not list ", code, " here");
+            if (!node->is_table())
+                name.texts.emplace(code, begin(*node));
             if (!entry.bytes.emplace(code, readBytes(*node, code)).second)
                 diagnostics_.error(begin(*node), code, " is given twice");
         }
@@ -367,8 +419,8 @@ bool isModuleName(std::string_view name) {
     return isIdentifier(name) && name.size() <= longestModuleName;
 }
 
-ResourceSource readResourceSource(Diagnostics &diagnostics) {
-    return SourceReader(diagnostics).read();
+ResourceSource readResourceSource(Diagnostics &diagnostics, Missing missing) {
+    return SourceReader(diagnostics, missing).read();
 }
 
 } // namespace uti::tool

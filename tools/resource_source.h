@@ -4,6 +4,7 @@
 
 #include "common/code_page.h"
 #include "common/diagnostics.h"
+#include "tools/dialog_source.h"
 #include "tools/dialog_texts.h"
 #include "tools/resource_model.h"
 
@@ -19,6 +20,8 @@ struct StringName {
     std::string name;
     uint16_t id;
     Place place;
+    std::map<std::string, Place, std::less<>> texts{}; // by language; none of a dialog
+    Diagnostics::Rules allowed{};
 };
 
 // A dialog of the source: what it says beside the description that goes into the file.
@@ -28,6 +31,8 @@ struct SourceDialog {
     Place place;
     std::vector<std::string> languages;
     DialogTexts texts;
+    std::vector<SourceControl> controls; // the nodes of its description, in their order
+    Diagnostics::Rules allowed;
 };
 
 inline constexpr std::size_t longestModuleName = 12;
@@ -41,14 +46,18 @@ bool isNamePart(char c);
 struct ResourceSource {
     std::string module;
     Place modulePlace;
+    std::vector<Language> languages;
     std::vector<StringName> names;     // in file order
     std::vector<SourceDialog> dialogs; // in file order; an id has one for each of its languages
     std::optional<CodePage> codePage;
     ResourceFile file;
 };
 
+// How many of the texts that a language lacks are reported: each, or one that counts them.
+enum class Missing : uint8_t { counted, named };
+
 // Reads the text of `diagnostics`. The result may be used when no error was reported.
-ResourceSource readResourceSource(Diagnostics &diagnostics);
+ResourceSource readResourceSource(Diagnostics &diagnostics, Missing missing = Missing::counted);
 
 // The source of a file, with the strings named after their ids. What is no readable text in the
 // code page stands there in hex.
