@@ -1,18 +1,19 @@
-# uti_add_resources(TARGET SOURCE... HEADER FILE)
+# uti_add_resources(TARGET SOURCE... HEADER FILE [CHECK])
 #
 # Compiles resource sources for TARGET when the project is built. Each SOURCE, such as first.toml,
 # is named after its module (`module = "first"` in it) and makes first.res in the caller's binary
 # folder, CMAKE_CURRENT_BINARY_DIR. FILE, a name such as first.h, becomes the C header of all string
 # ids in the same folder, which TARGET can include; with a name such as first.hpp they are the typed
 # constants of uti.hpp. Both are made anew when a source or the uti command changes; files whose
-# content stays the same keep their time, so nothing is compiled for them.
+# content stays the same keep their time, so nothing is compiled for them. With CHECK the sources
+# are checked as well, as uti check does; mistakes that would mislead a person stop the build.
 #
 # The uti command is the one that UTI_TOOL names; else that of the package or of the build; else, as
 # in a cross build, the one that CMake finds on this PC.
 function(uti_add_resources target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "HEADER" "")
+  cmake_parse_arguments(PARSE_ARGV 1 arg "CHECK" "HEADER" "")
   if(NOT arg_HEADER OR NOT arg_UNPARSED_ARGUMENTS)
-    message(FATAL_ERROR "usage: uti_add_resources(TARGET SOURCE... HEADER FILE)")
+    message(FATAL_ERROR "usage: uti_add_resources(TARGET SOURCE... HEADER FILE [CHECK])")
   endif()
   uti_find_tool()
   set(tool uti::uti-tool)
@@ -29,6 +30,9 @@ function(uti_add_resources target)
   foreach(source IN LISTS arg_UNPARSED_ARGUMENTS)
     cmake_path(ABSOLUTE_PATH source NORMALIZE)
     cmake_path(GET source STEM LAST_ONLY module)
+    if(NOT EXISTS ${source})
+      message(FATAL_ERROR "uti_add_resources: there is no ${source}")
+    endif()
     file(STRINGS ${source} named REGEX "^module *= *\"${module}\"")
     if(NOT named)
       message(FATAL_ERROR "uti_add_resources: ${source} must begin with: module = \"${module}\"")
@@ -37,6 +41,11 @@ function(uti_add_resources target)
     list(APPEND made ${CMAKE_CURRENT_BINARY_DIR}/${module}.res)
   endforeach()
 
+  set(check "")
+  if(arg_CHECK)
+    set(check --check)
+  endif()
+
   # A stamp stands for the run: the files themselves stay older than their source when it changes
   # without effect.
   set(stamp ${CMAKE_CURRENT_BINARY_DIR}/${arg_HEADER}.stamp)
@@ -44,7 +53,7 @@ function(uti_add_resources target)
     OUTPUT ${stamp}
     BYPRODUCTS ${made}
     COMMAND ${tool} compile ${sources} -o ${CMAKE_CURRENT_BINARY_DIR}
-      --header ${CMAKE_CURRENT_BINARY_DIR}/${arg_HEADER}
+      --header ${CMAKE_CURRENT_BINARY_DIR}/${arg_HEADER} ${check}
     COMMAND ${CMAKE_COMMAND} -E touch ${stamp}
     DEPENDS ${sources} ${tool}
     COMMENT "Making ${arg_HEADER} and the resources of ${target}"

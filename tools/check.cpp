@@ -106,8 +106,7 @@ void checkStrings(const ResourceSource &source, Missing missing, Diagnostics &di
             const std::string others =
                 more == 0 ? "" : concat(" and ", more, more == 1 ? " other" : " others");
             report(diagnostics, rule::missing, string->texts.at(language), string->name, others,
-                   more == 0 ? " is in " : " are in ", language, " what ",
-                   more == 0 ? "it is" : "they are", " in ", *first);
+                   more == 0 ? " says" : " say", " the same in ", language, " as in ", *first);
             if (missing == Missing::counted)
                 break;
         }
@@ -328,6 +327,7 @@ const SourceControl &CheckedDialog::control(dialog::Tag kind, std::size_t index)
 void check(const ResourceSource &source, const fs::path &folder, FormRules formRules,
            Missing missing, Diagnostics &diagnostics) {
     checkStrings(source, missing, diagnostics);
+    setenv("UTI_QUIET", "1", 1); // what the stand-in would notice is found here
     const LibraryAnswers library(writeResourceFile(source.file));
     if (library.result() != UTI_OK) {
         diagnostics.error({}, "the library cannot load the file: ", library.result());

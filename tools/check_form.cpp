@@ -42,7 +42,6 @@ private:
 // The one behind the display, on a clock that does not wait.
 Examiner &examiner() {
     static Examiner *const one = [] {
-        setenv("UTI_QUIET", "1", 1); // what the toolkit would notice is found here
         host::useVirtualClock();
         auto owned = std::make_unique<Examiner>();
         Examiner *const made = owned.get();

@@ -83,7 +83,8 @@ void reportClashes(std::vector<Unit> &units) {
         const auto take = [&](std::string_view name, Place place) {
             const std::string key = identifier(unit, name);
             const auto [other, isFree] = taken.emplace(key, unit.diagnostics.path());
-            if (!isFree)
+            // Of two names in one source the reader tells.
+            if (!isFree && other->second != unit.diagnostics.path())
                 unit.diagnostics.error(place, "the header has ", key, " already, from ",
                                        other->second);
         };

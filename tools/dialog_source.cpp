@@ -68,6 +68,18 @@ std::string describeChoices(const Field &field) {
     return concat(list, list.empty() ? "" : " or ", "0 to ", choices.most);
 }
 
+bool isDuration(const Field &field) {
+    return std::string_view(field.name) == "timeout";
+}
+
+std::vector<std::string_view> namesOf(const Choices &choices) {
+    std::vector<std::string_view> names;
+    for (const Choice &each : choices.named)
+        if (!choices.areTruth)
+            names.push_back(each.name);
+    return names;
+}
+
 // The name by which a value may stand for a number; empty for none.
 std::string_view spelledName(const toml::node &value, const Choices &choices) {
     if (const toml::value<bool> *truth = value.as_boolean(); truth && choices.areTruth)
@@ -422,7 +434,9 @@ std::optional<uint32_t> DialogReader::readNumber(const Field &field, const toml:
     else if (number && number->get() >= 0 && number->get() <= int64_t{choices.most})
         result = static_cast<uint32_t>(number->get());
     else
-        diagnostics_.error(begin(value), field.name, " must be ", describeChoices(field));
+        diagnostics_.error(begin(value), field.name, " must be ",
+                           isDuration(field) ? "milliseconds, " : "", describeChoices(field),
+                           text ? hint(text->get(), namesOf(choices)) : "");
 
     if (field.spelling == Spelling::keyCode && result.value_or(0) != 0 &&
         IG_GetIGKeyCode(*result) == 0)

@@ -69,6 +69,8 @@ constexpr Default buttonDefaults[] = {
     {"justify", R"("center")"}, {"font", font}, {"border", R"("line")"}, {"colors", focusColors}};
 constexpr Default menuDefaults[] = {{"font", font}, {"colors", focusColors}};
 constexpr Default boxDefaults[] = {{"border", R"("line")"}, {"colors", plainColors}};
+// The bar is filled with the active background.
+constexpr Default progressDefaults[] = {{"border", R"("line")"}, {"colors", focusColors}};
 constexpr Default elementDefaults[] = {{"enabled", "true"}};
 
 struct NodeDefaults {
@@ -85,7 +87,7 @@ constexpr NodeDefaults nodeDefaults[] = {
     {dialog::tagIpEdit, ipEditDefaults},
     {dialog::tagButton, buttonDefaults},
     {dialog::tagMenu, menuDefaults},
-    {dialog::tagProgressBar, boxDefaults},
+    {dialog::tagProgressBar, progressDefaults},
     {dialog::tagSignature, boxDefaults},
     {dialog::tagMenuElement, elementDefaults},
 };

@@ -72,7 +72,8 @@ private:
     std::vector<Language> languages_;
     std::map<uint8_t, std::vector<Language>> sectionLanguages_;
     std::map<uint16_t, Entry> strings_;
-    StringIds stringIds_; // of the strings alone
+    std::map<std::string, Place> places_; // of the names
+    StringIds stringIds_;                 // of the strings alone
 };
 
 ResourceSource SourceReader::read() {
@@ -248,6 +249,13 @@ Entry *SourceReader::claim(uint16_t id, EntryKind kind, const toml::key &key,
         return nullptr;
     }
     source_.names.push_back({name, id, begin(key)});
+    const auto [other, isNew] = places_.emplace(name, begin(key));
+    if (!isNew) {
+        diagnostics_.error(begin(key), name,
+                           " is the name of a string as well; the header has one "
+                           "constant for a name");
+        diagnostics_.note(other->second, "the string is here");
+    }
     return &entry;
 }
 
@@ -258,6 +266,14 @@ void SourceReader::readString(const toml::key &key, const toml::table &table) {
     const TomlText *hex = reader.find<TomlText>("hex");
     if (languages_.empty())
         return;
+    for (const auto &[code, node] : table) {
+        const bool isKnown =
+            std::ranges::find(languages_, code.str(), &Language::code) != languages_.end();
+        if (isLanguageCode(code.str()) && !isKnown && code.str() != "id") {
+            diagnostics_.error(begin(code), '"', code.str(), "\" is not in [languages]");
+            reader.find(code.str());
+        }
+    }
 
     Entry unnumbered{};
     Entry *claimed = id ? claim(*id, EntryKind::string, key, table, {}) : nullptr;

@@ -50,6 +50,69 @@ std::string_view openingOf(std::string_view rest, char before) {
     return {};
 }
 
+// Reports a source in another encoding than UTF-8, by the name of the likely one.
+bool isOtherEncoding(Diagnostics &diagnostics) {
+    const std::string_view text = diagnostics.text();
+    const std::string_view head = text.substr(0, 4);
+    if (head.starts_with("\xFF\xFE") || head.starts_with("\xFE\xFF") ||
+        head.find('\0') != head.npos) {
+        diagnostics.error({1, 1}, "the source is in UTF-16; save it as UTF-8");
+        return true;
+    }
+    constexpr std::string_view replacement = "\xEF\xBF\xBD";
+    std::optional<Place> first;
+    std::size_t wrong = 0;
+    std::size_t letters = 0; // that the wrong bytes are in windows-1251
+    Place at{1, 1};
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::string_view before = rest;
+        const bool isWrong =
+            takeCharacter(rest) == replacementCharacter && !before.starts_with(replacement);
+        const auto byte = static_cast<unsigned char>(before[0]);
+        wrong += isWrong ? 1 : 0;
+        letters += isWrong && (byte >= 0xC0 || byte == 0xA8 || byte == 0xB8) ? 1 : 0;
+        if (isWrong && !first)
+            first = at;
+        at = byte == '\n' ? Place{at.line + 1, 1} : Place{at.line, at.column + 1};
+    }
+    if (!first)
+        return false;
+    diagnostics.error(*first, "the source is not in UTF-8",
+                      letters * 10 >= wrong * 9 ? ", but in windows-1251, it seems" : "",
+                      "; save it as UTF-8");
+    return true;
+}
+
+std::string_view trimmed(std::string_view line) {
+    constexpr std::string_view blanks = " \t";
+    const std::size_t from = line.find_first_not_of(blanks);
+    return from == line.npos ? std::string_view()
+                             : line.substr(from, line.find_last_not_of(blanks) + 1 - from);
+}
+
+// What a line gives: the header of a table, or the key before the equals sign.
+std::string_view givenBy(std::string_view line) {
+    line = trimmed(line);
+    return line.starts_with('[') ? trimmed(line.substr(0, line.find('#')))
+                                 : trimmed(line.substr(0, line.find('=')));
+}
+
+// Where the table or key that a line gives was given before, in the same table; nothing when it is
+// spelled in another way there.
+std::optional<Place> givenBefore(const SourceText &source, uint32_t line) {
+    const std::string_view given = givenBy(source.lineFrom(line, 1));
+    const bool isTable = given.starts_with('[');
+    while (!given.empty() && --line > 0) {
+        const std::string_view text = source.lineFrom(line, 1);
+        if (givenBy(text) == given)
+            return Place{line, static_cast<uint32_t>(text.find(given[0]) + 1),
+                         static_cast<uint32_t>(countCharacters(given))};
+        if (!isTable && trimmed(text).starts_with('['))
+            break;
+    }
+    return std::nullopt;
+}
+
 // Reports the first character outside of texts and comments that is not ASCII, or a key of too many
 // parts. No such character is allowed there, a Cyrillic letter among Latin ones is a likely slip,
 // and toml++ has no defined behaviour for some of them; of the parts it makes a table in a table
@@ -131,12 +194,15 @@ Place end(const toml::node &node) {
 }
 
 std::optional<toml::table> parseToml(Diagnostics &diagnostics) {
-    if (hasStrayCharacter(diagnostics))
+    if (isOtherEncoding(diagnostics) || hasStrayCharacter(diagnostics))
         return std::nullopt;
     toml::parse_result result = toml::parse(std::string_view(diagnostics.text()));
     if (!result) {
         const toml::parse_error &error = result.error();
         diagnostics.error(placeOf(error.source()), error.description());
+        if (error.description().find("redefine") != std::string_view::npos)
+            if (const auto before = givenBefore(diagnostics.source(), error.source().begin.line))
+                diagnostics.note(*before, "it is here already");
         return std::nullopt;
     }
     return std::move(result).table();
