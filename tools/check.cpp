@@ -135,7 +135,7 @@ void reportRefusal(const CheckedDialog &checked, int32_t result, Diagnostics &di
             break;
         }
     }
-    diagnostics.error(place, "the library refuses this in ", checked.language, ": ", result);
+    diagnostics.error(place, "the library refuses this with ", result);
 }
 
 // A control of a dialog with a key of its own.
@@ -177,24 +177,17 @@ void checkButtons(const CheckedDialog &checked, Diagnostics &diagnostics) {
 
     const auto buttons = entriesOf(currentGraphicButtonParameters);
     const Place place = checked.dialog.place;
-    std::vector<Place> cancelling;
-    bool isLeftToApplication = false;
-    std::size_t index = 0;
-    for (const GraphicButtonEntry &button : buttons) {
-        isLeftToApplication = isLeftToApplication || button.option != 0;
-        if (button.option == 0 && button.key == IG_KEY_ESCAPE)
-            cancelling.push_back(checked.control(dialog::tagButton, index).at("key"));
-        ++index;
-    }
+    // Two that cancel have one key, and a button that does not end the form is the application's.
+    const bool mayCancel = std::ranges::any_of(buttons, [](const GraphicButtonEntry &button) {
+        return button.option != 0 || button.key == IG_KEY_ESCAPE;
+    });
     if (buttons.empty())
         report(diagnostics, rule::buttons, place, "a confirmation needs buttons");
-    else if (cancelling.empty() && !isLeftToApplication)
-        report(diagnostics, rule::buttons, checked.control(dialog::tagButton, index - 1).place,
+    else if (!mayCancel)
+        report(diagnostics, rule::buttons,
+               checked.control(dialog::tagButton, buttons.size() - 1).place,
                buttons.size() == 1 ? "the only button" : "every button",
                " of this confirmation answers yes; one that cancels has key = \"ESCAPE\"");
-    else if (cancelling.size() > 1)
-        report(diagnostics, rule::buttons, cancelling.back(), cancelling.size(),
-               " buttons of this confirmation cancel it");
 }
 
 void checkRoles(const CheckedDialog &checked, Diagnostics &diagnostics) {

@@ -216,7 +216,7 @@ void SourceReader::reportMissing() {
                 continue;
             }
             report(diagnostics_, rule::missing, place, name, " and ", more,
-                   more == 1 ? " other has" : " others have", " no text in ", language);
+                   more == 1 ? " other have" : " others have", " no text in ", language);
             break;
         }
     }
