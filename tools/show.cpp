@@ -1,22 +1,23 @@
-// show.cpp: `uti show`, the dialogs of a resource file as they look on the terminal. The library
-// itself loads and builds them, on the toolkit of the desktop.
-#include "Src/utiDialogsRecords.h"
+// show.cpp: `uti show`, the dialogs of a source or a resource file as they look on the terminal: as
+// pictures, on one sheet, on a page or in a window, and again whenever the file is saved.
 #include "host/faces/window_face.h"
-#include "host/terminal/clock.h"
+#include "host/terminal/notice.h"
 #include "host/toolkit/display.h"
-#include "host/toolkit/dump.h"
 #include "host/toolkit/image.h"
 #include "tools/commands.h"
-#include "tools/dialog_values.h"
+#include "tools/dialog_pictures.h"
 #include "tools/files.h"
-#include "tools/resource_source.h"
+#include "tools/show_page.h"
+#include "tools/show_sheet.h"
 
 #include <algorithm>
-#include <array>
 #include <bit>
+#include <charconv>
+#include <chrono>
 #include <cstdlib>
 #include <iostream>
 #include <memory>
+#include <thread>
 
 namespace uti::tool {
 
@@ -26,232 +27,344 @@ namespace fs = std::filesystem;
 
 struct ShowOptions {
     fs::path file;
-    std::optional<uint16_t> dialog; // all without one
-    std::string language;           // all when empty
-    fs::path directory = ".";
+    std::string dialog;   // name or id; all when empty
+    std::string language; // all when empty
+    fs::path directory;   // for pictures and texts
+    fs::path sheet;
+    fs::path page;       // the folder of the page
     int windowScale = 0; // 0 without a window
+    bool isWatched = false;
 };
 
-// A dialog in one language.
-struct Shown {
-    uint16_t id;
-    std::string language;
-};
-
-// Looks at each form once, saves it and has it cancelled.
-class Camera final : public host::Face {
+// Whether a file has been saved. A file that is being written has not come to rest.
+class FileWatch {
 public:
-    explicit Camera(host::Display &display) : display_(display) {}
+    explicit FileWatch(fs::path path) : path_(std::move(path)), known_(stamp()), last_(known_) {}
 
-    void aim(fs::path path) {
-        path_ = std::move(path);
-        isTaken = isSaved = false;
+    // To be asked every `pause`; true once for each time that the file came to rest anew.
+    static constexpr std::chrono::milliseconds pause{50};
+    bool wasSaved() {
+        const Stamp now = stamp();
+        const bool isAtRest = now == std::exchange(last_, now) && now.second > 0;
+        return isAtRest && now != std::exchange(known_, now);
     }
-
-    void show(const host::Surface &, const host::Rect &) override {}
-    std::optional<host::Event> next(uint32_t milliseconds) override {
-        if (!display_.running()) {
-            host::pass(milliseconds);
-            return std::nullopt;
-        }
-        if (!std::exchange(isTaken, true)) {
-            display_.redraw();
-            isSaved = host::saveImage(display_.surface(), path_.string() + ".png") &&
-                      host::saveDump(display_, path_.string() + ".txt");
-        }
-        return host::Event{.kind = host::Event::Kind::close};
-    }
-
-    bool isTaken = false; // of the form that was aimed at
-    bool isSaved = false;
 
 private:
-    host::Display &display_;
+    using Stamp = std::pair<fs::file_time_type, std::uintmax_t>;
+
+    Stamp stamp() const {
+        std::error_code error;
+        const fs::file_time_type time = fs::last_write_time(path_, error);
+        const std::uintmax_t size = error ? 0 : fs::file_size(path_, error);
+        return error ? Stamp{} : Stamp{time, size};
+    }
+
     fs::path path_;
+    Stamp known_, last_;
 };
 
-bool isDialog(std::string_view bytes) {
-    const auto nodes = splitNodes(bytes);
-    return nodes && nodes->size() == 1 && nodes->front().tag >= firstCompoundTag;
+// An id as a source spells it.
+std::optional<uint16_t> idIn(std::string_view text) {
+    const bool isHex = text.starts_with("0x") || text.starts_with("0X");
+    text.remove_prefix(isHex ? 2 : 0);
+    uint16_t id = 0;
+    const auto [end, error] =
+        std::from_chars(text.data(), text.data() + text.size(), id, isHex ? 16 : 10);
+    return error == std::errc() && end == text.data() + text.size() ? std::optional(id)
+                                                                    : std::nullopt;
 }
 
-// The dialogs that are asked for, by id and in the order of the languages.
-std::vector<Shown> dialogsOf(const ResourceFile &file, const ShowOptions &options) {
-    std::vector<Shown> found;
-    for (const auto &[section, tables] : file.sections)
-        for (const auto &[language, strings] : tables)
-            for (const auto &[index, bytes] : strings) {
-                const uint16_t id = stringId(section, index);
-                if (options.dialog.value_or(id) == id && isDialog(bytes) &&
-                    (options.language.empty() || options.language == language.code))
-                    found.push_back({id, language.code});
+// What is shown, and again when it has changed.
+class Show {
+public:
+    explicit Show(const ShowOptions &options)
+        : options_(options), file_(fs::absolute(options.file)), watch_(file_) {
+        for (fs::path *path : {&options_.directory, &options_.sheet, &options_.page})
+            if (!path->empty())
+                *path = fs::absolute(*path);
+        if (options_.directory.empty() && options_.sheet.empty() && options_.page.empty())
+            options_.directory = fs::current_path();
+        if (const char *images = std::getenv("UTI_IMAGES"); images && *images)
+            setenv("UTI_IMAGES", fs::absolute(images).c_str(), 1);
+        unsetenv("UTI_WINDOW"); // the options alone say how the display is seen
+    }
+
+    int run() {
+        bool isGood = refresh();
+        while (!loaded_ && options_.isWatched)
+            waitForSave();
+        if (!loaded_)
+            return exitErrors;
+        if (options_.windowScale > 0)
+            return window();
+        isGood = draw() && isGood;
+        while (options_.isWatched) {
+            waitForSave();
+            draw();
+        }
+        return isGood ? exitDone : exitErrors;
+    }
+
+private:
+    class WindowFace;
+
+    // A module with at least one dialog that is asked for.
+    struct Content {
+        ShownModule module;
+        std::vector<ShownDialog> dialogs;
+    };
+
+    // Reads the file; nothing when something is wrong with it, which is told.
+    std::optional<Content> read() const {
+        std::optional<ShownModule> module = readShownModule(file_, options_.file.string());
+        if (!module)
+            return std::nullopt;
+        std::vector<ShownDialog> dialogs = dialogsOf(*module);
+        const std::optional<uint16_t> id = idIn(options_.dialog);
+        std::erase_if(dialogs, [&](const ShownDialog &each) {
+            const bool isMeant =
+                options_.dialog.empty() || each.id == id || each.name == options_.dialog;
+            return !isMeant || (!options_.language.empty() && each.language != options_.language);
+        });
+        if (dialogs.empty()) {
+            std::cerr << module->path << ": error: there is no such dialog"
+                      << (id || options_.dialog.empty() || !module->names.empty()
+                              ? "\n"
+                              : "; a resource file knows ids alone\n");
+            return std::nullopt;
+        }
+        return Content{*std::move(module), std::move(dialogs)};
+    }
+
+    void adopt(Content content) {
+        loaded_.reset();
+        content_ = std::move(content);
+        loaded_.emplace(content_.module, file_.parent_path());
+    }
+
+    // Reads the file and loads it. What was there before stays when that fails.
+    bool refresh() {
+        return attempt([&] {
+            std::optional<Content> content = read();
+            if (content)
+                adopt(*std::move(content));
+            return content.has_value();
+        });
+    }
+
+    void waitForSave() {
+        do
+            std::this_thread::sleep_for(FileWatch::pause);
+        while (!watch_.wasSaved() || !refresh());
+    }
+
+    // While the file is watched, the next save may mend what fails.
+    template <class Action>
+    bool attempt(Action action) try {
+        return action();
+    } catch (const std::exception &failure) {
+        if (!options_.isWatched)
+            throw;
+        std::cerr << "uti: " << failure.what() << '\n';
+        return false;
+    }
+
+    // Whoever looks at the file sees the old picture or the new one.
+    static void save(const fs::path &path, const host::Surface &surface) {
+        fs::path fresh = path;
+        fresh += ".new";
+        std::error_code failure;
+        if (host::saveImage(surface, fresh.string()))
+            fs::rename(fresh, path, failure);
+        else
+            failure = std::make_error_code(std::errc::io_error);
+        if (!failure)
+            return;
+        std::error_code ignored;
+        fs::remove(fresh, ignored);
+        throw std::runtime_error("cannot write " + path.string());
+    }
+
+    // Whether it is another picture than the last one of that name; the others' files are left
+    // alone.
+    bool isNews(const fs::path &path, const Picture &picture) {
+        std::string pixels = picture.dump;
+        const host::Size size = picture.surface->size();
+        for (int y = 0; y < size.height; ++y)
+            pixels.append(std::bit_cast<const char *>(picture.surface->row(y)),
+                          static_cast<std::size_t>(size.width) * sizeof(host::Color));
+        const std::size_t hash = std::hash<std::string>()(pixels);
+        return std::exchange(saved_[path], hash) != hash;
+    }
+
+    bool draw() {
+        return attempt([&] {
+            const auto start = std::chrono::steady_clock::now();
+            const bool isWhole = drawAll();
+            const std::chrono::duration<double, std::milli> taken =
+                std::chrono::steady_clock::now() - start;
+            if (options_.isWatched)
+                std::cout << content_.dialogs.size() << " pictures drawn in "
+                          << static_cast<int>(taken.count()) << " ms; watching "
+                          << options_.file.string() << std::endl;
+            return isWhole;
+        });
+    }
+
+    // False when a dialog cannot be shown.
+    bool drawAll() {
+        std::optional<Sheet> sheet;
+        std::optional<Page> page;
+        if (!options_.sheet.empty())
+            sheet.emplace(content_.dialogs);
+        if (!options_.page.empty()) {
+            fs::create_directories(options_.page);
+            page.emplace(content_.module.name, content_.dialogs);
+        }
+
+        bool isWhole = true;
+        loaded_->picture(content_.dialogs, [&](const Picture &picture) {
+            const auto &[id, name, language] = picture.dialog;
+            std::ostringstream digits;
+            digits << std::hex << std::uppercase << id;
+            const std::string file = concat(content_.module.name, '-', digits.str(), '-', language);
+            if (sheet)
+                sheet->add(picture);
+            if (page)
+                page->add(picture, file + ".png");
+            if (!picture.surface) {
+                std::cerr << options_.file.string() << ": error: the dialog " << name << " in "
+                          << language << " cannot be shown: " << picture.result << '\n';
+                isWhole = false;
+                return;
             }
-    std::ranges::stable_sort(found, {}, &Shown::id);
-    return found;
-}
-
-// Labels, which get their texts from the application, show what they are called.
-std::vector<LabelValue> labelsOf(std::vector<std::string> &names) {
-    for (const auto &entry : entriesOf(currentGraphicLabelParameters))
-        names.emplace_back(entry.name);
-    std::erase(names, "");
-    std::vector<LabelValue> labels;
-    for (const std::string &name : names)
-        labels.push_back({name.c_str(), name.c_str()});
-    labels.push_back({});
-    return labels;
-}
-
-int32_t runList(const DialogRequest &request) {
-    static constexpr const char *texts[] = {"First item",   "Second item", "Third item",
-                                            "Fourth item",  "Fifth item",  "Sixth item",
-                                            "Seventh item", "Eighth item", "Ninth item"};
-    std::array<ListItem, std::size(texts)> items{};
-    for (std::size_t i = 0; i < items.size(); ++i)
-        items[i].word1 = std::bit_cast<uintptr_t>(texts[i]);
-    const ListRequest list{request, items.data(), static_cast<uint16_t>(items.size())};
-    return DialogList_DoModal(&list);
-}
-
-// Returns the dialog's result; UTI_OK or a code of how it ended when it was shown.
-int32_t run(const std::string &module, uint16_t id) {
-    Dialogs_ResetControls();
-    const int32_t known = GetDialogParameters(module.c_str(), id, DIALOG_MESSAGE);
-    if (known < 0 && known != UTI_DIALOG_OTHER_TYPE)
-        return known;
-
-    constexpr uint32_t day = 24 * 60 * 60 * 1000; // or a message would not wait at all
-    const std::string caption = concat(module, ' ', Hex{id, 4});
-    std::vector<std::string> names;
-    const std::vector<LabelValue> labels = labelsOf(names);
-    DialogRequest request{};
-    request.resourceId = id;
-    request.module = module.c_str();
-    request.caption = caption.c_str();
-    request.text = "Text";
-    request.labelValues = labels.data();
-    request.timeout = day;
-
-    switch (currentDialogType) {
-    case DIALOG_MESSAGE:
-        return DialogMessage_Show(&request, SHOW_UNLIMITED);
-    case DIALOG_CONFIRMATION: {
-        const ConfirmationRequest question{request, "No", "Yes"};
-        return DialogConfirmation_DoModal(&question);
+            if (page && isNews(options_.page / file, picture))
+                save(options_.page / (file + ".png"), *picture.surface);
+            if (!options_.directory.empty() && isNews(options_.directory / file, picture)) {
+                save(options_.directory / (file + ".png"), *picture.surface);
+                writeFile(options_.directory / (file + ".txt"), picture.dump);
+                std::cout << file << ".png\n" << file << ".txt\n";
+            }
+        });
+        if (sheet)
+            save(options_.sheet, sheet->surface());
+        if (page)
+            writeFile(options_.page / "index.html", page->html());
+        return isWhole;
     }
-    case DIALOG_EDIT: {
-        EditRequest edit{};
-        edit.dialog = request;
-        char buffer[DIALOG_LONG_TEXT + 1] = "";
-        return DialogEdit_DoModal(&edit, buffer, sizeof buffer);
-    }
-    case DIALOG_LIST:
-        return runList(request);
-    default:
-        return DialogSignature_DoModal(&request, "/dev/null");
-    }
-}
 
-// The library finds a module in the present folder by its name.
-std::optional<std::string> enterFolderOf(const fs::path &file) {
-    const std::string module = file.stem().string();
-    if (file.extension() != ".res" || !isModuleName(module)) {
-        std::cerr << "uti: " << file.string() << " is not named after a module, such as shop.res\n";
-        return std::nullopt;
-    }
-    fs::current_path(fs::absolute(file).parent_path());
-    return module;
-}
+    int window();
 
-int showInWindow(const std::string &module, const std::vector<Shown> &dialogs, int scale) {
-    auto window = host::openWindow(host::display(), {.scale = scale, .record = {}, .pictures = {}});
+    ShowOptions options_;
+    fs::path file_;
+    FileWatch watch_;
+    Content content_;
+    std::optional<LoadedModule> loaded_; // of the content
+    std::map<fs::path, std::size_t> saved_;
+};
+
+// A window that has the running dialog cancelled when there is a new one to show.
+class Show::WindowFace final : public host::Face {
+public:
+    WindowFace(Show &show, std::unique_ptr<host::Face> window)
+        : show_(show), window_(std::move(window)) {}
+
+    void show(const host::Surface &surface, const host::Rect &changed) override {
+        window_->show(surface, changed);
+    }
+    std::optional<host::Event> next(uint32_t milliseconds) override {
+        wasAsked = true;
+        if (show_.options_.isWatched && isDue() && show_.watch_.wasSaved())
+            show_.attempt([&] { return (fresh = show_.read()).has_value(); });
+        if (fresh && host::display().running())
+            return host::Event{.kind = host::Event::Kind::close};
+        const auto pause = static_cast<uint32_t>(FileWatch::pause.count());
+        const auto event = window_->next(std::min(milliseconds, pause));
+        isClosed = isClosed || (event && event->kind == host::Event::Kind::close);
+        return event;
+    }
+
+    std::optional<Content> fresh; // what was saved since
+    bool wasAsked = false;        // by a running dialog
+    bool isClosed = false;        // by the person
+
+private:
+    bool isDue() {
+        const auto now = std::chrono::steady_clock::now();
+        return now - asked_ >= FileWatch::pause && (asked_ = now, true);
+    }
+
+    Show &show_;
+    std::unique_ptr<host::Face> window_;
+    std::chrono::steady_clock::time_point asked_{};
+};
+
+// One dialog after the other; while the file is watched, from the last to the first again.
+int Show::window() {
+    auto window = host::openWindow(host::display(),
+                                   {.scale = options_.windowScale, .record = {}, .pictures = {}});
     if (!window)
         return exitUsage;
-    host::display().useFace(std::move(window));
-    for (const auto &[id, language] : dialogs) {
-        Resource_SetLanguage(language.c_str());
-        run(module, id);
-    }
-    return exitDone;
-}
-
-int saveAll(const std::string &module, const std::vector<Shown> &dialogs, const fs::path &directory,
-            const std::string &path) {
-    host::useVirtualClock();
-    auto owned = std::make_unique<Camera>(host::display());
-    Camera &camera = *owned;
+    auto owned = std::make_unique<WindowFace>(*this, std::move(window));
+    WindowFace &face = *owned;
     host::display().useFace(std::move(owned));
 
-    int result = exitDone;
-    for (const auto &[id, language] : dialogs) {
-        std::ostringstream digits;
-        digits << std::hex << std::uppercase << id;
-        const std::string name = concat(module, '-', digits.str(), '-', language);
-        camera.aim(directory / name);
-        Resource_SetLanguage(language.c_str());
-        const int32_t shown = run(module, id);
-        if (camera.isSaved) {
-            std::cout << name << ".png\n" << name << ".txt\n";
-            continue;
+    bool isWhole = true;
+    for (std::size_t at = 0; at < content_.dialogs.size() && !face.isClosed;) {
+        const ShownDialog &dialog = content_.dialogs[at];
+        face.wasAsked = false;
+        const int32_t result = loaded_->run(dialog);
+        if (!face.wasAsked) {
+            host::notice(concat("the dialog ", dialog.name, " in ", dialog.language,
+                                " cannot be shown: ", result));
+            isWhole = false;
+            host::display().wait(static_cast<uint32_t>(FileWatch::pause.count()));
         }
-        if (camera.isTaken) {
-            std::cerr << "uti: cannot write " << (directory / name).string() << ".png and .txt\n";
-            return exitUsage;
+        if (face.fresh) {
+            const bool isSame = face.fresh->dialogs.size() == content_.dialogs.size();
+            adopt(*std::exchange(face.fresh, std::nullopt));
+            at = isSame ? at : 0;
+        } else if (++at == content_.dialogs.size() && options_.isWatched) {
+            at = 0;
         }
-        std::cerr << path << ": error: the dialog " << Hex{id, 4} << " in " << language
-                  << " cannot be shown: " << shown << '\n';
-        result = exitErrors;
     }
-    return result;
-}
-
-int show(const ShowOptions &options) {
-    const std::string path = options.file.string();
-    const std::string bytes = readInput(options.file);
-    Diagnostics diagnostics(path);
-    const std::optional<ResourceFile> file = readResourceFile(bytes, diagnostics);
-    diagnostics.print(std::cerr);
-    if (!file)
-        return exitErrors;
-    const std::vector<Shown> dialogs = dialogsOf(*file, options);
-    if (dialogs.empty()) {
-        std::cerr << path << ": error: there is no such dialog\n";
-        return exitErrors;
-    }
-
-    unsetenv("UTI_WINDOW"); // the options alone say how the display is seen
-    const fs::path directory = fs::absolute(options.directory);
-    const std::optional<std::string> module = enterFolderOf(options.file);
-    if (!module)
-        return exitUsage;
-    if (const int32_t loaded = Resource_Initialize(module->c_str()); loaded != UTI_OK) {
-        std::cerr << path << ": error: the library cannot load it: " << loaded << '\n';
-        return exitErrors;
-    }
-    return options.windowScale > 0 ? showInWindow(*module, dialogs, options.windowScale)
-                                   : saveAll(*module, dialogs, directory, path);
+    return isWhole ? exitDone : exitErrors;
 }
 
 } // namespace
 
 void addShowCommand(CLI::App &app, int &result) {
-    CLI::App *command = app.add_subcommand("show", "Shows the dialogs of a resource file");
+    CLI::App *command =
+        app.add_subcommand("show", "Shows the dialogs of a source or a resource file");
     const auto options = std::make_shared<ShowOptions>();
-    command->add_option("FILE", options->file, "Resource file")
+    command->add_option("FILE", options->file, "Resource source (.toml) or resource file (.res)")
         ->required()
         ->check(CLI::ExistingFile);
-    command->add_option("--dialog", options->dialog, "Id of the dialog to show (default: all)");
+    command->add_option("--dialog", options->dialog,
+                        "Name or id of the dialog to show (default: all)");
     command->add_option("--lang", options->language, "Language to show (default: all)");
-    command->add_option("--out", options->directory, "Folder to write to")
-        ->check(CLI::ExistingDirectory)
-        ->capture_default_str();
+    CLI::Option *out = command
+                           ->add_option("--out", options->directory,
+                                        "Folder to write a picture and a text of each to (default: "
+                                        "the present one, if nothing else is asked for)")
+                           ->check(CLI::ExistingDirectory);
+    CLI::Option *sheet =
+        command->add_option("--sheet", options->sheet, "Picture (.png) to write with all of them");
+    CLI::Option *page = command->add_option(
+        "--html", options->page, "Folder to write a page for a browser to, made if missing");
     command
         ->add_flag("--window{1}", options->windowScale,
                    "Show them in a window, each until a key ends it; --window=2 for a larger one")
-        ->check(CLI::Range(1, 4));
+        ->check(CLI::Range(1, 4))
+        ->excludes(out)
+        ->excludes(sheet)
+        ->excludes(page);
+    command->add_flag("--watch", options->isWatched,
+                      "Go on, and draw anew whenever the file is saved; Ctrl-C ends it");
     command->footer("Writes a picture and a text for each dialog and language.\n"
-                    "Example:\n  uti show shop.res --dialog 0x3001 --out pictures\n");
-    command->callback([options, &result] { result = show(*options); });
+                    "Examples:\n  uti show shop.toml --dialog ENTER_PIN --out pictures\n"
+                    "  uti show shop.toml --html page --watch\n");
+    command->callback([options, &result] { result = Show(*options).run(); });
 }
 
 } // namespace uti::tool

@@ -376,7 +376,8 @@ std::optional<Cut> Display::cutStatusLine() const {
 std::vector<Misfit> Display::misfits(const Rect &part) const {
     std::vector<Misfit> all;
     if (auto cut = cutStatusLine(); cut && part.y < StatusLine::height)
-        all.push_back({"the status line", *std::move(cut)});
+        all.push_back(
+            {"the status line", *std::move(cut), {0, 0, size().width, StatusLine::height}});
     for (const Form *form : visibleForms())
         std::ranges::move(misfitsOf(*form, part), std::back_inserter(all));
     return all;

@@ -23,13 +23,14 @@ std::vector<Misfit> misfitsOf(const Form &form, const Rect &part) {
     const std::string of = " of \"" + toUtf8(form.caption) + '"';
     if (!part.intersected(form.header()).empty())
         if (auto cut = form.cutCaption())
-            all.push_back({"caption" + of, *std::move(cut)});
+            all.push_back({"caption" + of, *std::move(cut), form.header()});
     for (const Widget *widget : form.widgets) {
-        if (part.intersected(widget->area.moved(form.client().origin())).empty())
+        const Rect area = widget->area.moved(form.client().origin());
+        if (part.intersected(area).empty())
             continue;
         if (auto cut = widget->cut())
-            all.push_back(
-                {widget->describe().kind + ' ' + written(widget->area) + of, *std::move(cut)});
+            all.push_back({widget->describe().kind + ' ' + written(widget->area) + of,
+                           *std::move(cut), area});
     }
     return all;
 }

@@ -12,6 +12,7 @@ namespace uti::host {
 struct Misfit {
     std::string where; // such as: input 8,24 222x28 of "Registration"; UTF-8
     Cut cut;
+    Rect area; // in pixels of the display
 
     std::string sentence() const;
 };
