@@ -80,30 +80,43 @@ private:
     bool isTaken_ = true; // of the dialog that was aimed at
 };
 
-// Labels, which get their texts from the application, show what they are called.
-std::map<std::string, std::string> labelsOfDescription() {
-    std::map<std::string, std::string> labels;
+// What stands for texts that no source names: labels show what they are called.
+ResolvedTexts standIns(const ShownModule &module, const ShownDialog &dialog) {
+    ResolvedTexts texts;
+    texts.caption = concat(module.name, ' ', Hex{dialog.id, 4});
+    texts.text = "Text";
+    texts.buttons = {"Yes", "No"};
     for (const auto &entry : entriesOf(currentGraphicLabelParameters))
-        labels.emplace(entry.name, entry.name);
-    labels.erase("");
-    return labels;
+        if (const std::string name = entry.name; !name.empty())
+            texts.labels.emplace_back(name, name);
+    texts.items = {"First item", "Second item",  "Third item",  "Fourth item", "Fifth item",
+                   "Sixth item", "Seventh item", "Eighth item", "Ninth item"};
+    return texts;
 }
 
-// The words for the dialog whose description is loaded.
-DialogWords wordsOf(const ShownModule &module, const ShownDialog &dialog) {
-    return {concat(module.name, ' ', Hex{dialog.id, 4}),
-            "Text",
-            {"Yes", "No"},
-            labelsOfDescription(),
-            {"First item", "Second item", "Third item", "Fourth item", "Fifth item", "Sixth item",
-             "Seventh item", "Eighth item", "Ninth item"}};
+// The texts of the dialog whose description is loaded.
+ResolvedTexts textsOf(const ShownModule &module, const ShownDialog &dialog) {
+    const bool areNamed = dialog.source && dialog.source->texts.areNamed() && module.codePage;
+    return areNamed ? resolveTexts(dialog.source->texts, module.file, *module.codePage,
+                                   dialog.language, dialog.variant)
+                    : standIns(module, dialog);
 }
 
-int32_t runWith(const DialogWords &words, DialogRequest &request) {
-    request.caption = words.caption.c_str();
-    request.text = words.text.c_str();
+const char *orNull(const std::optional<std::string> &text) {
+    return text ? text->c_str() : nullptr;
+}
+
+// The first or second of a confirmation's texts or suffixes.
+const char *orNull(const std::vector<std::string> &texts, std::size_t at) {
+    return at < texts.size() ? texts[at].c_str() : nullptr;
+}
+
+int32_t runWith(const ResolvedTexts &texts, DialogRequest &request) {
+    request.caption = orNull(texts.caption);
+    request.text = orNull(texts.text);
+    request.imageName = texts.image.empty() ? nullptr : texts.image.c_str();
     std::vector<LabelValue> labels;
-    for (const auto &[name, text] : words.labels)
+    for (const auto &[name, text] : texts.labels)
         labels.push_back({name.c_str(), text.c_str()});
     labels.push_back({});
     request.labelValues = labels.data();
@@ -112,9 +125,12 @@ int32_t runWith(const DialogWords &words, DialogRequest &request) {
     case DIALOG_MESSAGE:
         return DialogMessage_Show(&request, SHOW_UNLIMITED);
     case DIALOG_CONFIRMATION: {
-        const ConfirmationRequest question{request, words.buttons[1].c_str(),
-                                           words.buttons[0].c_str()};
-        return DialogConfirmation_DoModal(&question);
+        const ConfirmationRequest question{request, orNull(texts.buttons, 1),
+                                           orNull(texts.buttons, 0)};
+        return texts.suffixes.size() == 2
+                   ? DialogSelect_DoModal_IG(&question, orNull(texts.suffixes, 0),
+                                             orNull(texts.suffixes, 1))
+                   : DialogConfirmation_DoModal(&question);
     }
     case DIALOG_EDIT: {
         EditRequest edit{};
@@ -123,9 +139,9 @@ int32_t runWith(const DialogWords &words, DialogRequest &request) {
         return DialogEdit_DoModal(&edit, buffer, sizeof buffer);
     }
     case DIALOG_LIST: {
-        std::vector<ListItem> items(words.items.size());
+        std::vector<ListItem> items(texts.items.size());
         for (std::size_t i = 0; i < items.size(); ++i)
-            items[i].word1 = std::bit_cast<uintptr_t>(words.items[i].c_str());
+            items[i].word1 = std::bit_cast<uintptr_t>(texts.items[i].c_str());
         const ListRequest list{request, items.data(), static_cast<uint16_t>(items.size())};
         return DialogList_DoModal(&list);
     }
@@ -160,7 +176,7 @@ private:
 } // namespace
 
 std::optional<ShownModule> readShownModule(const fs::path &file, std::string path) {
-    ShownModule module{path, file.stem().string(), {}, {}, {}};
+    ShownModule module{path, file.stem().string(), {}, {}, {}, {}};
     const bool isSource = file.extension() == ".toml";
     if (!isSource && (file.extension() != ".res" || !isModuleName(module.name)))
         throw std::runtime_error(path + " is not named after a module, such as shop.res, and no "
@@ -176,8 +192,8 @@ std::optional<ShownModule> readShownModule(const fs::path &file, std::string pat
             module.bytes = writeResourceFile(source.file);
         module.name = source.module;
         module.file = std::move(source.file);
-        for (StringName &each : source.names)
-            module.names.emplace(each.id, std::move(each.name));
+        module.dialogs = std::move(source.dialogs);
+        module.codePage = std::move(source.codePage);
     } else if (auto read = readResourceFile(bytes, diagnostics)) {
         isGood = true;
         module.file = *std::move(read);
@@ -195,11 +211,17 @@ std::vector<ShownDialog> dialogsOf(const ShownModule &module) {
                 const uint16_t id = stringId(section, index);
                 if (!isDialog(bytes))
                     continue;
-                const auto name = module.names.find(id);
-                found.push_back({id, name == module.names.end() ? concat(Hex{id, 4}) : name->second,
-                                 language.code});
+                const auto source =
+                    std::ranges::find_if(module.dialogs, [&](const SourceDialog &each) {
+                        return each.id == id && std::ranges::count(each.languages, language.code);
+                    });
+                const SourceDialog *known = source == module.dialogs.end() ? nullptr : &*source;
+                const std::size_t variants = known ? variantsOf(known->texts) : 1;
+                for (std::size_t variant = 0; variant < variants; ++variant)
+                    found.push_back({id, known ? known->name : concat(Hex{id, 4}), variant,
+                                     language.code, known});
             }
-    std::ranges::stable_sort(found, {}, &ShownDialog::id);
+    std::ranges::stable_sort(found, {}, &ShownDialog::key);
     return found;
 }
 
@@ -230,7 +252,7 @@ int32_t LoadedModule::run(const ShownDialog &dialog) const {
     request.resourceId = dialog.id;
     request.module = module_.name.c_str();
     request.timeout = day;
-    return runWith(wordsOf(module_, dialog), request);
+    return runWith(textsOf(module_, dialog), request);
 }
 
 void LoadedModule::picture(const std::vector<ShownDialog> &dialogs,

@@ -9,44 +9,44 @@
 
 #include <filesystem>
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace uti::tool {
 
-// A module that the library can load.
+// A module that the library can load. Only a source says what its dialogs are called and which
+// texts they get.
 struct ShownModule {
     std::string path; // of its file, as the user wrote it
     std::string name;
     ResourceFile file;
-    std::string bytes;                     // of the resource file
-    std::map<uint16_t, std::string> names; // of strings and dialogs; none when a .res was read
+    std::string bytes; // of the resource file
+    std::vector<SourceDialog> dialogs;
+    std::optional<CodePage> codePage;
 };
 
 // Reads a source (.toml) or a resource file (.res), which must be named after its module; tells on
 // standard error what is wrong with it. Throws like `readInput`.
 std::optional<ShownModule> readShownModule(const std::filesystem::path &file, std::string path);
 
-// A dialog in one language.
+// A dialog in one language, with one of its choices of texts.
 struct ShownDialog {
     uint16_t id;
     std::string name; // as the source calls it, else its id
+    std::size_t variant;
     std::string language;
+    const SourceDialog *source; // of the module; null when a resource file was read
+
+    std::string title() const { return variant == 0 ? name : concat(name, " (", variant + 1, ')'); }
+    // The same for all languages of a dialog.
+    std::pair<uint16_t, std::size_t> key() const { return {id, variant}; }
 };
 
-// The dialogs of a module by id, each in the order of its languages.
+// The dialogs of a module by id, each in the order of its languages, and once for each choice of
+// texts that its source names.
 std::vector<ShownDialog> dialogsOf(const ShownModule &module);
-
-// What an application puts into a dialog, in the terminal's code page.
-struct DialogWords {
-    std::string caption;
-    std::string text;
-    std::string buttons[2];
-    std::map<std::string, std::string> labels; // by name
-    std::vector<std::string> items;
-};
 
 // Something on the display that a person reads, or what is wrong with it; texts are in UTF-8.
 struct PictureText {

@@ -128,7 +128,7 @@ private:
         });
         if (dialogs.empty()) {
             std::cerr << module->path << ": error: there is no such dialog"
-                      << (id || options_.dialog.empty() || !module->names.empty()
+                      << (id || options_.dialog.empty() || !module->dialogs.empty()
                               ? "\n"
                               : "; a resource file knows ids alone\n");
             return std::nullopt;
@@ -185,6 +185,20 @@ private:
         throw std::runtime_error("cannot write " + path.string());
     }
 
+    // Such as shop-3005-en, or shop-3005-2-en for the second of several choices of texts.
+    std::string fileName(const ShownDialog &dialog) const {
+        std::ostringstream name;
+        name << content_.module.name << '-' << std::hex << std::uppercase << dialog.id << std::dec;
+        if (dialog.variant > 0)
+            name << '-' << dialog.variant + 1;
+        name << '-' << dialog.language;
+        return name.str();
+    }
+
+    static std::string failed(const ShownDialog &dialog) {
+        return concat("the dialog ", dialog.title(), " in ", dialog.language, " cannot be shown: ");
+    }
+
     // Whether it is another picture than the last one of that name; the others' files are left
     // alone.
     bool isNews(const fs::path &path, const Picture &picture) {
@@ -224,17 +238,14 @@ private:
 
         bool isWhole = true;
         loaded_->picture(content_.dialogs, [&](const Picture &picture) {
-            const auto &[id, name, language] = picture.dialog;
-            std::ostringstream digits;
-            digits << std::hex << std::uppercase << id;
-            const std::string file = concat(content_.module.name, '-', digits.str(), '-', language);
+            const std::string file = fileName(picture.dialog);
             if (sheet)
                 sheet->add(picture);
             if (page)
                 page->add(picture, file + ".png");
             if (!picture.surface) {
-                std::cerr << options_.file.string() << ": error: the dialog " << name << " in "
-                          << language << " cannot be shown: " << picture.result << '\n';
+                std::cerr << options_.file.string() << ": error: " << failed(picture.dialog)
+                          << picture.result << '\n';
                 isWhole = false;
                 return;
             }
@@ -315,8 +326,7 @@ int Show::window() {
         face.wasAsked = false;
         const int32_t result = loaded_->run(dialog);
         if (!face.wasAsked) {
-            host::notice(concat("the dialog ", dialog.name, " in ", dialog.language,
-                                " cannot be shown: ", result));
+            host::notice(concat(failed(dialog), result));
             isWhole = false;
             host::display().wait(static_cast<uint32_t>(FileWatch::pause.count()));
         }

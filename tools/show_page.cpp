@@ -136,24 +136,18 @@ std::string placed(const host::Rect &area) {
                   ";--h:", area.height, '"');
 }
 
-template <class Value>
-void addOnce(std::vector<Value> &values, const Value &value) {
-    if (std::ranges::find(values, value) == values.end())
-        values.push_back(value);
-}
-
 } // namespace
 
 Page::Page(const std::string &module, const std::vector<ShownDialog> &dialogs) : module_(module) {
-    for (const auto &[id, name, language] : dialogs) {
-        addOnce(languages_, language);
-        addOnce(ids_, id);
-        titles_[id] = name;
+    for (const ShownDialog &each : dialogs) {
+        if (std::ranges::find(languages_, each.language) == languages_.end())
+            languages_.push_back(each.language);
+        dialogs_.emplace(each.key(), each);
     }
 }
 
 void Page::add(const Picture &picture, const std::string &file) {
-    const auto &[id, name, language] = picture.dialog;
+    const std::string &language = picture.dialog.language;
     std::string rules, marks, sentences, texts;
     for (const auto &[area, rule, text] : picture.findings) {
         rules += (rules.empty() ? "" : " ") + rule;
@@ -169,7 +163,7 @@ void Page::add(const Picture &picture, const std::string &file) {
     if (!picture.surface)
         ++rules_[rules = "shown"];
 
-    std::string &figure = figures_[{id, language}];
+    std::string &figure = figures_[{picture.dialog.key(), language}];
     figure = concat("<figure data-language=\"", escaped(language), "\" data-rules=\"",
                     escaped(rules), "\">\n<figcaption>", escaped(language));
     if (!picture.findings.empty())
@@ -178,9 +172,10 @@ void Page::add(const Picture &picture, const std::string &file) {
     figure += "</figcaption>\n";
     if (picture.surface) {
         size_ = picture.surface->size();
-        figure += concat("<div class=\"screen\"><img src=\"", escaped(file), "\" width=\"",
-                         size_.width, "\" height=\"", size_.height, "\" alt=\"", escaped(name),
-                         " in ", escaped(language), "\">\n", marks, "</div>\n");
+        figure +=
+            concat("<div class=\"screen\"><img src=\"", escaped(file), "\" width=\"", size_.width,
+                   "\" height=\"", size_.height, "\" alt=\"", escaped(picture.dialog.title()),
+                   " in ", escaped(language), "\">\n", marks, "</div>\n");
         ++pictures_;
     } else {
         figure +=
@@ -204,16 +199,16 @@ std::string Page::html() const {
     for (const auto &[rule, count] : rules_)
         choices += concat("<option value=\"", escaped(rule), "\">only ", escaped(rule), " (", count,
                           ")</option>\n");
-    for (const uint16_t id : ids_) {
-        const std::string number = concat(Hex{id, 4});
-        const std::string &title = titles_.at(id);
-        sections += concat("<section id=\"d", number, "\">\n<h2><a href=\"#d", number, "\">",
-                           escaped(title), "</a>");
-        if (title != number)
+    for (const auto &[key, dialog] : dialogs_) {
+        const std::string number = concat(Hex{dialog.id, 4});
+        const std::string anchor = concat('d', number, '-', dialog.variant + 1);
+        sections += concat("<section id=\"", anchor, "\">\n<h2><a href=\"#", anchor, "\">",
+                           escaped(dialog.title()), "</a>");
+        if (dialog.source)
             sections += concat("<small>", number, "</small>");
         sections += "</h2>\n<div class=\"row\">\n";
         for (const std::string &language : languages_) {
-            const auto figure = figures_.find({id, language});
+            const auto figure = figures_.find({key, language});
             sections +=
                 figure != figures_.end()
                     ? figure->second
@@ -228,10 +223,10 @@ std::string Page::html() const {
         "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\">\n<meta "
         "name=\"viewport\" content=\"width=device-width, initial-scale=1\">\n<link rel=\"icon\" "
         "href=\"data:,\">\n<title>",
-        escaped(module_), ": ", counted(ids_.size(), "dialog"), "</title>\n<style>", style,
+        escaped(module_), ": ", counted(dialogs_.size(), "dialog"), "</title>\n<style>", style,
         ":root { --width: ", size_.width, "; --height: ", size_.height,
         "; }\n</style>\n</head>\n<body>\n<header>\n<h1>", escaped(module_),
-        "</h1>\n<div id=\"count\">", counted(ids_.size(), "dialog"), ", ",
+        "</h1>\n<div id=\"count\">", counted(dialogs_.size(), "dialog"), ", ",
         counted(languages_.size(), "language"), ", <span id=\"shown\"></span>",
         counted(pictures_, "picture"), ", ", counted(static_cast<std::size_t>(findings), "finding"),
         "</div>\n<form autocomplete=\"off\" hidden>\n<fieldset aria-label=\"Languages\">\n", boxes,

@@ -23,11 +23,12 @@ public:
     std::string html() const;
 
 private:
+    using Key = std::pair<uint16_t, std::size_t>;
+
     std::string module_;
     std::vector<std::string> languages_;
-    std::vector<uint16_t> ids_;
-    std::map<uint16_t, std::string> titles_;
-    std::map<std::pair<uint16_t, std::string>, std::string> figures_;
+    std::map<Key, ShownDialog> dialogs_;                         // in any of their languages
+    std::map<std::pair<Key, std::string>, std::string> figures_; // by language
     std::map<std::string, int> rules_; // findings by the name of their rule
     std::size_t pictures_ = 0;
     host::Size size_; // of a picture

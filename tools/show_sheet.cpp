@@ -62,12 +62,12 @@ int columnsFor(int blocks, Size block) {
 } // namespace
 
 Sheet::Sheet(const std::vector<ShownDialog> &dialogs) : surface_({0, 0}) {
-    for (const auto &[id, name, language] : dialogs) {
-        addOnce(ids_, id);
-        addOnce(languages_, language);
+    for (const ShownDialog &each : dialogs) {
+        addOnce(keys_, each.key());
+        addOnce(languages_, each.language);
     }
     const Size block = blockOf(languages_.size());
-    const int count = static_cast<int>(ids_.size());
+    const int count = static_cast<int>(keys_.size());
     columns_ = columnsFor(count, block);
     const Size size{gap + columns_ * block.width,
                     gap + (count + columns_ - 1) / columns_ * block.height};
@@ -83,7 +83,7 @@ Sheet::Sheet(const std::vector<ShownDialog> &dialogs) : surface_({0, 0}) {
 host::Rect Sheet::placeOf(const ShownDialog &dialog) const {
     const Size screen = host::display().size();
     const Size block = blockOf(languages_.size());
-    const int at = indexIn(ids_, dialog.id);
+    const int at = indexIn(keys_, dialog.key());
     return {gap + at % columns_ * block.width +
                 indexIn(languages_, dialog.language) * (screen.width + between),
             gap + at / columns_ * block.height + titleHeight + labelHeight, screen.width,
@@ -96,12 +96,12 @@ void Sheet::add(const Picture &picture) {
     host::Fonts &fonts = host::display().stage().fonts;
     const auto titleFont = fonts.label(20), font = fonts.label(15);
 
-    const bool isNamed = !picture.dialog.name.starts_with("0x");
+    const std::string title = picture.dialog.title();
     host::Point at{place.x - indexIn(languages_, picture.dialog.language) * (place.width + between),
                    place.y - labelHeight - titleHeight};
-    painter.text(at, picture.dialog.name, *titleFont, ink);
-    if (isNamed)
-        painter.text({at.x + titleFont->width(picture.dialog.name) + 8, at.y + 4},
+    painter.text(at, title, *titleFont, ink);
+    if (picture.dialog.source)
+        painter.text({at.x + titleFont->width(title) + 8, at.y + 4},
                      concat(Hex{picture.dialog.id, 4}), *font, soft);
 
     at = {place.x, place.y - labelHeight};

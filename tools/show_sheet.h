@@ -20,7 +20,7 @@ public:
 private:
     host::Rect placeOf(const ShownDialog &dialog) const; // of its picture
 
-    std::vector<uint16_t> ids_;
+    std::vector<std::pair<uint16_t, std::size_t>> keys_;
     std::vector<std::string> languages_;
     int columns_ = 1;
     host::Surface surface_;
