@@ -23,8 +23,8 @@ form { display: flex; flex-wrap: wrap; gap: 8px 20px; align-items: center; margi
 fieldset { display: flex; gap: 12px; border: 0; margin: 0; padding: 0; }
 select, input[type=search] { font: inherit; color: inherit; background: var(--paper); border: 1px solid var(--line);
   border-radius: 6px; padding: 4px 8px; }
-main { padding: 8px 24px 48px; }
-section { margin: 16px 0; padding: 16px 20px; background: var(--card); border: 1px solid var(--line);
+main { padding: 20px 24px 48px; display: flex; flex-wrap: wrap; gap: 20px; align-items: flex-start; }
+section { max-width: 100%; padding: 16px 20px; background: var(--card); border: 1px solid var(--line);
   border-radius: 10px; }
 h2 { margin: 0 0 12px; font-size: 17px; }
 h2 small { margin-left: 8px; font-weight: normal; color: var(--soft); }
@@ -54,7 +54,7 @@ dl div:hover dd { color: var(--accent); }
 .absent { width: calc(var(--width) * 1px * var(--scale)); height: calc(var(--height) * 1px * var(--scale));
   display: grid; place-content: center; color: var(--soft); outline: 1px dashed var(--line); }
 .failed { color: var(--alarm); }
-#none { padding: 48px; text-align: center; color: var(--soft); }
+#none { flex: 1; padding: 48px; text-align: center; color: var(--soft); }
 [hidden] { display: none !important; }
 @media print { form { display: none; } header { position: static; } section { break-inside: avoid; } }
 )css";
@@ -63,7 +63,6 @@ constexpr const char *script = R"js(
 (function () {
   'use strict';
   const filters = document.querySelector('form');
-  const figures = Array.from(document.querySelectorAll('figure'));
   const sections = Array.from(document.querySelectorAll('section'));
   const all = document.querySelectorAll('figure img').length;
 
@@ -136,6 +135,13 @@ std::string placed(const host::Rect &area) {
                   ";--h:", area.height, '"');
 }
 
+// From top to bottom, and from left to right.
+std::vector<PictureText> readingOrder(std::vector<PictureText> texts) {
+    std::ranges::stable_sort(
+        texts, {}, [](const PictureText &each) { return std::pair(each.area.y, each.area.x); });
+    return texts;
+}
+
 } // namespace
 
 Page::Page(const std::string &module, const std::vector<ShownDialog> &dialogs) : module_(module) {
@@ -157,9 +163,15 @@ void Page::add(const Picture &picture, const std::string &file) {
                         number, "</b></i>\n");
         sentences += concat("<li>", escaped(text), " [", escaped(rule), "]</li>\n");
     }
-    for (const auto &[area, kind, text] : picture.texts)
-        texts += concat("<div", placed(area), "><dt>", escaped(kind), "</dt><dd lang=\"",
-                        escaped(language), "\">", escaped(text), "</dd></div>\n");
+    const PictureText *above = nullptr;
+    const std::vector<PictureText> all = readingOrder(picture.texts);
+    for (const PictureText &each : all) {
+        const bool isSame = above && above->area == each.area;
+        texts += concat("<div", placed(each.area), "><dt>", isSame ? "" : escaped(each.kind),
+                        "</dt><dd lang=\"", escaped(language), "\">", escaped(each.text),
+                        "</dd></div>\n");
+        above = &each;
+    }
     if (!picture.surface)
         ++rules_[rules = "shown"];
 
