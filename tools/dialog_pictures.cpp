@@ -28,6 +28,27 @@ bool isDialog(std::string_view bytes) {
     return nodes && nodes->size() == 1 && nodes->front().tag >= firstCompoundTag;
 }
 
+// The value of a node among its siblings; empty when it is not there.
+std::string_view valueOf(std::string_view siblings, uint8_t tag) {
+    for (const NodeView &node : splitNodes(siblings).value_or(std::vector<NodeView>()))
+        if (node.tag == tag)
+            return node.value;
+    return {};
+}
+
+// The type of a dialog where descriptions have it; the library finds it elsewhere, too.
+uint32_t typeOf(std::string_view description) {
+    const dialog::Row &row = findField(dialog::nodes[0], "type")->row;
+    const auto root = splitNodes(description);
+    if (!root || root->empty())
+        return DIALOG_MESSAGE;
+    const auto values = splitNodes(valueOf(root->front().value, dialog::tagDialogParameters));
+    for (const NodeView &node : values.value_or(std::vector<NodeView>()))
+        if (node.tag == row.tag)
+            return numberIn(row, node).value_or(DIALOG_MESSAGE);
+    return DIALOG_MESSAGE;
+}
+
 // What the display shows in words.
 std::vector<PictureText> textsOn(const host::Display &display) {
     std::vector<PictureText> all;
@@ -243,7 +264,8 @@ LoadedModule::~LoadedModule() {
 int32_t LoadedModule::run(const ShownDialog &dialog) const {
     Resource_SetLanguage(dialog.language.c_str());
     Dialogs_ResetControls();
-    const int32_t known = GetDialogParameters(module_.name.c_str(), dialog.id, DIALOG_MESSAGE);
+    const std::string_view description = stringIn(module_.file, dialog.language, dialog.id);
+    const int32_t known = GetDialogParameters(module_.name.c_str(), dialog.id, typeOf(description));
     if (known < 0 && known != UTI_DIALOG_OTHER_TYPE)
         return known;
 
