@@ -3,6 +3,7 @@
 #include "tools/check.h"
 #include "tools/commands.h"
 #include "tools/manual.h"
+#include "tools/toml_reader.h"
 #include "uti.h"
 
 #include <exception>
@@ -29,6 +30,14 @@ int main(int argc, char **argv) try {
 #endif
     addManualCommand(app);
 
+    const std::string first = argc > 1 ? argv[1] : "-";
+    if (first[0] != '-' && !app.get_subcommand_no_throw(first)) {
+        std::vector<std::string_view> names;
+        for (const CLI::App *command : toldCommands(app))
+            names.push_back(command->get_name());
+        std::cerr << "uti: there is no command \"" << first << '"' << hint(first, names) << '\n';
+        return exitUsage;
+    }
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
