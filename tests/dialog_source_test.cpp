@@ -217,7 +217,7 @@ TEST_F(DialogSource, ReportsEveryMistakeAtItsPlace) {
          "\"signature\" or 0 to 4\n9:1: error: unknown key \"typ\"; did you mean \"type\"?\n"
          "10:13: error: unknown key \"lable\"; did you mean \"label\"?\n"},
         {start + "timeout = -1\nborder = 'none'\nroot_tag = 5\nlabel = 'x'\n",
-         "10:11: error: timeout must be 0 to 4294967295\n"
+         "10:11: error: timeout must be milliseconds, 0 to 4294967295\n"
          "11:10: error: border must be false, true or 0 to 255\n"
          "12:12: error: root_tag must be 128 to 255\n13:9: error: label must be a table, not a "
          "text\n"},

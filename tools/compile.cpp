@@ -83,8 +83,7 @@ void reportClashes(std::vector<Unit> &units) {
         const auto take = [&](std::string_view name, Place place) {
             const std::string key = identifier(unit, name);
             const auto [other, isFree] = taken.emplace(key, unit.diagnostics.path());
-            // Of two names in one source the reader tells.
-            if (!isFree && other->second != unit.diagnostics.path())
+            if (!isFree)
                 unit.diagnostics.error(place, "the header has ", key, " already, from ",
                                        other->second);
         };

@@ -6,6 +6,7 @@
 #include "tools/toml_reader.h"
 #include "uti.h"
 
+#include <algorithm>
 #include <exception>
 #include <iostream>
 
@@ -31,11 +32,15 @@ int main(int argc, char **argv) try {
     addManualCommand(app);
 
     const std::string first = argc > 1 ? argv[1] : "-";
-    if (first[0] != '-' && !app.get_subcommand_no_throw(first)) {
-        std::vector<std::string_view> names;
+    const auto all = app.get_subcommands([](const CLI::App *) { return true; });
+    if (first[0] != '-' && std::ranges::none_of(all, [&](const CLI::App *command) {
+            return command->check_name(first);
+        })) {
+        std::vector<std::string> names;
         for (const CLI::App *command : toldCommands(app))
             names.push_back(command->get_name());
-        std::cerr << "uti: there is no command \"" << first << '"' << hint(first, names) << '\n';
+        const std::vector<std::string_view> known(names.begin(), names.end());
+        std::cerr << "uti: there is no command \"" << first << '"' << hint(first, known) << '\n';
         return exitUsage;
     }
     try {

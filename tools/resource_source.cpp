@@ -248,14 +248,15 @@ Entry *SourceReader::claim(uint16_t id, EntryKind kind, const toml::key &key,
         diagnostics_.note(entry.place, entry.name, " is here");
         return nullptr;
     }
-    source_.names.push_back({name, id, begin(key)});
     const auto [other, isNew] = places_.emplace(name, begin(key));
     if (!isNew) {
         diagnostics_.error(begin(key), name,
                            " is the name of a string as well; the header has one "
                            "constant for a name");
         diagnostics_.note(other->second, "the string is here");
+        return nullptr;
     }
+    source_.names.push_back({name, id, begin(key)});
     return &entry;
 }
 
