@@ -13,6 +13,9 @@
  *  4. Counts and sizes are in bytes, offsets count from the start of the file.
  *  5. Functions that take a buffer from the caller never write past the size they are given.
  *  6. What a function hands out stays the platform's; nothing here is freed by the caller.
+ *  7. Memory that is read or written as bytes may have any address.
+ *
+ * uti-platform-check (docs/platform-check.md) holds a terminal to what a program sees of this.
  */
 #ifndef UTI_PLATFORM_TERMINAL_H
 #define UTI_PLATFORM_TERMINAL_H
@@ -61,21 +64,24 @@ enum {
                                the position is 0 after opening */
 };
 
-/** Opens `path` in a mode of the list above. Returns a handle of 0 or more, negative on failure. */
+/** Opens `path` in a mode of the list above. Returns a handle of 0 or more, negative on failure. At
+ *  least eight files can be open at a time: the library keeps one for each resource module and each
+ *  log. Bytes are stored as they are, whatever their values. */
 int32_t File_Open(const char *path, int32_t mode);
 
 /** Closes a handle of `File_Open`. Returns 0, negative for a handle that is not open. */
 int32_t File_Close(int32_t handle);
 
 /** Reads up to `count` bytes at the position and moves it. Returns the number of bytes read, which
- *  is smaller at the end of the file; negative on failure. */
+ *  is smaller at the end of the file and 0 there and behind; negative on failure. */
 int32_t File_Read(int32_t handle, void *buffer, uint32_t count);
 
 /** Writes `count` bytes at the position and moves it. Returns the number of bytes written, which
  *  is smaller when the medium is full; negative on failure. */
 int32_t File_Write(int32_t handle, const void *buffer, uint32_t count);
 
-/** Sets the position to `offset`. Returns 0, anything else on failure. */
+/** Sets the position to `offset`, which may be the end of the file. Returns 0, anything else on
+ *  failure. An offset behind the end may be a failure. */
 int32_t File_SetPosition(int32_t handle, uint32_t offset);
 
 /** Returns the length of an open file, negative on failure. */
@@ -85,10 +91,11 @@ int32_t File_GetLength(int32_t handle);
  *  had (both records are then untouched). */
 int32_t File_GetTime(const char *path, TerminalDate *date, TerminalTime *time);
 
-/** Returns 1 when `path` names an existing file that can be read, else 0. */
+/** Returns 1, and no other number, when `path` names an existing file that can be read; 0 for a
+ *  missing one and for a folder. */
 int32_t File_IsValid(const char *path);
 
-/** Deletes a file. Returns 0, anything else on failure. */
+/** Deletes a file. Returns 0, anything else on failure, such as a missing file. */
 int32_t File_Delete(const char *path);
 
 /* --------------------------------------------------------------------- serial, printer ---- */
@@ -105,7 +112,8 @@ typedef struct ComPortParameters {
  *  more, negative on failure. */
 int32_t ComPort_Open(const void *parameters);
 
-/** Sends `count` bytes. Returns the number of bytes sent, 0 or less on failure. */
+/** Sends `count` bytes. Returns the number of bytes sent, 0 or less on failure, such as a port that
+ *  is not open. */
 int32_t ComPort_Write(int32_t handle, const void *buffer, uint32_t count);
 
 /** Receives up to `count` bytes, waiting up to `milliseconds` for the first of them; 0 takes what
@@ -120,7 +128,8 @@ int32_t ComPort_Close(int32_t handle);
  *  anything else on failure. */
 int32_t Printer_Open(const void *parameters);
 
-/** Prints a text; `style` 0 is the normal font. Returns 0, anything else on failure. */
+/** Prints a text; `style` 0 is the normal font. Returns 0, anything else on failure, such as a
+ *  printer that is not open. */
 int32_t Printer_PrintString(const char *text, int32_t style);
 
 /** Closes the printer. Returns 0. */

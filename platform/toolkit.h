@@ -9,6 +9,7 @@
  *  1. Forms, widgets and images are handles, signed 32-bit numbers above 0; 0 stands for none where
  *     a description allows it. A negative result is a failure and its own error code. A handle that
  *     the toolkit does not know is refused with a negative result, or ignored where there is none.
+ *     Where nothing else is said, a result of 0 or more is success.
  *  2. Areas are x, y, width and height in pixels, relative to the form's client area. Colours are
  *     16-bit RGB565, in pairs of foreground and background.
  *  3. Texts are zero-terminated bytes in the terminal's code page and may be null for none. The
@@ -17,6 +18,8 @@
  *  5. The toolkit owns no thread. A modal form runs while the application is inside `Wait` or
  *     `WaitSleep`, and callbacks are called from there.
  *  6. Key codes are those of `enum IgKey`; digits, '*', '#' and letters are their characters.
+ *
+ * uti-platform-check (docs/platform-check.md) holds a terminal to what a program sees of this.
  */
 #ifndef UTI_PLATFORM_TOOLKIT_H
 #define UTI_PLATFORM_TOOLKIT_H
@@ -87,7 +90,8 @@ enum IgFormState {
 /** Puts a form on top of the display stack. Returns 0 or more, negative on failure. */
 int32_t igUI_Add(int32_t display, int32_t form);
 
-/** Takes a form off the stack and deletes it with its widgets. */
+/** Takes a form off the stack and deletes it with its widgets, also while it runs: it is modal no
+ *  more then. Returns 0 or more, negative on failure. */
 int32_t igUI_Del(int32_t display, int32_t form);
 
 /** Draws a form and returns at once. Returns 0 or more, negative on failure. */
@@ -100,8 +104,8 @@ int32_t igUI_Show(int32_t display, int32_t form);
  *  waits, so that a callback which always ends it does not make it deaf. */
 typedef int32_t (*IgEventCallback)(uint8_t *key);
 
-/** Shows a form and starts its modal run, which goes on while the application waits. Returns -1 or
- *  more, below -1 on failure. */
+/** Shows a form and starts its modal run, which goes on while the application waits. A form that
+ * has ended runs anew. Returns -1 or more, below -1 on failure. */
 int32_t igUI_ShowExt(int32_t display, int32_t form, IgEventCallback callback);
 
 /** Returns nonzero while a modal form runs. */
@@ -112,7 +116,7 @@ int32_t igUI_IsModal(void);
  *  texts must outlive their use. */
 int32_t igUI_SetKeyScheme(int32_t display, int32_t number, char *const scheme[12]);
 
-/** Loads a font file into slot 0 to 11. Returns 0 when that was done. */
+/** Loads a font file into slot 0 to 11. Returns 0 when that was done, anything else when not. */
 int32_t igUI_SetFileFont(int32_t display, int32_t slot, const char *fileName);
 
 /** Takes every key typed on the display. Returns 0 to let the toolkit go on with it. */
@@ -166,7 +170,7 @@ int32_t igForm_Add(int32_t form, int32_t widget);
 /** Lays the form out anew and gives the focus to its first widget that can have it. */
 int32_t igForm_Reset(int32_t form);
 
-/** Gives the focus to a widget of the form. */
+/** Gives the focus to a widget of the form. Returns 0 or more, negative on failure. */
 int32_t igForm_SetFocused(int32_t form, int32_t widget);
 
 /** Ends the form with IG_STATE_TIME_OUT after so many ticks; 0 for never. */
@@ -342,7 +346,8 @@ int32_t igMenuBox_SetControlCodes(int32_t menu, uint8_t up, uint8_t down, uint8_
 int32_t igMenuBox_SetRowDelta(int32_t menu, int32_t pixels);
 /** Sets the font slot of the digits before the items. */
 int32_t igMenuBox_SetAccelFont(int32_t menu, uint16_t font);
-/** Returns the number of the chosen item from 1, negative when there is none. */
+/** Returns the number of the chosen item from 1, at first the first one that is `selected` or item
+ * 1; negative when there is no item. */
 int32_t igMenuBox_GetSelected(int32_t menu);
 
 /* ------------------------------------------------------------- progress bar, signature ---- */

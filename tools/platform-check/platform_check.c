@@ -94,6 +94,13 @@ static char *clearRoom(void) {
     return memset(room, '~', sizeof room);
 }
 
+/* The start of a text, of at most `size` - 1 characters. */
+static void cut(const char *text, char *start, size_t size) {
+    const size_t length = strnlen(text, size - 1);
+    memcpy(start, text, length);
+    start[length] = '\0';
+}
+
 /* Whether the room holds a text and, from byte `size` on, what was there before. */
 static void roomHolds(const char *what, const char *expected, size_t size) {
     char untouched[sizeof room];
@@ -376,7 +383,7 @@ static void environmentValue(void) {
     TEXT(room, value);
     for (int32_t size = 1; size <= length; ++size) {
         char start[sizeof room];
-        snprintf(start, (size_t)size, "%s", value);
+        cut(value, start, (size_t)size);
         IS(System_GetEnv(name, clearRoom(), size, 0), size - 1);
         roomHolds("System_GetEnv", start, (size_t)size);
     }
@@ -393,7 +400,7 @@ static void applicationName(void) {
     room[sizeof room - 1] = '\0';
     memcpy(whole, room, sizeof whole);
     IS((long long)strlen(whole), length);
-    snprintf(start, 4, "%s", whole);
+    cut(whole, start, 4);
     IS(GetApplicationName(clearRoom(), 4), (long long)strlen(start));
     roomHolds("GetApplicationName", start, 4);
 }
