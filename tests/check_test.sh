@@ -15,6 +15,7 @@ wrong() {
 
 cd "$folder"
 echo text >text.png
+mkdir images
 head='module = "m"
 [languages]
 en = 0
@@ -52,6 +53,7 @@ for document in "$sources"/README.md "$sources"/docs/*.md; do
     [ -e "$block" ] || continue
     for image in $(grep -o '"[a-z_]*\.png"' "$block" | tr -d '"'); do
       cp "$sources/examples/shop/images/up.png" "$image"
+      cp "$image" "images/$image"
     done
     "$uti" check "$block" || wrong "$document has this block"
   done
