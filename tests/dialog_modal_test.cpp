@@ -650,57 +650,6 @@ igUI_Add form1
     EXPECT_EQ(toolkit.take({"igStatic_Set"}), "");
 }
 
-TEST_F(Modal, ListStylesAndKeys) {
-    std::vector<ListItem> items(12);
-    listing.items = items.data();
-    const std::string keys = byte(96, 8) + byte(97, 13) + byte(98, 26) + byte(99, 27);
-    const struct {
-        std::string menu;
-        int32_t terminal;
-        uint16_t count;
-        std::string created, keys, rowDelta, font;
-    } rows[] = {
-        {"", 0, 1, "236 300 0 0x1300", "", "8", "3"},
-        {byte(105, 2), 0, 1, "236 300 0 0x7300", "", "8", "3"},
-        {byte(106, 2), 0, 1, "236 300 0 0x9300", "", "8", "3"},
-        {byte(105, 1) + byte(106, 1) + byte(103, 7), 0, 1, "236 300 1 0xF300", "", "", "3"},
-        {byte(105, 1) + byte(107, 1), 0, 9, "236 300 0 0x7300", "", "4", "1"},
-        {byte(105, 1) + byte(107, 1), 0, 10, "236 300 0 0x7300", "", "8", "1"},
-        {byte(105, 1) + byte(107, 2), 0, 9, "236 300 0 0x7300", "", "8", "2"},
-        {byte(105, 1) + byte(107, 3), 0, 0, "236 300 0 0x7300", "", "8", ""},
-        {byte(107, 1), 0, 9, "236 300 0 0x1300", "", "8", "1"},
-        {describe::area(0, 0, 0, 7), 0, 1, "0 7 0 0x1300", "", "8", "3"},
-        {"", 23, 1, "236 300 0 0x1300", "103 108 0 0", "8", "3"},
-        {"", 20, 1, "236 300 0 0x1300", "", "8", "3"},
-        {byte(99, 129), 24, 1, "236 300 0 0x1300", "103 59 0 0", "8", "3"},
-        {byte(98, 129), 0, 1, "236 300 0 0x1300", "59 0 0 0", "8", "3"},
-        {byte(99, 129), 0, 1, "236 300 0 0x1300", "0 59 0 0", "8", "3"},
-        {byte(96, 130), 0, 1, "236 300 0 0x1300", "0 0 60 0", "8", "3"},
-        {byte(97, 130), 0, 1, "236 300 0 0x1300", "0 0 0 60", "8", "3"},
-        {keys, 23, 1, "236 300 0 0x1300", "69 27 8 13", "8", "3"},
-    };
-    for (const auto &row : rows) {
-        for (const std::size_t first : {0u, 11u}) { // chosen at first; changes nothing else
-            SCOPED_TRACE(&row - rows);
-            renew(dialog(2, group(153, row.menu)));
-            terminal.type = row.terminal;
-            listing.itemCount = row.count;
-            items.assign(12, ListItem{});
-            items[first].flag = 1;
-            EXPECT_EQ(list(), 0);
-            const auto line = [](const char *function, const std::string &values) {
-                return values.empty() ? "" : function + (" menuBox2 " + values + '\n');
-            };
-            EXPECT_EQ(toolkit.take(
-                          {"igMenuBox_Cre", "igMenuBox_SetC", "igMenuBox_SetR", "igMenuBox_SetA"}),
-                      "igMenuBox_Create 0 0 " + row.created + " = menuBox2\n" +
-                          line("igMenuBox_SetControlCodes", row.keys) +
-                          line("igMenuBox_SetRowDelta", row.rowDelta) +
-                          line("igMenuBox_SetAccelFont", row.font));
-        }
-    }
-}
-
 TEST_F(Modal, EventsInTheirOrder) {
     const LabelValue labels[] = {{nullptr, nullptr}};
     app.labels = labels;

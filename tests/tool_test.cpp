@@ -126,60 +126,6 @@ LONG = { id = 0x3000, hex = """
 20""" }
 )";
 
-TEST_F(ToolTest, ReportsEveryMistakeAtItsPlace) {
-    const std::string head = "module = 'm'\n[languages]\nen = 0\nru = 1\n[strings]\n";
-    const std::string full = "{ id = 1, ru = '', en = '" + std::string(65524, 'x') + "' }\n";
-    const std::pair<std::string, std::string> rows[] = {
-        {"modul = 'm'\n", "1:1: the module's name is missing: module = \"name\"\n"
-                          "1:1: unknown key \"modul\"; did you mean \"module\"?\n"},
-        {"module = '1st'\nversion = 65536\nroot_tag = 0x7FFF\n",
-         "1:10: a module's name is 1 to 12 letters, digits and underscores and begins with no "
-         "digit\n2:11: version must be 0 to 65535\n3:12: root_tag must be 0x8000 to 0xFFFF\n"},
-        {"module = 'm'\ncode_page = 'utf-8'\n", "2:13: \"utf-8\" is not a single-byte code page\n"},
-        {"module = 'm'\ncode_page = 'ascii//TRANSLIT'\n[strings]\nA = { id = 0 }\n",
-         "2:13: unknown code page \"ascii//TRANSLIT\"\n"
-         "3:1: strings need languages: [languages] and en = 0\n"},
-        {"module = 'm'\n[languages]\nENG = 0\nen = 'x'\n[sections]\n6 = {}\n1 = {}\n2 = { de = 0 }",
-         "3:1: a language code is two lower-case letters\n4:6: en must be a whole number, not a "
-         "text\n6:1: a section is 0 to 5\n7:5: a section needs a language\n"
-         "8:7: \"de\" is not in [languages]\n"},
-        {"module = 'm'\nversion = 1 2\n", "2:13: Error while parsing key-value pair: expected a "
-                                          "comment or whitespace, saw '2'\n"},
-        {"# я\nm = '''я''''\nn = 0'я'\n", "3:7: U+044F 'я' stands outside of a text\n"},
-        {"[^]\n", "1:2: Error while parsing key: expected bare key starting character or string "
-                  "delimiter, saw '^'\n"},
-        {head + "A = { id = 1, hex = '' }\n9 = { id = 2, hex = '' }\nB = 1\nC = { id = 1, en = 2 }",
-         "7:1: \"9\" is no identifier of C\n8:5: B must be a table, not a whole number\n"
-         "9:12: id 0x0001 is taken by A\n9:20: en must be a text, not a whole number\n"},
-        {head + "A = { id = 0x6000, hex = '0' }\nB = { hex = '0g' }\nC = { id = 1, hexx = '' }\n",
-         "6:12: id must be 0x0000 to 0x5FFF: a section, 0 to 5, and a three-digit index\n"
-         "6:27: a byte is two hex digits\n7:1: B has no id\n7:14: a byte is two hex digits\n"
-         "8:1: C has neither a text nor hex\n8:15: unknown key \"hexx\"; did you mean \"hex\"?\n"},
-        {head + "A = { id = 1, en = 'я €中中', ru = \"\\u4E2D\" }\n",
-         "6:24: U+4E2D '中' is not in windows-1251\n6:34: U+4E2D '中' is not in windows-1251\n"},
-        {head + "A = { id = 1, en = 'x', hex = '' }\nB = { id = 2, en = {}, text.en = '' }",
-         "6:31: hex stands for every language; no text goes with it\n"
-         "7:20: en must be a text or { hex = \"...\" }\n7:34: en is given twice\n"},
-        {std::string("[a") + concat(std::string(150000, '.')), "1:10: a key has at most 8 parts\n"},
-        {head + "A = " + full + "B = { id = 2, hex = '' }",
-         "7:1: the table of section 0 in en ends here: it holds 65536 bytes with its index\n"},
-    };
-    for (const auto &[source, findings] : rows) {
-        SCOPED_TRACE(source.substr(0, 200));
-        Diagnostics diagnostics("f", source);
-        readResourceSource(diagnostics);
-        std::stringstream printed;
-        diagnostics.print(printed);
-        std::string errors;
-        for (std::string line; std::getline(printed, line);) {
-            const std::size_t at = line.find(" error: ");
-            if (line.starts_with("f:") && at != line.npos)
-                errors += line.substr(2, at - 1) + line.substr(at + 8) + '\n';
-        }
-        EXPECT_EQ(errors, findings);
-    }
-}
-
 TEST_F(ToolTest, ShowsTheLineAndACaret) {
     write("src/a.toml",
           "module='a'\n[languages]\nen=0\n[strings]\r\nA = { id = 1,\ten = 'Да ₽' }");
