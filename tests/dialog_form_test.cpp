@@ -21,7 +21,7 @@ class Form : public support::Dialogs {
 protected:
     // Shows a message without waiting. Returns the calls that begin with one of the words.
     std::string show(const std::string &controls,
-                     std::initializer_list<const char *> words = {""}, ) {
+                     std::initializer_list<const char *> words = {""}) {
         renew(dialog(0, controls));
         toolkit.answers = answers;
         EXPECT_EQ(DialogMessage_Show(&request, SHOW_AND_RETURN), 0);

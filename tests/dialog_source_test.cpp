@@ -5,8 +5,6 @@
 #include "tools/files.h"
 #include "tools/resource_source.h"
 
-#include <cstdlib>
-#include <fstream>
 #include <span>
 #include <sstream>
 
@@ -49,14 +47,6 @@ ResourceFile compiled(const std::string &source) {
 std::string dumped(const ResourceFile &file) {
     static const auto codePage = CodePage::open(defaultCodePage);
     return writeResourceSource(file, "m", std::get<CodePage>(codePage));
-}
-
-// Compares with what is expected; with UTI_GOLDEN_UPDATE set it is written anew.
-void expectGolden(const std::string &name, const std::string &seen) {
-    const std::string path = UTI_GOLDEN "/" + name;
-    if (std::getenv("UTI_GOLDEN_UPDATE"))
-        std::ofstream(path) << seen;
-    EXPECT_EQ(seen, readInput(path));
 }
 
 TEST(Source, ReportsEveryMistakeAtItsPlace) {

@@ -6,8 +6,20 @@
 #include "tests/support.h"
 
 #include <cstdlib>
+#include <fstream>
+#include <sstream>
 
 namespace support {
+
+// Compares with a file of tests/golden; with UTI_GOLDEN_UPDATE set it is written anew.
+inline void expectGolden(const std::string &name, const std::string &seen) {
+    const std::string path = UTI_GOLDEN "/" + name;
+    if (std::getenv("UTI_GOLDEN_UPDATE"))
+        std::ofstream(path) << seen;
+    std::ostringstream expected;
+    expected << std::ifstream(path).rdbuf();
+    EXPECT_EQ(seen, expected.str());
+}
 
 inline int countOf(const std::string &text, const std::string &piece) {
     int count = 0;
