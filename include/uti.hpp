@@ -299,9 +299,9 @@ auto hold(const T &argument) {
 }
 
 template <class... Arguments>
-void appendPrinted(std::string &out, const char *specification, Arguments... arguments) {
+void appendPrinted(std::string &out, const char *placeholder, Arguments... arguments) {
     char shown[64];
-    const int length = std::snprintf(shown, sizeof shown, specification, arguments...);
+    const int length = std::snprintf(shown, sizeof shown, placeholder, arguments...);
     if (length < 0)
         return;
     const auto count = static_cast<std::size_t>(length);
@@ -311,7 +311,7 @@ void appendPrinted(std::string &out, const char *specification, Arguments... arg
     }
     const std::size_t before = out.size();
     out.resize(before + count + 1); /* with snprintf's zero */
-    std::snprintf(&out[before], count + 1, specification, arguments...);
+    std::snprintf(&out[before], count + 1, placeholder, arguments...);
     out.resize(before + count);
 }
 
@@ -360,15 +360,15 @@ inline std::size_t runOf(const char *set, const char *text) {
    none for this value. */
 inline bool appendAs(std::string &out, const Value &value, const char *begin, const char *modifier,
                      char conversion) {
-    char specification[16] = "";
+    char placeholder[16] = "";
     const auto length = static_cast<std::size_t>(modifier - begin);
     if (length > 10)
         return false;
-    std::memcpy(specification, begin, length);
-    char *end = specification + length;
+    std::memcpy(placeholder, begin, length);
+    char *end = placeholder + length;
     const auto finish = [&](const char *with) {
         std::strcpy(end, with);
-        return specification;
+        return placeholder;
     };
     const bool isNumber = value.kind <= Value::character;
     switch (conversion) {

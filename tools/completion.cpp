@@ -60,7 +60,7 @@ std::string singleQuoted(std::string_view text) {
     return out + '\'';
 }
 
-// A text inside of a specification of zsh, where the characters that end it need a backslash.
+// A text inside of an entry of zsh, where the characters that end it need a backslash.
 std::string inside(std::string_view text) {
     std::string out;
     for (const char c : text) {
@@ -165,26 +165,26 @@ std::string zshCompletion(const CLI::App &app) {
             const Value value = valueOf(*option);
             const bool repeated = option->get_items_expected_max() > 1;
             for (const std::string &name : names) {
-                std::string spec = repeated ? "*" : "(" + joined(names, " ") + ")";
-                spec += name + (value != Value::none && name.starts_with("--") ? "=" : "") + '[' +
-                        inside(option->get_description()) + ']';
+                std::string entry = repeated ? "*" : "(" + joined(names, " ") + ")";
+                entry += name + (value != Value::none && name.starts_with("--") ? "=" : "") + '[' +
+                         inside(option->get_description()) + ']';
                 switch (value) {
                 case Value::none:
                     break;
                 case Value::choice:
-                    spec += ":value:(" + choicesOf(*option) + ")";
+                    entry += ":value:(" + choicesOf(*option) + ")";
                     break;
                 case Value::directory:
-                    spec += ":folder:_files -/";
+                    entry += ":folder:_files -/";
                     break;
                 case Value::file:
-                    spec += ":file:_files";
+                    entry += ":file:_files";
                     break;
                 case Value::text:
-                    spec += ":value:";
+                    entry += ":value:";
                     break;
                 }
-                text += " \\\n    " + singleQuoted(spec);
+                text += " \\\n    " + singleQuoted(entry);
             }
         }
         if (below.empty()) {
