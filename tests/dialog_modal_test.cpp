@@ -104,7 +104,7 @@ TEST_F(Modal, EveryResultOfARun) {
     EXPECT_EQ(terminal.ticks - start, 505u);
     EXPECT_EQ(confirm({{}, {}, {}, {'a'}}), -3201);
     EXPECT_EQ(terminal.ticks - start, 505u + 404 + 505) << "the key starts the time anew";
-    EXPECT_EQ(confirm({{}, {}, {}, {0, typeEscape}}), -3201) << "no look at the keys";
+    EXPECT_EQ(confirm({{}, {}, {}, {0, &typeEscape}}), -3201) << "no look at the keys";
     request.timeout = currentDialogTimeout = 0;
 
     request.needToBreak = breakOff;
@@ -118,8 +118,8 @@ TEST_F(Modal, EveryResultOfARun) {
     EXPECT_EQ(confirm({{'a'}, {}, {13}}), 0);
     EXPECT_EQ(app.keys, "97 13 ");
     EXPECT_EQ(confirm({{27}}), -3202);
-    EXPECT_EQ(confirm({{0, typeEscape}, {13}}), -3202) << "the function alone has seen it";
-    EXPECT_EQ(confirm({{0, typeEscape}, {13, takeNoMore}}), 0) << "another key came behind it";
+    EXPECT_EQ(confirm({{0, &typeEscape}, {13}}), -3202) << "the function alone has seen it";
+    EXPECT_EQ(confirm({{0, &typeEscape}, {13, &takeNoMore}}), 0) << "another key came behind it";
     expectNothingInstalled();
     app.keyResult = -7;
     EXPECT_EQ(confirm({{'a'}}), -7);
@@ -159,7 +159,7 @@ TEST_F(Modal, RefreshKeepsTheAllowedTime) {
     request.refresh = refresh;
     request.timeout = 1000;
     terminal.ticks = 0xFFFFFF00; // the clock wraps around meanwhile
-    EXPECT_EQ(confirm({{}, {}, {}, {0, refreshNoMore}, {'k'}, {13}}), 0);
+    EXPECT_EQ(confirm({{}, {}, {}, {0, &refreshNoMore}, {'k'}, {13}}), 0);
     EXPECT_EQ(toolkit.take({"igForm_SetTimeOut", "igUI_ShowExt", "igForm_ResetT"}),
               "igForm_SetTimeOut form1 1000\nigUI_ShowExt form1\n"
               "igForm_SetTimeOut form1 697\nigUI_ShowExt form1\n"
@@ -175,12 +175,12 @@ TEST_F(Modal, RefreshKeepsTheAllowedTime) {
     EXPECT_EQ(confirm({}), -3201);
     EXPECT_EQ(terminal.ticks - start, 1010u);
     request.timeout = currentDialogTimeout = 0;
-    EXPECT_EQ(confirm({{0, typeEscape}}), -3201) << "over at once, and no look at the keys";
+    EXPECT_EQ(confirm({{0, &typeEscape}}), -3201) << "over at once, and no look at the keys";
     const Event atTheStart{0, [] { fake::terminal().ticks = currentStartTime; }};
-    EXPECT_EQ(confirm({atTheStart, {0, refreshNoMore}, {13}}), 0);
+    EXPECT_EQ(confirm({atTheStart, {0, &refreshNoMore}, {13}}), 0);
     app.refreshAt = 0;
     currentDialogTimeout = 5000;
-    EXPECT_EQ(confirm({{0, typeEscape}}), -3202);
+    EXPECT_EQ(confirm({{0, &typeEscape}}), -3202);
     app.labels = nullptr;
     EXPECT_EQ(confirm({{}, {13}}), 0) << "a refresh without labels is none";
     const LabelValue kept[] = {{"m", "kept"}, {nullptr, nullptr}};
@@ -194,7 +194,7 @@ TEST_F(Modal, RefreshKeepsTheAllowedTime) {
         app.labels = labels;
         app.refreshAt = 2;
         const Event refuse{0, [=] { fake::toolkit().answers[refuses] = -3; }};
-        EXPECT_EQ(confirm({{}, refuse, {0, refreshNoMore}, {13}}), 0);
+        EXPECT_EQ(confirm({{}, refuse, {0, &refreshNoMore}, {13}}), 0);
         EXPECT_EQ(toolkit.drawn, "\"_\" \"kept\" ");
         toolkit.answers.clear();
     }
@@ -202,7 +202,7 @@ TEST_F(Modal, RefreshKeepsTheAllowedTime) {
     // A label without a widget: the walk goes on to the last of the values.
     app.refreshAt = 0;
     toolkit.answers["igInput_Create"] = -3;
-    EXPECT_EQ(confirm({{}, {0, typeEscape}}), -3202);
+    EXPECT_EQ(confirm({{}, {0, &typeEscape}}), -3202);
     EXPECT_STREQ(currentGraphicLabelParameters.entries[0].valueBuffer, "more");
 }
 
@@ -304,7 +304,7 @@ TEST_F(Modal, ShowModesOfAMessage) {
     toolkit.answers["igForm_GetState"] = 10; // in mode 1 an Escape comes before it
     terminal.displayEvent = 1;
     EXPECT_EQ(message(1, {{}}), -3201);
-    EXPECT_EQ(message(1, {{0, typeEscape}}), -3202);
+    EXPECT_EQ(message(1, {{0, &typeEscape}}), -3202);
 }
 
 TEST_F(Modal, MessagesAskOnceMoreAndTakeAnImage) {
@@ -516,7 +516,7 @@ TEST_F(Modal, EditReturnsTheTextAndRunsAgainWhileItIsTooShort) {
     EXPECT_EQ(edit(nullptr, 9), 0);
     char text[5] = "";
     request.keyPostProcessing = takeKey;
-    EXPECT_EQ(edit(text, 5, {{13, takeNoMore}, {'7'}, {27}}), -3202);
+    EXPECT_EQ(edit(text, 5, {{13, &takeNoMore}, {'7'}, {27}}), -3202);
     EXPECT_EQ(app.keys, "55 27 ") << "the second run has the functions again";
 }
 

@@ -183,7 +183,7 @@ void run(int32_t form, IgEventCallback callback) {
     find(form)->started = terminal().ticks;
     toolkit().callback = callback;
     toolkit().running = form;
-    terminal().onWait = step;
+    terminal().onWait = [] { step(); };
 }
 
 void remove(int32_t form) {
