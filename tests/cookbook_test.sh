@@ -81,4 +81,10 @@ is 'the settings on a full disk' "$(cat before)" "$(cat till.ini)"
 first=
 plays 'full: 0' - full
 is 'the settings afterwards' $'[TERMINAL]\nVOLUME=9' "$(tr -d '\r' <till.ini)"
+
+# Who does keep texts is told so, once.
+sed -i '/^ *Resource_Release(/d' ../*.c ../*.h
+cmake --build . >>../log 2>&1
+is 'texts that are kept' 'uti: release strings: 20 short texts of `till` are out, so the next one is empty' \
+  "$(UTI_SCRIPT=all.script UTI_PRINTER=printed ./till $recipes 2>&1 >said | grep 'short texts')"
 exit $status

@@ -95,38 +95,70 @@ protected:
     ListRequest listing{};
 };
 
+// A confirmation, and a message in its modes, on a form with that time-out and events of 101 ms.
 TEST_F(Modal, EveryResultOfARun) {
-    EXPECT_EQ(confirm({{13}}), 0);
-    EXPECT_EQ(confirm({{'a'}, {}, {27}}), -3202);
-    const uint32_t start = terminal.ticks;
-    request.timeout = 500;
-    EXPECT_EQ(confirm({}), -3201);
-    EXPECT_EQ(terminal.ticks - start, 505u);
-    EXPECT_EQ(confirm({{}, {}, {}, {'a'}}), -3201);
-    EXPECT_EQ(terminal.ticks - start, 505u + 404 + 505) << "the key starts the time anew";
-    EXPECT_EQ(confirm({{}, {}, {}, {0, &typeEscape}}), -3201) << "no look at the keys";
-    request.timeout = currentDialogTimeout = 0;
-
-    request.needToBreak = breakOff;
-    app.breakAt = 3;
-    EXPECT_EQ(confirm({{'a'}, {'b'}, {'c'}, {13}}), -3203);
-    app.asked = 2;
-    EXPECT_EQ(confirm({{27}}), -3202) << "the Escape was still in the keyboard";
-    request.needToBreak = nullptr;
+    constexpr uint32_t ask = 77;
+    const struct {
+        uint32_t mode, described, requested;
+        int breakAt;
+        int32_t keyResult;
+        Script script;
+        int32_t result;
+        const char *timeOut;
+        uint32_t ticks;
+    } rows[] = {
+        {ask, 0, 0, 0, 0, {{13}}, 0, "0", 101},
+        {ask, 0, 0, 0, 0, {{'a'}, {}, {27}}, -3202, "0", 303},
+        {ask, 0, 500, 0, 0, {}, -3201, "500", 505},
+        {ask, 0, 500, 0, 0, {{}, {}, {}, {'a'}}, -3201, "500", 404 + 505}, // the key starts it anew
+        {ask, 0, 500, 0, 0, {{}, {}, {}, {0, &typeEscape}}, -3201, "500", 505}, // no look at the
+                                                                                // keys
+        {ask, 0, 0, 3, 0, {{'a'}, {'b'}, {'c'}, {13}}, -3203, "0", 303},
+        {ask, 0, 0, 1, 0, {{27}}, -3202, "0", 101}, // the Escape was still in the keyboard
+        {ask, 0, 0, 0, 3, {{'a'}, {}, {13}}, 0, "0", 303},
+        {ask, 0, 0, 0, 3, {{27}}, -3202, "0", 101},
+        {ask, 0, 0, 0, 3, {{0, &typeEscape}, {13}}, -3202, "0", 202}, // the function alone saw it
+        {ask, 0, 0, 0, 3, {{0, &typeEscape}, {13, &takeNoMore}}, 0, "0", 202}, // a key came behind
+                                                                               // it
+        {ask, 0, 0, 0, -7, {{'a'}}, -7, "0", 101},
+        {ask, 0, 0, 0, -7, {{27}}, -3202, "0", 101}, // Escape comes before the function's result
+        {0, 500, 700, 0, 0, {}, 0, "700", 0},
+        {1, 0, 0, 0, 0, {}, 0, "0", 0},
+        {2, 0, 0, 0, 0, {}, 0, "0", 0},
+        {2, 0, 300, 0, 0, {}, -3201, "300", 303},
+        {2, 500, 0, 0, 0, {{'a'}, {13}}, 0, "500", 202},
+        {1, 200, 0, 0, 0, {{}, {}, {}, {13}}, 0, "", 404},
+        {1, 500, 0, 0, 0, {{'a'}, {27}}, -3202, "", 202},
+        {3, 500, 700, 0, 0, {}, -3201, "1000", 1010},
+        {3, 0, 0, 0, 0, {{27}}, -3202, "1000", 101},
+        {3, 0, 0, 0, -7, {{27}}, -7, "1000", 101}, // no look at the keys
+        {2, 900, 0, 0, -7, {{27}}, -3202, "900", 101},
+        {1, 900, 0, 0, -7, {{27}}, -3202, "", 101},
+        {9, 500, 0, 0, 0, {{13}}, 0, "500", 101},
+    };
+    for (const auto &row : rows) {
+        SCOPED_TRACE(&row - rows);
+        app = {};
+        app.breakAt = row.breakAt;
+        app.keyResult = row.keyResult;
+        renew(dialog(row.mode == ask ? 3 : 0, "", dword(18, row.described)));
+        request.timeout = row.requested;
+        request.needToBreak = row.breakAt ? breakOff : nullptr;
+        request.keyPostProcessing = row.keyResult ? takeKey : nullptr;
+        EXPECT_EQ(row.mode == ask ? confirm(row.script) : message(row.mode, row.script),
+                  row.result);
+        EXPECT_EQ(toolkit.take({"igForm_SetTimeOut"}),
+                  *row.timeOut ? "igForm_SetTimeOut form1 "s + row.timeOut + '\n' : "");
+        EXPECT_EQ(terminal.ticks, row.ticks);
+        EXPECT_TRUE(row.mode == ask || currentShowType == (row.ticks == 0 ? 0 : row.mode));
+        expectNothingInstalled(); // an Escape is not the next dialog's
+    }
+    renew(dialog(3, ""));
+    request.timeout = 0;
     request.keyPostProcessing = takeKey;
-    app.keyResult = 3;
     EXPECT_EQ(confirm({{'a'}, {}, {13}}), 0);
     EXPECT_EQ(app.keys, "97 13 ");
-    EXPECT_EQ(confirm({{27}}), -3202);
-    EXPECT_EQ(confirm({{0, &typeEscape}, {13}}), -3202) << "the function alone has seen it";
-    EXPECT_EQ(confirm({{0, &typeEscape}, {13, &takeNoMore}}), 0) << "another key came behind it";
-    expectNothingInstalled();
-    app.keyResult = -7;
-    EXPECT_EQ(confirm({{'a'}}), -7);
-    EXPECT_EQ(confirm({{27}}), -3202) << "Escape comes before the function's result";
-    expectNothingInstalled();
     request.keyPostProcessing = nullptr;
-
     for (const auto &[state, result] :
          {std::pair(-1, -3202), {101, -3203}, {10, -3201}, {5, 0}, {0, 0}, {-77, 0}}) {
         toolkit.answers["igForm_GetState"] = state;
@@ -138,6 +170,12 @@ TEST_F(Modal, EveryResultOfARun) {
         fake::failCall(Call::display, nth);
         EXPECT_EQ(confirm(), result) << nth;
     }
+    fake::disarm();
+    toolkit.answers = {{"igForm_GetState", 10}}; // in mode 1 an Escape comes before it
+    serve(dialog(0, "", dword(18, 500)));
+    terminal.displayEvent = 1;
+    EXPECT_EQ(message(1, {{}}), -3201);
+    EXPECT_EQ(message(1, {{0, &typeEscape}}), -3202);
     toolkit.take();
     serve(dialog(0, ""));
     EXPECT_EQ(confirm(), -3206);
@@ -263,48 +301,6 @@ TEST_F(Modal, OtherDialogFromACallback) {
             EXPECT_EQ(toolkit.mistakes, "");
         }
     }
-}
-
-TEST_F(Modal, ShowModesOfAMessage) {
-    const struct {
-        uint32_t mode, described, requested;
-        Script script;
-        int32_t keyResult, result;
-        const char *timeOut;
-        uint32_t ticks;
-    } rows[] = {
-        {0, 500, 700, {}, 0, 0, "700", 0},
-        {1, 0, 0, {}, 0, 0, "0", 0},
-        {2, 0, 0, {}, 0, 0, "0", 0},
-        {2, 0, 300, {}, 0, -3201, "300", 303},
-        {2, 500, 0, {{'a'}, {13}}, 0, 0, "500", 202},
-        {1, 200, 0, {{}, {}, {}, {13}}, 0, 0, "", 404},
-        {1, 500, 0, {{'a'}, {27}}, 0, -3202, "", 202},
-        {3, 500, 700, {}, 0, -3201, "1000", 1010},
-        {3, 0, 0, {{27}}, 0, -3202, "1000", 101},
-        {3, 0, 0, {{27}}, -7, -7, "1000", 101}, // no look at the keys
-        {2, 900, 0, {{27}}, -7, -3202, "900", 101},
-        {1, 900, 0, {{27}}, -7, -3202, "", 101},
-        {9, 500, 0, {{13}}, 0, 0, "500", 101},
-    };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(&row - rows);
-        renew(dialog(0, "", dword(18, row.described)));
-        request.timeout = row.requested;
-        request.keyPostProcessing = takeKey;
-        app.keyResult = row.keyResult;
-        EXPECT_EQ(message(row.mode, row.script), row.result);
-        EXPECT_EQ(toolkit.take({"igForm_SetTimeOut"}),
-                  *row.timeOut ? "igForm_SetTimeOut form1 "s + row.timeOut + '\n' : "");
-        EXPECT_EQ(terminal.ticks, row.ticks);
-        EXPECT_EQ(currentShowType, row.ticks == 0 ? 0 : row.mode);
-        EXPECT_EQ(EndDialog, 0) << "the Escape is not the next dialog's";
-    }
-    request.keyPostProcessing = nullptr;
-    toolkit.answers["igForm_GetState"] = 10; // in mode 1 an Escape comes before it
-    terminal.displayEvent = 1;
-    EXPECT_EQ(message(1, {{}}), -3201);
-    EXPECT_EQ(message(1, {{0, &typeEscape}}), -3202);
 }
 
 TEST_F(Modal, MessagesAskOnceMoreAndTakeAnImage) {
