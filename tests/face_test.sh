@@ -3,7 +3,7 @@
 #   face_test.sh SOURCE_DIR LIBRARY SANITIZED CC CXX OBJECT...
 # The exported names are those of the header and of Src/uti.exports; nothing runs at load; the C
 # library alone is needed, and of the platform nothing but what its headers declare; every public
-# header compiles alone as C11 and C++20, uti.hpp as C++17 and C++20.
+# header compiles alone as C11, C17 and C++11 to C++23, uti.hpp as C++17 and C++20.
 set -u
 source=$1 library=$2 sanitized=$3 cc=$4 cxx=$5
 shift 5
@@ -37,12 +37,16 @@ same "names of uti.exports and of the library" "$work/list" "$work/library"
 
 for header in include/uti.h platform/terminal.h platform/toolkit.h; do
   [ -f "$source/$header" ] || continue
-  flags="-I$source/include -I$source/platform -Wall -Wextra -Wpedantic -Werror -fsyntax-only"
-  $cc -std=c11 -pedantic $flags -x c "$source/$header" || failed=1
-  $cxx -std=c++20 $flags -x c++ "$source/$header" || failed=1
+  flags="-I$source/include -I$source/platform -Wall -Wextra -Wpedantic -Wconversion -Werror -fsyntax-only"
+  for standard in c11 c17; do
+    $cc -std=$standard -pedantic $flags -x c "$source/$header" || failed=1
+  done
+  for standard in c++11 c++14 c++17 c++20 c++2b; do
+    $cxx -std=$standard $flags -x c++ "$source/$header" || failed=1
+  done
 done
 for standard in 17 20; do
-  $cxx -std=c++$standard $flags -Wconversion -Wshadow -fno-exceptions -fno-rtti -x c++ \
+  $cxx -std=c++$standard $flags -Wshadow -fno-exceptions -fno-rtti -x c++ \
     "$source/include/uti.hpp" || failed=1
 done
 
