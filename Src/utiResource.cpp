@@ -147,7 +147,7 @@ int32_t Resource_LoadInfo(const char *module) {
 
     ResourceModule *previous = CurrentModule;
     CurrentModule = loaded;
-    if (Parser_ParseNode(&root, ParseResources) != UTI_OK) {
+    if (Parser_ParseNode(&root, ParseResources) != UTI_OK || Parser_ReadFailed()) {
         asserts.report();
         unloadModule(loaded);
         CurrentModule = previous;

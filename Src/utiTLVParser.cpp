@@ -19,6 +19,9 @@ namespace {
 
 constexpr Assertions asserts{"Src/utiTLVParser"};
 
+// A read of the file has failed since the walk began.
+constinit bool readFailed = false;
+
 // Bytes of the block that the bounded memory source reads.
 constinit uint32_t blockSize = 0;
 
@@ -42,6 +45,7 @@ uint32_t decodeField(const uint8_t *bytes, uint8_t size) {
 
 uint32_t readFile(uintptr_t source, void *destination, uint32_t count) {
     const int32_t done = File_Read(static_cast<int32_t>(source), destination, count);
+    readFailed |= done < 0;
     return done > 0 ? static_cast<uint32_t>(done) : 0;
 }
 
@@ -117,6 +121,10 @@ const uint8_t *readScalar(const ParserNode *node, uint8_t type, int32_t *error,
 
 } // namespace
 
+bool Parser_ReadFailed() {
+    return readFailed;
+}
+
 KeptParserState::KeptParserState()
     : tagIdSize_(tagIdSize), lengthSize_(lengthSize), bytesRead_(bytesRead),
       bytesReadInMemory_(bytesReadInMemory), blockSize_(blockSize), read_(Parser_DataRead),
@@ -162,6 +170,7 @@ int32_t TLV_ReadHeader(uintptr_t source, TlvHeader *header) {
 int32_t Parser_GetRootNode(int32_t handle, ParserNode *node) {
     Parser_DataRead = readFile;
     Parser_SetPosition = seekFile;
+    readFailed = false;
     File_SetPosition(handle, 0);
     return openRoot(static_cast<uint32_t>(handle), node);
 }

@@ -19,6 +19,10 @@ int32_t walkChildren(ParserNode *node, Take take) {
     return UTI_OK;
 }
 
+// True when a read of the file has failed since `Parser_GetRootNode`: a walk that ended there may
+// have missed children.
+bool Parser_ReadFailed();
+
 // Skips a child. Returns 0 or the error.
 inline int32_t skipChild(const ParserNode &child) {
     int32_t error;

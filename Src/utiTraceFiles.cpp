@@ -83,9 +83,14 @@ FoundLogFile findLogFile(FileAge age) {
 
 int32_t continueLogFile(const LogFileName &name) {
     LogFile &file = traceContext->file;
-    if (file.open(name) >= 0 && !file.goToEnd())
-        file.fileLength = UINT32_MAX;
+    if (file.open(name) >= 0)
+        continueOpenFile(file);
     return file.handle;
+}
+
+void continueOpenFile(LogFile &file) {
+    if (!file.goToEnd())
+        file.fileLength = UINT32_MAX;
 }
 
 } // namespace uti

@@ -1,5 +1,5 @@
-// INI files against a plain model: set, get, remove, forget and read again; the file on disk is at
-// every moment what the model would write.
+// INI files against a plain model: set, get, remove, forget and read again, written as prescribed or
+// safely; the file on disk is at every moment what the model would write.
 #include "fuzz/terminal.h"
 
 #include "terminal.h"
@@ -117,7 +117,7 @@ void fuzz::run(Input &in) {
     const auto name = [&] { return in.oneIn(3) ? in.text(300) : in.pick(names); };
 
     for (int steps = 0; !in.isOver() && steps < 100 && !fake::faultStruck(); ++steps) {
-        const uint32_t operation = in.below(8);
+        const uint32_t operation = in.below(9);
         const std::string section = name(), key = name(), value = in.text(280);
         const std::string inSection = nameOf(section), ofKey = nameOf(key);
         const bool isNamed = !inSection.empty() && !ofKey.empty();
@@ -182,9 +182,14 @@ void fuzz::run(Input &in) {
                 REQUIRE(Ini_GetSectionName("f", i, out, sizeof out) == 0);
                 REQUIRE((*cache)[static_cast<std::size_t>(i)].first == out);
             }
+            break;
         }
+        case 8:
+            Ini_SetSafeWrite(in.byte() % 2);
         }
+        REQUIRE_UNLESS_STRUCK(library.terminal.files.size() == 1);
     }
     fake::disarm();
+    Ini_SetSafeWrite(0);
     Ini_RemoveFileInfoFromCache("f");
 }

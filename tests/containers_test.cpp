@@ -270,24 +270,4 @@ TEST_F(StorageTest, ComparesCopiesMergesSwaps) {
     EXPECT_EQ(Storage_Trace(storage), storage);
 }
 
-TEST_F(StorageTest, SurvivesEveryFault) {
-    const auto run = [&] {
-        const Storage full = Storage_Create(), copy = Storage_Create();
-        fill(full);
-        Storage_AppendString(full, 10, "more", 4);
-        void *block = nullptr;
-        uint32_t size = 0;
-        if (Storage_Export(full, &block, &size) && block) {
-            const bool whole = Storage_Import(copy, block, size) == 1;
-            EXPECT_EQ(whole, copy && (*copy)->totalSize == size);
-        }
-        const int32_t done = Storage_Merge(full, copy, copy) + Storage_Compare(full, copy);
-        Storage_MemFree(block);
-        Storage_Free(full);
-        Storage_Free(copy);
-        return done;
-    };
-    EXPECT_GT(forEachLoss(run).second, 100);
-}
-
 } // namespace

@@ -82,14 +82,6 @@ protected:
     }
     int32_t list(Script script = {{13}}) { return DialogList_DoModal(&play(script).listing); }
 
-    // What a dialog must not leave behind.
-    static void expectNothingInstalled() {
-        EXPECT_FALSE(NeedToBreakFunction || RefreshDialogFunction || KeyPostProcessingFunction ||
-                     currentKeyPressedCallback || refLabelData);
-        EXPECT_EQ(UserDialogResult, 0);
-        EXPECT_EQ(EndDialog, 0);
-    }
-
     ConfirmationRequest confirmation{};
     EditRequest editing{};
     ListRequest listing{};
@@ -681,88 +673,6 @@ TEST_F(Modal, DeactivatedDialogs) {
     EXPECT_EQ(dialogDeactivate, 0u);
     EXPECT_EQ(toolkit.take(), "IG_DisableStatusLine\nIG_DisableStatusLine\nIG_EnableStatusLine\n"
                               "IG_EnableStatusLine\n");
-}
-
-// Every toolkit call, look at the display and allocation fails in turn, once and from then on.
-TEST_F(Modal, NothingIsLostWhenAnythingFails) {
-    using Codes = std::map<std::string, int32_t>; // by the function that fails; others give 0
-    constexpr int32_t down = fake::failure - 5000;
-    const Codes common = {
-        {"igForm_Create", down}, {"igUI_Add", fake::failure}, {"igUI_ShowExt", down}};
-    const auto with = [&](Codes codes) {
-        codes.insert(common.begin(), common.end());
-        return codes;
-    };
-    const std::string parts =
-        text(11, "l") + text(2, "a.fnt") + text(75, "ab\\ncd") + text(117, "i");
-    const std::string two = group(148, parts) + group(148);
-    const LabelValue labels[] = {{"l", "a label"}, {nullptr, nullptr}};
-    const ListItem items[2] = {};
-    char buffer[9];
-    const auto editText = [&](const char *text) {
-        return edit(strcpy(buffer, text), sizeof buffer);
-    };
-    struct Case {
-        std::string description;
-        std::function<int32_t()> show;
-        Codes codes;
-        bool keepsFunctions = false;
-    };
-    const Case dialogs[] = {
-        {dialog(0, group(151, parts) + group(149) + group(157, parts + byte(87, 1))),
-         [&] { return message(3, {{13}}); }, common},
-        {dialog(3, two + group(157, parts)), [&] { return confirm(); }, common, true},
-        {dialog(3, two), [&] { return select("1", "2"); }, common},
-        {dialog(4, group(152)), [&] { return sign(); }, with({{"igSignBox_SaveData", down}})},
-        {dialog(1, group(150, parts) + group(150, parts + text(81, "_"))),
-         [&] { return editText("text"); }, common},
-        {dialog(1, group(156)), [&] { return editText("1.1.1.1"); }, common},
-        {dialog(2, group(153, group(160, byte(123, 1) + text(117, "i")))), [&] { return list(); },
-         with({{"igMenuBox_Create", down},
-               {"igMenuBox_AddItemExt2", down},
-               {"igForm_Add", down},
-               {"igStatic_Create", down},
-               {"igMenuBox_GetSelected", down}})},
-    };
-    request.labelValues = labels;
-    request.text = "first";
-    request.needToBreak = breakOff;
-    confirmation.firstButton = "yes";
-    editing.keyPressed = takeTyped;
-    listing.items = items;
-    listing.itemCount = 2;
-
-    int blocks = 0;
-    const auto strikes = [&](const Case &each, Call kind, int nth, fake::Persistence persistence) {
-        SCOPED_TRACE(std::to_string(&each - dialogs) + ": " + std::to_string(nth));
-        renew(each.description);
-        toolkit.answers["igSignBox_SaveData"] = 1;
-        fake::failCall(kind, nth, persistence);
-        const int32_t result = each.show();
-        const bool struck = fake::faultStruck();
-        fake::disarm();
-        EXPECT_LE(result, 0);
-        if (kind == Call::toolkit && persistence == fake::Persistence::once) {
-            const auto code = each.codes.find(toolkit.failed);
-            EXPECT_EQ(result, code == each.codes.end() ? 0 : code->second) << toolkit.failed;
-        }
-        if (!each.keepsFunctions)
-            expectNothingInstalled();
-        EXPECT_EQ(each.show(), 0) << "the next dialog";
-        forgetDialogs();
-        EXPECT_EQ(fake::liveBlocks() - std::exchange(blocks, fake::liveBlocks()), 0);
-        return struck && !HasFailure();
-    };
-    for (const Case &each : dialogs) {
-        blocks = fake::liveBlocks();
-        int faults = 0;
-        for (const Call kind : {Call::toolkit, Call::display, Call::malloc}) {
-            for (const auto persistence : {fake::Persistence::once, fake::Persistence::fromThenOn})
-                for (int nth = 1; strikes(each, kind, nth, persistence); ++nth)
-                    ++faults;
-        }
-        EXPECT_GT(faults, 30);
-    }
 }
 
 } // namespace

@@ -28,6 +28,23 @@ inline int countOf(const std::string &text, const std::string &piece) {
     return count;
 }
 
+// What a dialog must not leave behind.
+inline void expectNothingInstalled() {
+    EXPECT_FALSE(NeedToBreakFunction || RefreshDialogFunction || KeyPostProcessingFunction ||
+                 currentKeyPressedCallback || refLabelData);
+    EXPECT_EQ(UserDialogResult, 0);
+    EXPECT_EQ(EndDialog, 0);
+}
+
+// Starts a log as text on the serial port.
+inline void openLog() {
+    TraceExSettings settings{};
+    settings.output = TRACE_OUTPUT_SERIAL;
+    settings.mode = 3;
+    settings.text = 1;
+    EXPECT_EQ(TraceExOpen(&settings), 0);
+}
+
 // A fresh toolkit and fresh records for every test; no block, no wrong handle left at its end.
 class Dialogs : public Terminal {
 protected:
@@ -60,15 +77,6 @@ protected:
         fake::reset();
         forgetDialogs();
         serve(description);
-    }
-
-    // Starts a log as text on the serial port.
-    static void openLog() {
-        TraceExSettings settings{};
-        settings.output = TRACE_OUTPUT_SERIAL;
-        settings.mode = 3;
-        settings.text = 1;
-        EXPECT_EQ(TraceExOpen(&settings), 0);
     }
 
     // How often the log holds a text; the log is then empty.

@@ -127,41 +127,6 @@ TEST_F(Ini, ChangesRewriteTheWholeFile) {
     EXPECT_EQ(terminal.calls, "open f 1; open f 0; write 5; write 2; write 4; write 2; close");
 }
 
-TEST_F(Ini, FaultsGiveTheRightCodeAndChangeNothing) {
-    std::string text = "[S]\r\n", out(2048, 0);
-    for (int i = 0; i < 40; ++i)
-        text += "K"s + std::to_string(i) + "=v&#13;\r\n";
-    text += "\r\n";
-    const struct {
-        std::function<int32_t()> call;
-        int32_t clean, failed;
-        const char *section, *stored; // what K7 in this section is then
-    } rows[] = {
-        {[] { return Ini_GetSectionCount("f"); }, 1, -3500, "S", "v\r"},
-        {[] { return Ini_SetStr("f", "S", "K7", "new"); }, 0, -3500, "S", "new"},
-        {[] { return Ini_SetStr("f", "t", "K7", "new"); }, 0, -3500, "T", "new"},
-        {[&] { return Ini_GetSection("f", "s", out.data(), 2048); }, 430, 0, "S", "v\r"},
-    };
-    for (const auto &row : rows) {
-        const auto [files, blocks] = forEachLoss([&] {
-            file(text);
-            Ini_GetSectionCount("f"); // the fault strikes here, in the call, or in both
-            const int32_t result = row.call();
-            fake::disarm();
-            EXPECT_TRUE(result == row.clean || result == row.failed) << result;
-            if (result == row.clean) {
-                EXPECT_EQ(get(row.section, "k7"), row.stored) << "in the cache";
-            } else {
-                Ini_RemoveSection("f", "");
-                EXPECT_EQ(terminal.files["f"], text) << "neither cache nor file are changed";
-            }
-            Ini_RemoveFileInfoFromCache("f");
-            return result;
-        });
-        EXPECT_GT(files + blocks, 80);
-    }
-}
-
 TEST_F(Ini, CountsEndAt32767AndLongFilesAreReadInTime) {
     std::string keys = "[s]\n", sections;
     for (int i = 0; i < 120000; ++i) {

@@ -211,41 +211,4 @@ TEST_F(Monitoring, LimitIsReportedAndWritingGoesOn) {
     }
 }
 
-TEST_F(Retrieval, SurvivesEveryFaultOfBothLogs) {
-    std::string text(900, 'x');
-    for (const bool buffered : {false, true}) {
-        SCOPED_TRACE(buffered);
-        const auto run = [&] {
-            file(0, std::string(50, 'b'), 2);
-            file(1, std::string(50, 'c'), 3);
-            file(2, std::string(50, 'a'), 1);
-            if (open(buffered ? TRACE_OUTPUT_BUFFERED : TRACE_OUTPUT_FILE, 800) != 0)
-                return terminal.files;
-            std::string all(200, 0);
-            all.resize(static_cast<std::size_t>(TraceExGetLog(all.data(), 200)));
-            for (uint32_t id = 0; id < 40; ++id) {
-                const int32_t result = TraceExDebug("M", id, Long, 5, String, "text", 0);
-                EXPECT_TRUE(result == 0 || result == -3102 || result == -7) << result;
-            }
-            MonitorExSettings wanted{buffered ? MONITOR_MODE_BUFFERED : MONITOR_MODE_DIRECT, "m",
-                                     0};
-            const bool monitored = MonitorExOpen(&wanted) == 0;
-            for (uint32_t id = 0; monitored && id < 12; ++id) {
-                const int32_t result = MonitorExWrite(id, String, text.c_str(), 0);
-                EXPECT_TRUE(result == 0 || result == -3102) << result;
-            }
-            MonitorExClose();
-            TraceExClose();
-            terminal.files["read"] = all;
-            return terminal.files;
-        };
-        EXPECT_EQ(run()["read"],
-                  buffered ? ""
-                           : std::string(50, 'a') + std::string(50, 'b') + std::string(50, 'c'));
-        const auto [files, blocks] = forEachLoss(run);
-        EXPECT_GT(files, 80);
-        EXPECT_GT(blocks, 2);
-    }
-}
-
 } // namespace

@@ -224,29 +224,6 @@ TEST_F(Resources, ExternalModulesOverride) {
     EXPECT_STREQ(Resource_GetString("longestname2", 1), "Hello");
 }
 
-TEST_F(Resources, SurvivesEveryFault) {
-    std::vector<std::string> texts;
-    for (int i = 0; i < 30; ++i)
-        texts.push_back(std::string(static_cast<std::size_t>(i * 3), 'a') + "!");
-    const std::string file = resourceFile(1, {{0, {{"en", 0, texts}, {"ru", 0, texts}}}});
-    const auto run = [&] {
-        terminal.environment["default_lang"] = "en";
-        terminal.files["m.res"] = file;
-        std::string all;
-        for (uint32_t id = 0; id < 30; ++id) {
-            const std::string text = Resource_GetString("m", id);
-            EXPECT_TRUE(text.empty() || text == texts[id]);
-            Resource_Release("m", id);
-            all += text;
-        }
-        forgetResources();
-        return all;
-    };
-    const auto [files, blocks] = forEachLoss(run);
-    EXPECT_GT(files, 100);
-    EXPECT_GT(blocks, 50);
-}
-
 TEST_F(Resources, HostileFilesGiveAnErrorOrAString) {
     const auto fetchAll = [&](std::string bytes) {
         forgetResources();

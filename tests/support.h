@@ -41,25 +41,6 @@ inline std::string toHex(std::string_view bytes) {
     return text;
 }
 
-// Fails every call for files and memory that a scenario makes, in turn. Whatever failed, nothing is
-// left open or allocated, and the next run without a fault gives what the first one gave. Returns
-// how many faults of each there were.
-template <class Scenario>
-std::pair<int, int> forEachLoss(Scenario run) {
-    fake::reset();
-    const auto clean = run();
-    const int blocks = fake::liveBlocks();
-    const auto check = [&](int kind, int nth) {
-        SCOPED_TRACE("call kind " + std::to_string(kind) + ", call " + std::to_string(nth));
-        EXPECT_EQ(fake::terminal().openFiles, 0);
-        EXPECT_EQ(fake::liveBlocks(), blocks);
-        fake::reset();
-        EXPECT_EQ(run(), clean);
-    };
-    const int ofFiles = fake::forEachFault(fake::fileCalls, run, check);
-    return {ofFiles, fake::forEachFault(fake::heapCalls, run, check)};
-}
-
 // Calls `feed` with every truncation of `bytes`, the whole included, each in its own exact block.
 template <class Feed>
 void forEachTruncation(std::string_view bytes, Feed feed) {

@@ -10,8 +10,8 @@ namespace fake {
 
 namespace {
 
-struct Fault {
-    int countdown = 0; // 0: none armed
+struct Armed {
+    int countdown = 0; // 0: no fault
     Persistence persistence = Persistence::once;
 };
 
@@ -23,7 +23,7 @@ struct OpenFile {
 struct State {
     Terminal terminal;
     std::map<int32_t, OpenFile> open;
-    Fault faults[static_cast<int>(Call::count)];
+    Armed faults[static_cast<int>(Call::count)];
     bool struck = false;
     bool printerOpen = false;
 };
@@ -72,7 +72,7 @@ void failCall(Call kind, int nth, Persistence persistence) {
 }
 
 void disarm() {
-    for (Fault &fault : state().faults)
+    for (Armed &fault : state().faults)
         fault = {};
 }
 
@@ -81,7 +81,7 @@ bool faultStruck() {
 }
 
 bool fails(Call kind) {
-    Fault &fault = state().faults[static_cast<int>(kind)];
+    Armed &fault = state().faults[static_cast<int>(kind)];
     if (fault.countdown == 0 || --fault.countdown > 0)
         return false;
     if (fault.persistence == Persistence::fromThenOn)
@@ -99,7 +99,7 @@ int32_t File_Open(const char *path, int32_t mode) {
     if (fails(Call::open) || (mode == FILE_MODE_READ && !files.count(path)))
         return -7;
     if (mode == FILE_MODE_CREATE)
-        files[path].clear();
+        terminal().deleted += std::exchange(files[path], {});
     files[path];
     changeDisk();
     const int32_t handle = state().open.empty() ? 10 : state().open.rbegin()->first + 1;
@@ -113,13 +113,13 @@ int32_t File_Close(int32_t handle) {
     if (!state().open.erase(handle))
         return -1;
     --terminal().openFiles;
-    return 0;
+    return fails(Call::close) ? -1 : 0;
 }
 
 int32_t File_Read(int32_t handle, void *buffer, uint32_t count) {
     OpenFile *file = find(handle);
     if (!file || fails(Call::read))
-        return file ? 0 : -1;
+        return -1;
     const std::string &bytes = terminal().files[file->path];
     const std::size_t left = bytes.size() - std::min(bytes.size(), file->position);
     const std::size_t done = std::min<std::size_t>(count, left);
@@ -177,9 +177,13 @@ int32_t File_IsValid(const char *path) {
 
 int32_t File_Delete(const char *path) {
     note("delete " + std::string(path));
-    const bool isGone = !fails(Call::remove) && terminal().files.erase(path);
+    const auto found = terminal().files.find(path);
+    if (fails(Call::remove) || found == terminal().files.end())
+        return -1;
+    terminal().deleted += found->second;
+    terminal().files.erase(found);
     changeDisk();
-    return isGone ? 0 : -1;
+    return 0;
 }
 
 int32_t ComPort_Open(const void *parameters) {
@@ -277,6 +281,10 @@ int32_t System_GetEnv(const char *name, char *buffer, int32_t size, int32_t) {
     if (fails(Call::environment) || found == terminal().environment.end())
         return -1;
     return copyText(found->second, buffer, size);
+}
+
+void Terminal_NoteAssertion(const char *, int32_t) {
+    ++terminal().assertions;
 }
 
 int32_t GetApplicationName(char *buffer, int32_t size) {

@@ -32,14 +32,18 @@ enum class Call {
     toolkit, // any call of the widget toolkit
     malloc,
     realloc,
+    close, // the file is closed all the same
     count
 };
 
-inline constexpr Call fileCalls[] = {Call::open,   Call::read,     Call::write,   Call::seek,
-                                     Call::length, Call::fileTime, Call::isValid, Call::remove};
-inline constexpr Call heapCalls[] = {Call::malloc, Call::realloc};
-
 enum class Persistence { once, fromThenOn };
+
+// The nth call of a kind from now, alone or with all that come behind it.
+struct Fault {
+    Call kind;
+    int nth;
+    Persistence persistence = Persistence::once;
+};
 
 struct Stamp {
     TerminalDate date;
@@ -61,7 +65,9 @@ struct Terminal {
     ComPortParameters port{};         // of the last ComPort_Open
     std::vector<std::string> printed; // one entry a Printer_PrintString
     std::string calls;                // "open app.log 2; write 4; ..." of the file calls
+    std::string deleted;              // what was in the files that were deleted or emptied
     int openFiles = 0;
+    int assertions = 0; // of the library, whether or not the log is open
 
     int32_t type = 0;
     int32_t displayEvent = 0; // of Display_CheckEvent
@@ -77,6 +83,7 @@ void reset();
 
 // Makes the nth call of a kind from now fail; kinds with no fault armed succeed.
 void failCall(Call kind, int nth, Persistence persistence = Persistence::once);
+// Forgets what was armed; what has struck stays known until the next one is armed.
 void disarm();
 // True when an armed fault has struck.
 bool faultStruck();
@@ -87,21 +94,23 @@ bool fails(Call kind);
 int liveBlocks();
 
 // Runs `scenario` with every call of every kind failing in turn, once and from then on, until a run
-// meets no fault any more. `check` looks at the state after each run.
-template <class Kinds, class Scenario, class Check>
-int forEachFault(const Kinds &kinds, Scenario scenario, Check check) {
+// meets no fault any more. `prepare` brings about the state that it starts from; `check` looks at
+// the one that each fault has left. Returns how many faults there were.
+template <class Prepare, class Scenario, class Check>
+int forEachFault(Prepare prepare, Scenario scenario, Check check) {
     int faults = 0;
-    for (const Call kind : kinds) {
+    for (int kind = 0; kind < static_cast<int>(Call::count); ++kind) {
         for (const Persistence persistence : {Persistence::once, Persistence::fromThenOn}) {
             for (int nth = 1;; ++nth) {
+                const Fault fault{static_cast<Call>(kind), nth, persistence};
                 reset();
-                failCall(kind, nth, persistence);
-                scenario();
-                const bool struck = faultStruck();
+                prepare();
+                failCall(fault.kind, nth, persistence);
+                scenario(fault);
                 disarm();
-                if (!struck)
+                if (!faultStruck())
                     break;
-                check(static_cast<int>(kind), nth);
+                check(fault);
                 ++faults;
             }
         }

@@ -258,7 +258,8 @@ int32_t call(const std::string &function, const Arguments &arguments) {
     if (!asks)
         toolkit().calls += line + '\n';
     if (fails(Call::toolkit)) {
-        toolkit().failed = function;
+        if (toolkit().failed.empty())
+            toolkit().failed = function;
         return failure;
     }
     for (const std::string &key : {line, function}) {

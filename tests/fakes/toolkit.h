@@ -39,7 +39,7 @@ struct Toolkit {
     std::string calls;    // lines such as "igWidget_SetBorder static2 1"
     std::string mistakes; // uses of handles that are not alive or are of another kind
     std::string drawn;    // what was read from the texts of the form drawn last
-    std::string failed;   // the function that a fault has struck
+    std::string failed;   // the function that a fault has struck first
     std::size_t read = 0; // characters of all texts, which are read again at every call
     std::map<std::string, int32_t> answers; // results by function name or by the call's line
     std::deque<Event> script;

@@ -1,0 +1,450 @@
+// Every call of the platform, of the toolkit and for memory fails, once and from then on, in each
+// of the scenarios below, which together make every such call that the library has. Whatever
+// failed: nothing crashes, leaks, stays open, runs on or is read after it was freed, somebody is
+// told when anything differs, and the next run is as if nothing had happened.
+#include "tests/dialog_support.h"
+
+using namespace support;
+using namespace support::describe;
+using fake::Call;
+
+namespace {
+
+fake::Terminal &terminal = fake::terminal();
+fake::Toolkit &toolkit = fake::toolkit();
+
+// What a scenario shows to the application.
+struct Seen {
+    fake::Fault fault{Call::count, 0}; // that is armed
+    std::string text = {};             // results, and what was read or written
+    bool isTold = false; // a result, or nothing in place of a text, tells of a failure
+
+    int32_t result(int32_t code) {
+        text += std::to_string(code) + ' ';
+        isTold |= code < 0;
+        return code;
+    }
+    void add(const std::string &more) {
+        text += more + ' ';
+        isTold |= more.empty();
+    }
+};
+
+// --- dialogs
+
+using Codes = std::map<std::string, int32_t>;
+constexpr int32_t down = fake::failure - 5000;
+const std::string parts = text(11, "l") + text(2, "a.fnt") + text(75, "ab\\ncd") + text(117, "i");
+int refreshes;
+
+DialogRequest request() {
+    static const LabelValue labels[] = {{"l", "a label"}, {nullptr, nullptr}};
+    DialogRequest wanted{};
+    wanted.resourceId = 1;
+    wanted.module = "m";
+    wanted.text = "first";
+    wanted.timeout = 9000;
+    wanted.labelValues = labels;
+    wanted.needToBreak = [] { return int32_t{0}; };
+    return wanted;
+}
+
+// Shows a dialog, and behind it another one that nothing disturbs. Of the toolkit's functions those
+// with a code end the dialog with it when they fail once.
+void show(Seen &seen, const std::string &description, int32_t (*run)(), const Codes &codes = {}) {
+    terminal.environment["default_lang"] = "en";
+    terminal.files["m.res"] =
+        resourceFile(1, {{0, {{"en", 0, {"", description}}, {"ru", 0, {"", description}}}}});
+    toolkit.answers["igSignBox_SaveData"] = 1;
+    const auto shown = [&] {
+        refreshes = 1;
+        toolkit.script = {{}, {}, {13}};
+        return run();
+    };
+    const int32_t result = seen.result(shown());
+    if (!toolkit.failed.empty() && seen.fault.persistence == fake::Persistence::once) {
+        Codes all = {{"igForm_Create", down}, {"igUI_Add", fake::failure}, {"igUI_ShowExt", down}};
+        all.insert(codes.begin(), codes.end());
+        EXPECT_EQ(result, all.count(toolkit.failed) ? all[toolkit.failed] : 0) << toolkit.failed;
+    }
+    fake::disarm();
+    EXPECT_EQ(shown(), 0) << "the next dialog";
+    expectNothingInstalled();
+}
+
+int32_t confirm() {
+    ConfirmationRequest wanted{request(), "yes", nullptr};
+    wanted.dialog.refresh = [](const LabelValue **values) {
+        static const LabelValue newer[] = {{"l", "two\\nlines"}, {nullptr, nullptr}};
+        *values = newer;
+        return int32_t{refreshes-- > 0};
+    };
+    return DialogConfirmation_DoModal(&wanted);
+}
+int32_t edit(const char *text) {
+    EditRequest wanted{};
+    wanted.dialog = request();
+    wanted.keyPressed = [](int32_t, char *, int32_t) { return int32_t{0}; };
+    char buffer[9];
+    const int32_t result = DialogEdit_DoModal(&wanted, strcpy(buffer, text), sizeof buffer);
+    EXPECT_TRUE(*buffer == 0 || std::string(buffer) == text) << buffer;
+    return result;
+}
+
+void showPictures(Seen &seen) {
+    terminal.environment = {{"default_lang", "en"}, {"cp_en", "1252"}};
+    terminal.files["m.res"] =
+        resourceFile(1, {{0, {{"en", 0, {"", dialog(0, group(159, area(7, 8, 9, 10)))}}}}});
+    terminal.files["p.png"] = "";
+    CodePageManager_GetFontName("xx", "forgets the last name");
+    CodePageManager_GetCodePage("xx");
+    terminal.assertions = 0;
+    seen.result(DrawImage_IG(0, 0, "p.png", "title"));
+    seen.result(SetBackgroundImage_IG("p.png"));
+    seen.add(std::to_string(CodePageManager_GetCodePage("en")));
+    seen.result(Dialogs_SetDefaultFonts("en"));
+    const DialogRequest wanted = request();
+    seen.result(GetSignalPosition(&wanted));
+}
+
+// --- settings
+
+void useIni(Seen &seen, bool isSafe) {
+    std::map<std::string, std::string> expected = {{"t", "t"}};
+    std::string &file = terminal.files["f"] = "[T]\r\nT=t\r\n\r\n[S]\r\n";
+    for (int i = 0; i < 40; ++i) {
+        const std::string number = std::to_string(i);
+        expected["k" + number] = number + '\r';
+        file += "K" + number + '=' + number + "&#13;\r\n";
+    }
+    terminal.files["f~"] = isSafe ? "an incomplete copy" : "";
+    Ini_SetSafeWrite(isSafe);
+    const auto check = [&] {
+        for (const auto &[key, value] : expected) {
+            char found[256];
+            EXPECT_EQ(Ini_GetStr("f", key == "t" ? key.c_str() : "s", key.c_str(), found, 256), 0);
+            EXPECT_EQ(found, value);
+        }
+    };
+    const bool isRead = seen.result(Ini_GetSectionCount("f")) >= 0;
+    char out[1024] = "";
+    Ini_GetSection("f", "s", out, sizeof out);
+    seen.add(out);
+    const auto set = [&](const char *key, const char *value) {
+        if (seen.result(Ini_SetStr("f", "s", key, value)) == 0)
+            expected[key] = value;
+    };
+    set("k7", "new");
+    set("one more", "value");
+    if (seen.result(Ini_SetLong("f", "new section", "k", 5)) == 0 && isRead)
+        Ini_RemoveSection("f", "NEW SECTION");
+    fake::disarm();
+    // What could not be read is, as prescribed, an empty file.
+    if (isRead || isSafe)
+        check();
+    if (isSafe)
+        seen.add(std::exchange(terminal.files["f"], ""));
+}
+
+// --- resources
+
+void fetchStrings(Seen &seen) {
+    std::vector<std::string> plain, external;
+    for (std::size_t i = 0; i < 30; ++i) {
+        plain.push_back(std::string(i * 3, 'a') + "!");
+        external.push_back(i % 3 ? "" : std::string(i * 2, 'x') + "?");
+    }
+    terminal.environment = {{"default_lang", "en"}, {"EXTRES", "1"}};
+    terminal.files["m.res"] = resourceFile(1, {{0, {{"en", 0, plain}, {"ru", 0, plain}}}});
+    terminal.files["m_ext.res"] = resourceFile(1, {{0, {{"en", 0, external}}}});
+    const char *held = Resource_GetString("m", 29);
+    const std::string kept = held;
+    seen.add(kept);
+    for (uint32_t id = 0; id < 29; ++id) {
+        const std::string found = Resource_GetString("m", id);
+        EXPECT_TRUE(found.empty() || found == plain[id] || found == external[id]) << found;
+        seen.add(found);
+        Resource_Release("m", id);
+    }
+    const char *other = Resource_GetStringEx("m", "ru", 3);
+    seen.add(other ? other : "");
+    EXPECT_EQ(held, kept) << "held over all of that";
+    ResourceLanguageInfo languages[4];
+    seen.result(static_cast<int32_t>(Resource_GetLanguages("m", 0, languages, 4)) - 1);
+    seen.result(Resource_IsValid("m", 1));
+}
+
+// --- containers
+
+void fillContainers(Seen &seen) {
+    const Storage full = Storage_Create(), copy = Storage_Create();
+    int32_t done = 0;
+    for (uint32_t key = 0; key < 9; ++key)
+        done += Storage_PutLong(full, key * key, 5);
+    done += Storage_PutString(full, 1, "text", 5) + Storage_AppendString(full, 1, "more", 4);
+    void *block = nullptr;
+    uint32_t size = 0, count = 0, *keys = nullptr;
+    const int32_t exported = Storage_Export(full, &block, &size);
+    const bool isWhole = exported == 1 && block && Storage_Import(copy, block, size) == 1;
+    EXPECT_TRUE(!isWhole || (*copy)->totalSize == size);
+    done += exported + Storage_GetKeys(full, &keys, &count) + Storage_Merge(full, copy, copy);
+    seen.add(std::to_string(done) + (Storage_Compare(full, copy) == 0 ? " equal" : " other"));
+    Storage_MemFree(block);
+    Storage_MemFree(keys);
+    Storage_Free(full);
+    Storage_Free(copy);
+
+    List *const list = List_Create();
+    char items[] = "abcd";
+    std::string inOrder;
+    if (list) {
+        const bool all = list->AddTail(list, items + 1) && list->AddHead(list, items) &&
+                         list->InsertAfter(list, items + 2) && list->InsertBefore(list, items + 3);
+        for (void *at = list->First(list); at; at = list->Next(list))
+            inOrder += *static_cast<char *>(at);
+        done += all ? 1 : -1;
+    }
+    List_Destroy(list);
+    seen.add(inOrder);
+    seen.isTold |= done < 15;
+}
+
+// --- logs
+
+constexpr int records = 40;
+
+// Takes whole records out of what came out: each that was promised, with a '0', once. What was
+// promised and is not there is written down. Returns the rest.
+std::string takeRecords(std::string all, const std::string &clean, const std::string &promised,
+                        std::string &missing) {
+    const std::size_t size = clean.size() / records;
+    for (std::size_t i = 0; i < records; ++i) {
+        const std::string record = clean.substr(i * size, size);
+        int found = 0;
+        for (std::size_t at; (at = all.find(record)) != std::string::npos; ++found)
+            all.replace(at, size, "");
+        const int expected = promised[i] == '0';
+        EXPECT_LE(found, expected) << "record " << i;
+        missing += found < expected ? std::to_string(i) + ' ' : "";
+    }
+    std::erase(all, '\n');
+    return all;
+}
+
+int32_t openTrace(uint32_t output, uint8_t text) {
+    TraceExClose();
+    TraceExSettings settings{output, 3, "", text, {}, 8 * 180};
+    std::strcpy(settings.device.baseName, "t");
+    return TraceExOpen(&settings);
+}
+int32_t writeTrace(int i) {
+    terminal.now.time.second = static_cast<uint8_t>(i);
+    return TraceExAssert("record", 10 + i);
+}
+std::string cleanTrace(uint8_t text) {
+    openTrace(TRACE_OUTPUT_SERIAL, text);
+    for (int i = 0; i < records; ++i)
+        writeTrace(i);
+    TraceExClose();
+    return std::exchange(terminal.serial, {});
+}
+
+// The log of 40 records, closed once, flushed at times, and read in between.
+void trace(Seen &seen, uint32_t output, uint8_t text) {
+    static const std::string clean[] = {cleanTrace(0), cleanTrace(1)};
+    terminal.serial.clear();
+    const bool isFile = output == TRACE_OUTPUT_FILE;
+    int32_t opened = seen.result(openTrace(output, text));
+    std::string promised, read(9999, 0);
+    for (int i = 0; i < records; ++i) {
+        promised += seen.result(writeTrace(i)) == 0 ? '0' : '-';
+        if (i % 7 == 6)
+            TraceExFlush();
+        if (i == 12)
+            opened |= seen.result(openTrace(output, text));
+        if (i == 25)
+            read.resize(static_cast<std::size_t>(TraceExGetLog(read.data(), 9999)));
+    }
+    TraceExClose();
+    fake::disarm();
+    std::string all = terminal.deleted + '\n' + terminal.serial + terminal.printedText();
+    for (const auto &[name, bytes] : terminal.files)
+        all += '\n' + bytes;
+    seen.isTold |= opened != 0 || read.starts_with("LOG FILE");
+
+    // A piece that is cut is told of, the ones in a buffer by a report.
+    const Call kind = seen.fault.kind;
+    const bool isCut = kind == Call::write || kind == Call::comWrite || kind == Call::print;
+    std::string missing;
+    const std::string rest = takeRecords(all, clean[text], promised, missing);
+    EXPECT_TRUE(missing.empty() || (isCut && output == TRACE_OUTPUT_BUFFERED)) << missing;
+    EXPECT_TRUE(rest.empty() || isCut || rest.find("Src/uti") != rest.npos) << toHex(rest);
+    seen.text += missing + rest;
+    if (isCut || read.starts_with("LOG FILE"))
+        read.clear();
+    EXPECT_EQ(isFile ? takeRecords(read, clean[text], promised, missing) : "", "") << "as read";
+}
+
+void monitor(Seen &seen, uint32_t mode) {
+    static std::string clean;
+    const std::string big(900, 'x');
+    const MonitorExSettings settings{mode, "t", 0};
+    std::string promised;
+    int32_t opened = seen.result(MonitorExOpen(&settings));
+    for (int i = 0; i < records; ++i) {
+        if (i == 12) {
+            MonitorExClose();
+            opened |= seen.result(MonitorExOpen(&settings));
+        }
+        const int32_t result = MonitorExWrite(static_cast<uint32_t>(i), String, big.c_str(), 0);
+        promised += result == 0 || result == UTI_MONITOR_OVER_LIMIT ? '0' : '-';
+        seen.result(result);
+        if (i % 7 == 6)
+            MonitorExFlush();
+    }
+    MonitorExClose();
+    fake::disarm();
+    std::string all;
+    for (const auto &[name, bytes] : terminal.files)
+        all += bytes;
+    clean = clean.empty() ? all : clean;
+    std::string missing;
+    const std::string rest = takeRecords(all, clean, promised, missing);
+    EXPECT_TRUE((missing + rest).empty() || seen.fault.kind == Call::write) << missing;
+    EXPECT_TRUE(missing.empty() || mode == MONITOR_MODE_BUFFERED) << missing;
+    seen.text += missing + rest;
+}
+
+// --- all of them
+
+const struct {
+    const char *name;
+    void (*run)(Seen &seen);
+    int floor; // faults that there are at the least; may rise, and is raised then
+} scenarios[] = {
+    {"message",
+     [](Seen &seen) {
+         show(seen, dialog(0, group(151, parts) + group(149) + group(157, parts + byte(87, 1))),
+              [] {
+                  const DialogRequest wanted = request();
+                  return DialogMessage_Show(&wanted, SHOW_SHORTLY);
+              });
+     },
+     0},
+    {"confirmation, with a refresh",
+     [](Seen &seen) {
+         show(seen, dialog(3, group(148, parts) + group(148) + group(157, parts)), confirm);
+     },
+     0},
+    {"selection",
+     [](Seen &seen) {
+         show(seen, dialog(3, group(148, parts) + group(148)), [] {
+             const ConfirmationRequest wanted{request(), "yes", nullptr};
+             return DialogSelect_DoModal_IG(&wanted, "1", "2");
+         });
+     },
+     0},
+    {"signature",
+     [](Seen &seen) {
+         show(seen, dialog(4, group(152)),
+              [] {
+                  const DialogRequest wanted = request();
+                  return DialogSignature_DoModal(&wanted, "file");
+              },
+              {{"igSignBox_SaveData", down}});
+     },
+     0},
+    {"edit",
+     [](Seen &seen) {
+         show(seen, dialog(1, group(150, parts) + group(150, parts + text(81, "_"))),
+              [] { return edit("text"); });
+     },
+     0},
+    {"edit of an address",
+     [](Seen &seen) { show(seen, dialog(1, group(156)), [] { return edit("1.1.1.1"); }); }, 0},
+    {"list",
+     [](Seen &seen) {
+         show(seen, dialog(2, group(153, group(160, byte(123, 1) + text(117, "i")))),
+              [] {
+                  const ListItem items[2] = {};
+                  const ListRequest wanted{request(), items, 2};
+                  return DialogList_DoModal(&wanted);
+              },
+              {{"igMenuBox_Create", down},
+               {"igMenuBox_AddItemExt2", down},
+               {"igForm_Add", down},
+               {"igStatic_Create", down},
+               {"igMenuBox_GetSelected", down}});
+     },
+     0},
+    {"pictures and fonts", showPictures, 0},
+    {"settings", [](Seen &seen) { useIni(seen, false); }, 0},
+    {"settings, written safely", [](Seen &seen) { useIni(seen, true); }, 0},
+    {"strings, with external ones", fetchStrings, 0},
+    {"storage and list", fillContainers, 0},
+    {"trace to files", [](Seen &seen) { trace(seen, TRACE_OUTPUT_FILE, 0); }, 0},
+    {"trace to files as text", [](Seen &seen) { trace(seen, TRACE_OUTPUT_FILE, 1); }, 0},
+    {"trace through a buffer", [](Seen &seen) { trace(seen, TRACE_OUTPUT_BUFFERED, 0); }, 0},
+    {"trace to a port", [](Seen &seen) { trace(seen, TRACE_OUTPUT_SERIAL, 0); }, 0},
+    {"trace to the printer", [](Seen &seen) { trace(seen, TRACE_OUTPUT_PRINTER, 1); }, 0},
+    {"monitoring", [](Seen &seen) { monitor(seen, MONITOR_MODE_DIRECT); }, 0},
+    {"monitoring through a buffer", [](Seen &seen) { monitor(seen, MONITOR_MODE_BUFFERED); }, 0},
+};
+
+using Faults = support::Terminal;
+
+std::string nameOf(fake::Fault fault) {
+    return "call " + std::to_string(fault.nth) + " of kind " +
+           std::to_string(static_cast<int>(fault.kind)) +
+           (fault.persistence == fake::Persistence::once ? "" : " and all behind it");
+}
+
+TEST_F(Faults, EveryFaultOfEveryScenario) {
+    const auto forget = [] {
+        MonitorExClose();
+        Ini_SetSafeWrite(0);
+        Ini_RemoveFileInfoFromCache("f");
+        forgetDialogs();
+    };
+    openLog();
+    TraceExAssert("", 0); // the log keeps a table from its first record on
+    for (const auto &row : scenarios) {
+        SCOPED_TRACE(row.name);
+        Seen seen;
+        const auto prepare = [&] {
+            forget();
+            openLog();
+        };
+        const auto run = [&](fake::Fault fault) {
+            SCOPED_TRACE(nameOf(fault));
+            seen = {fault};
+            row.run(seen);
+        };
+        const auto runClean = [&] {
+            fake::reset();
+            prepare();
+            run({Call::count, 0});
+            forget();
+            return seen.text;
+        };
+        runClean(); // what is kept from then on is made
+        const std::string clean = runClean();
+        const int assertions = terminal.assertions;
+        const int blocks = fake::liveBlocks();
+        const int faults = fake::forEachFault(prepare, run, [&](fake::Fault fault) {
+            SCOPED_TRACE(nameOf(fault));
+            // A variable that cannot be read is like one that is not set.
+            EXPECT_TRUE(seen.text == clean || seen.isTold || terminal.assertions > assertions ||
+                        fault.kind == Call::environment)
+                << "nobody is told: " << seen.text;
+            forget();
+            EXPECT_EQ(terminal.openFiles, 0);
+            EXPECT_EQ(fake::liveBlocks(), blocks);
+            EXPECT_EQ(toolkit.mistakes, "");
+            EXPECT_EQ(runClean(), clean);
+        });
+        EXPECT_GE(faults, row.floor);
+    }
+}
+
+} // namespace
