@@ -37,43 +37,47 @@ constexpr int32_t down = fake::failure - 5000;
 const std::string parts = text(11, "l") + text(2, "a.fnt") + text(75, "ab\\ncd") + text(117, "i");
 int refreshes;
 
-DialogRequest request() {
+DialogRequest makeRequest() {
     static const LabelValue labels[] = {{"l", "a label"}, {nullptr, nullptr}};
-    DialogRequest wanted{};
-    wanted.resourceId = 1;
-    wanted.module = "m";
-    wanted.text = "first";
-    wanted.timeout = 9000;
-    wanted.labelValues = labels;
-    wanted.needToBreak = [] { return int32_t{0}; };
-    return wanted;
+    DialogRequest made{};
+    made.resourceId = 1;
+    made.module = "m";
+    made.text = "first";
+    made.timeout = 9000;
+    made.labelValues = labels;
+    made.needToBreak = [] { return int32_t{0}; };
+    return made;
 }
+const DialogRequest request = makeRequest();
 
 // Shows a dialog, and behind it another one that nothing disturbs. Of the toolkit's functions those
 // with a code end the dialog with it when they fail once.
-void show(Seen &seen, const std::string &description, int32_t (*run)(), const Codes &codes = {}) {
-    terminal.environment["default_lang"] = "en";
-    terminal.files["m.res"] =
-        resourceFile(1, {{0, {{"en", 0, {"", description}}, {"ru", 0, {"", description}}}}});
-    toolkit.answers["igSignBox_SaveData"] = 1;
-    const auto shown = [&] {
-        refreshes = 1;
-        toolkit.script = {{}, {}, {13}};
-        return run();
+auto shows(const std::string &description, int32_t (*run)(), const Codes &codes = {}) {
+    return [=](Seen &seen) {
+        terminal.environment["default_lang"] = "en";
+        terminal.files["m.res"] =
+            resourceFile(1, {{0, {{"en", 0, {"", description}}, {"ru", 0, {"", description}}}}});
+        toolkit.answers["igSignBox_SaveData"] = 1;
+        const auto shown = [&] {
+            refreshes = 1;
+            toolkit.script = {{}, {}, {13}};
+            return run();
+        };
+        const int32_t result = seen.result(shown());
+        if (!toolkit.failed.empty() && seen.fault.persistence == fake::Persistence::once) {
+            Codes all = {
+                {"igForm_Create", down}, {"igUI_Add", fake::failure}, {"igUI_ShowExt", down}};
+            all.insert(codes.begin(), codes.end());
+            EXPECT_EQ(result, all[toolkit.failed]) << toolkit.failed;
+        }
+        fake::disarm();
+        EXPECT_EQ(shown(), 0) << "the next dialog";
+        expectNothingInstalled();
     };
-    const int32_t result = seen.result(shown());
-    if (!toolkit.failed.empty() && seen.fault.persistence == fake::Persistence::once) {
-        Codes all = {{"igForm_Create", down}, {"igUI_Add", fake::failure}, {"igUI_ShowExt", down}};
-        all.insert(codes.begin(), codes.end());
-        EXPECT_EQ(result, all.count(toolkit.failed) ? all[toolkit.failed] : 0) << toolkit.failed;
-    }
-    fake::disarm();
-    EXPECT_EQ(shown(), 0) << "the next dialog";
-    expectNothingInstalled();
 }
 
 int32_t confirm() {
-    ConfirmationRequest wanted{request(), "yes", nullptr};
+    ConfirmationRequest wanted{request, "yes", nullptr};
     wanted.dialog.refresh = [](const LabelValue **values) {
         static const LabelValue newer[] = {{"l", "two\\nlines"}, {nullptr, nullptr}};
         *values = newer;
@@ -81,13 +85,23 @@ int32_t confirm() {
     };
     return DialogConfirmation_DoModal(&wanted);
 }
-int32_t edit(const char *text) {
+int32_t select() {
+    const ConfirmationRequest wanted{request, "yes", nullptr};
+    return DialogSelect_DoModal_IG(&wanted, "1", "2");
+}
+int32_t list() {
+    const ListItem items[2] = {};
+    const ListRequest wanted{request, items, 2};
+    return DialogList_DoModal(&wanted);
+}
+template <bool isAddress>
+int32_t edit() {
     EditRequest wanted{};
-    wanted.dialog = request();
+    wanted.dialog = request;
     wanted.keyPressed = [](int32_t, char *, int32_t) { return int32_t{0}; };
-    char buffer[9];
-    const int32_t result = DialogEdit_DoModal(&wanted, strcpy(buffer, text), sizeof buffer);
-    EXPECT_TRUE(*buffer == 0 || std::string(buffer) == text) << buffer;
+    char buffer[9] = {isAddress ? '1' : 'x'}, before = *buffer;
+    const int32_t result = DialogEdit_DoModal(&wanted, buffer, sizeof buffer);
+    EXPECT_TRUE(*buffer == 0 || *buffer == before) << buffer;
     return result;
 }
 
@@ -103,8 +117,7 @@ void showPictures(Seen &seen) {
     seen.result(SetBackgroundImage_IG("p.png"));
     seen.add(std::to_string(CodePageManager_GetCodePage("en")));
     seen.result(Dialogs_SetDefaultFonts("en"));
-    const DialogRequest wanted = request();
-    seen.result(GetSignalPosition(&wanted));
+    seen.result(GetSignalPosition(&request));
 }
 
 // --- settings
@@ -324,104 +337,65 @@ void monitor(Seen &seen, uint32_t mode) {
 
 const struct {
     const char *name;
-    void (*run)(Seen &seen);
-    int floor; // faults that there are at the least; may rise, and is raised then
+    int floor; // faults that there are at the least: raise it with them
+    std::function<void(Seen &)> run;
 } scenarios[] = {
-    {"message",
-     [](Seen &seen) {
-         show(seen, dialog(0, group(151, parts) + group(149) + group(157, parts + byte(87, 1))),
-              [] {
-                  const DialogRequest wanted = request();
-                  return DialogMessage_Show(&wanted, SHOW_SHORTLY);
-              });
-     },
-     194},
-    {"confirmation, with a refresh",
-     [](Seen &seen) {
-         show(seen, dialog(3, group(148, parts) + group(148) + group(157, parts)), confirm);
-     },
-     222},
-    {"selection",
-     [](Seen &seen) {
-         show(seen, dialog(3, group(148, parts) + group(148)), [] {
-             const ConfirmationRequest wanted{request(), "yes", nullptr};
-             return DialogSelect_DoModal_IG(&wanted, "1", "2");
-         });
-     },
-     184},
-    {"signature",
-     [](Seen &seen) {
-         show(seen, dialog(4, group(152)),
-              [] {
-                  const DialogRequest wanted = request();
-                  return DialogSignature_DoModal(&wanted, "file");
-              },
-              {{"igSignBox_SaveData", down}});
-     },
-     138},
-    {"edit",
-     [](Seen &seen) {
-         show(seen, dialog(1, group(150, parts) + group(150, parts + text(81, "_"))),
-              [] { return edit("text"); });
-     },
-     220},
-    {"edit of an address",
-     [](Seen &seen) { show(seen, dialog(1, group(156)), [] { return edit("1.1.1.1"); }); }, 156},
-    {"list",
-     [](Seen &seen) {
-         show(seen, dialog(2, group(153, group(160, byte(123, 1) + text(117, "i")))),
-              [] {
-                  const ListItem items[2] = {};
-                  const ListRequest wanted{request(), items, 2};
-                  return DialogList_DoModal(&wanted);
-              },
-              {{"igMenuBox_Create", down},
-               {"igMenuBox_AddItemExt2", down},
-               {"igForm_Add", down},
-               {"igStatic_Create", down},
-               {"igMenuBox_GetSelected", down}});
-     },
-     188},
-    {"pictures and fonts", showPictures, 162},
-    {"settings", [](Seen &seen) { useIni(seen, false); }, 888},
-    {"settings, written safely", [](Seen &seen) { useIni(seen, true); }, 1680},
-    {"strings, with external ones", fetchStrings, 866},
-    {"storage and list", fillContainers, 160},
-    {"trace to files", [](Seen &seen) { trace(seen, TRACE_OUTPUT_FILE, 0); }, 1214},
-    {"trace to files as text", [](Seen &seen) { trace(seen, TRACE_OUTPUT_FILE, 1); }, 764},
-    {"trace through a buffer", [](Seen &seen) { trace(seen, TRACE_OUTPUT_BUFFERED, 0); }, 240},
-    {"trace to a port", [](Seen &seen) { trace(seen, TRACE_OUTPUT_SERIAL, 0); }, 812},
-    {"trace to the printer", [](Seen &seen) { trace(seen, TRACE_OUTPUT_PRINTER, 1); }, 412},
-    {"monitoring", [](Seen &seen) { monitor(seen, MONITOR_MODE_DIRECT); }, 746},
-    {"monitoring through a buffer", [](Seen &seen) { monitor(seen, MONITOR_MODE_BUFFERED); }, 44},
+    {"message", 194,
+     shows(dialog(0, group(151, parts) + group(149) + group(157, parts + byte(87, 1))),
+           [] { return DialogMessage_Show(&request, SHOW_SHORTLY); })},
+    {"confirmation, with a refresh", 222,
+     shows(dialog(3, group(148, parts) + group(148) + group(157, parts)), confirm)},
+    {"selection", 184, shows(dialog(3, group(148, parts) + group(148)), select)},
+    {"signature", 138,
+     shows(dialog(4, group(152)), [] { return DialogSignature_DoModal(&request, "file"); },
+           {{"igSignBox_SaveData", down}})},
+    {"edit", 220,
+     shows(dialog(1, group(150, parts) + group(150, parts + text(81, "_"))), edit<false>)},
+    {"edit of an address", 156, shows(dialog(1, group(156)), edit<true>)},
+    {"list", 188,
+     shows(dialog(2, group(153, group(160, byte(123, 1) + text(117, "i")))), list,
+           {{"igMenuBox_Create", down},
+            {"igMenuBox_AddItemExt2", down},
+            {"igForm_Add", down},
+            {"igStatic_Create", down},
+            {"igMenuBox_GetSelected", down}})},
+    {"pictures and fonts", 162, showPictures},
+    {"settings", 888, [](Seen &seen) { useIni(seen, false); }},
+    {"settings, written safely", 1680, [](Seen &seen) { useIni(seen, true); }},
+    {"strings, with external ones", 866, fetchStrings},
+    {"storage and list", 160, fillContainers},
+    {"trace to files", 1214, [](Seen &seen) { trace(seen, TRACE_OUTPUT_FILE, 0); }},
+    {"trace to files as text", 764, [](Seen &seen) { trace(seen, TRACE_OUTPUT_FILE, 1); }},
+    {"trace through a buffer", 240, [](Seen &seen) { trace(seen, TRACE_OUTPUT_BUFFERED, 0); }},
+    {"trace to a port", 812, [](Seen &seen) { trace(seen, TRACE_OUTPUT_SERIAL, 0); }},
+    {"trace to the printer", 412, [](Seen &seen) { trace(seen, TRACE_OUTPUT_PRINTER, 1); }},
+    {"monitoring", 746, [](Seen &seen) { monitor(seen, MONITOR_MODE_DIRECT); }},
+    {"monitoring through a buffer", 44, [](Seen &seen) { monitor(seen, MONITOR_MODE_BUFFERED); }},
 };
 
 using Faults = support::Terminal;
 
-std::string nameOf(fake::Fault fault) {
-    return "call " + std::to_string(fault.nth) + " of kind " +
-           std::to_string(static_cast<int>(fault.kind)) +
-           (fault.persistence == fake::Persistence::once ? "" : " and all behind it");
-}
-
 TEST_F(Faults, EveryFaultOfEveryScenario) {
-    const auto forget = [] {
-        MonitorExClose();
-        Ini_SetSafeWrite(0);
-        Ini_RemoveFileInfoFromCache("f");
-        forgetDialogs();
-    };
     openLog();
     TraceExAssert("", 0); // the log keeps a table from its first record on
     for (const auto &row : scenarios) {
         SCOPED_TRACE(row.name);
         Seen seen;
+        const auto forget = [] {
+            MonitorExClose();
+            Ini_SetSafeWrite(0);
+            Ini_RemoveFileInfoFromCache("f");
+            forgetDialogs();
+        };
         const auto prepare = [&] {
             forget();
             openLog();
         };
         const auto run = [&](fake::Fault fault) {
-            SCOPED_TRACE(nameOf(fault));
+            SCOPED_TRACE(
+                testing::Message()
+                << "call " << fault.nth << " of kind " << static_cast<int>(fault.kind)
+                << (fault.persistence == fake::Persistence::once ? "" : " and all behind it"));
             seen = {fault};
             row.run(seen);
         };
@@ -434,10 +408,10 @@ TEST_F(Faults, EveryFaultOfEveryScenario) {
         };
         runClean(); // what is kept from then on is made
         const std::string clean = runClean();
-        const int assertions = terminal.assertions;
-        const int blocks = fake::liveBlocks();
+        const int assertions = terminal.assertions, blocks = fake::liveBlocks();
         const int faults = fake::forEachFault(prepare, run, [&](fake::Fault fault) {
-            SCOPED_TRACE(nameOf(fault));
+            SCOPED_TRACE(testing::Message()
+                         << "call " << fault.nth << " of kind " << static_cast<int>(fault.kind));
             // A variable that cannot be read is like one that is not set.
             EXPECT_TRUE(seen.text == clean || seen.isTold || terminal.assertions > assertions ||
                         fault.kind == Call::environment)
