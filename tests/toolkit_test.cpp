@@ -14,10 +14,13 @@
 #include <gtest/gtest.h>
 
 #include <chrono>
+#include <csignal>
 #include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <sstream>
+#include <sys/resource.h>
 #include <unistd.h>
 
 namespace {
@@ -590,6 +593,21 @@ TEST_F(Toolkit, ImagesAndSignatures) {
     play("pen 20,70\nkey CLEAR\npen 20,70 90,120\nkey ENTER");
     EXPECT_GT(igSignBox_SaveData(box, file.c_str()), 0);
     EXPECT_LT(igSignBox_SaveData(box, "/nowhere/x.png"), 0);
+
+    // However much of another one reaches the medium, the first stays whole.
+    const auto bytes = [&] { return (std::stringstream() << std::ifstream(file).rdbuf()).str(); };
+    const std::string before = bytes();
+    play("pen 20,70\nkey CLEAR\npen 30,60 80,110\nkey ENTER");
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{0, RLIM_INFINITY};
+    while (setrlimit(RLIMIT_FSIZE, &limit), igSignBox_SaveData(box, file.c_str()) < 0) {
+        ASSERT_EQ(bytes(), before);
+        ++limit.rlim_cur;
+    }
+    EXPECT_EQ(limit.rlim_cur, std::filesystem::file_size(file));
+    EXPECT_FALSE(bytes() == before || std::filesystem::exists(file + ".new"));
+    limit.rlim_cur = RLIM_INFINITY;
+    setrlimit(RLIMIT_FSIZE, &limit);
 
     const int32_t image = igImage_CreateFromFile(file.c_str());
     EXPECT_EQ(igImage_CreateFromFile(file.c_str()), image);

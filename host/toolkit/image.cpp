@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <iterator>
 #include <memory>
 
@@ -50,6 +51,24 @@ uint32_t wordAt(const unsigned char *row, int x) {
     return word;
 }
 
+// Writes a picture beside an old one, whose place it takes when it is whole. What is no file, such
+// as a device, is written as it stands.
+bool write(cairo_surface_t *picture, const std::string &path) {
+    namespace fs = std::filesystem;
+    std::error_code failure;
+    const bool stays = fs::exists(path, failure) && !fs::is_regular_file(path, failure);
+    const std::string fresh = stays ? path : path + ".new";
+    const bool isWhole = cairo_surface_write_to_png(picture, fresh.c_str()) == CAIRO_STATUS_SUCCESS;
+    if (stays)
+        return isWhole;
+    if (isWhole)
+        fs::rename(fresh, path, failure);
+    if (isWhole && !failure)
+        return true;
+    fs::remove(fresh, failure);
+    return false;
+}
+
 // Hands each pixel, as 0xRRGGBB, to a new picture of that size and saves it.
 template <class PixelAt>
 bool save(Size size, const std::string &path, PixelAt pixelAt) {
@@ -65,7 +84,7 @@ bool save(Size size, const std::string &path, PixelAt pixelAt) {
             std::memcpy(data + std::ptrdiff_t{y} * stride + 4 * x, &word, sizeof word);
         }
     cairo_surface_mark_dirty(picture.get());
-    return cairo_surface_write_to_png(picture.get(), path.c_str()) == CAIRO_STATUS_SUCCESS;
+    return write(picture.get(), path);
 }
 
 } // namespace

@@ -19,7 +19,7 @@ struct Image {
 // Loads a PNG file of up to 4096 x 4096 pixels.
 std::optional<Image> loadImage(const std::string &path);
 
-// Saves as a PNG file. False when that fails.
+// Saves as a PNG file. False when that fails; a picture that was there before is then still there.
 bool saveImage(const Surface &surface, const std::string &path);
 
 // Saves coverages as a PNG file, black on white.
