@@ -35,8 +35,8 @@ std::vector<std::string> signatureOf(std::string_view text) {
     }
     if (!signature.empty() && signature.front().front() == '{') {
         std::ranges::sort(signature);
-        const auto [first, last] = std::ranges::unique(signature);
-        signature.erase(first, last);
+        const auto last = std::unique(signature.begin(), signature.end());
+        signature.erase(last, signature.end());
     }
     return signature;
 }
