@@ -14,6 +14,7 @@
 #include <variant>
 
 #include <iconv.h>
+#include <locale.h>
 
 namespace uti {
 
@@ -37,10 +38,22 @@ public:
         return static_cast<char>(found - characters_.begin());
     }
 
+    // What the code page has in place of a character that it lacks, in UTF-8: a letter without its
+    // marks, say, or two for a ligature. Empty when there is nothing near.
+    std::string nearest(char32_t character) const;
+
     // The character of a byte; the replacement character when it has none.
     char32_t decode(char byte) const {
         const char32_t character = characters_[static_cast<unsigned char>(byte)];
         return character == unassigned ? replacementCharacter : character;
+    }
+
+    // The bytes of a text in UTF-8, with question marks for what the code page lacks.
+    std::string fromUtf8(std::string_view text) const {
+        std::string bytes;
+        while (!text.empty())
+            bytes += encode(takeCharacter(text)).value_or('?');
+        return bytes;
     }
 
     // The text in UTF-8, with replacement characters for bytes without a meaning.
@@ -98,6 +111,28 @@ inline std::variant<CodePage, std::string> CodePage::open(const std::string &nam
     if (!isSingleByte)
         return "\"" + name + "\" is not a single-byte code page";
     return page;
+}
+
+// The C library knows what stands for what, in a locale of UTF-8 that has no language of its own.
+inline std::string CodePage::nearest(char32_t character) const {
+    static const locale_t locale = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+    const auto none = reinterpret_cast<iconv_t>(-1);
+    const iconv_t converter = iconv_open((name_ + "//TRANSLIT").c_str(), "UTF-8");
+    if (converter == none || !locale)
+        return {};
+    std::string in;
+    appendCharacter(in, character);
+    char bytes[8];
+    char *from = in.data();
+    char *to = bytes;
+    std::size_t fromLeft = in.size();
+    std::size_t toLeft = sizeof bytes;
+    const locale_t before = uselocale(locale);
+    const bool isDone = iconv(converter, &from, &fromLeft, &to, &toLeft) != SIZE_MAX;
+    uselocale(before);
+    iconv_close(converter);
+    const std::string_view found(bytes, sizeof bytes - toLeft);
+    return isDone && found != "?" ? toUtf8(found) : std::string();
 }
 
 } // namespace uti

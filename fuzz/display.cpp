@@ -42,7 +42,7 @@ public:
                          .key = in_.oneIn(4) ? in_.byte() : in_.pick(keys)};
         if (choice < 6)
             return Event{.kind = Event::Kind::character,
-                         .character = static_cast<char>(in_.byte())};
+                         .character = terminalCodePage().decode(static_cast<char>(in_.byte()))};
         if (choice < 9) {
             const int x = static_cast<int>(in_.below(250)), y = static_cast<int>(in_.below(330));
             return Event{.kind = pen[choice - 6], .at = {x, y}};

@@ -38,8 +38,8 @@ std::string contentsOf(const std::filesystem::path &path) {
 // A text in the terminal's code page.
 std::string cp(std::string_view text) {
     std::string bytes;
-    for (std::size_t i = 0; i < text.size();)
-        bytes += fromUtf8(text, i).value();
+    while (!text.empty())
+        bytes += terminalCodePage().encode(takeCharacter(text)).value();
     return bytes;
 }
 
@@ -272,13 +272,13 @@ TEST_F(Toolkit, InputsTakeKeys) {
         renew("Input");
         input = addInput(maxLength, style, radix);
         EXPECT_EQ(play(script + "\nkey ENTER"), 1);
-        EXPECT_EQ(toUtf8(igInput_GetValue(input)), value);
+        EXPECT_EQ(terminalCodePage().toUtf8(igInput_GetValue(input)), value);
         EXPECT_EQ(igInput_GetMaxLen(input), maxLength);
         if (script.find("LAYOUT") == std::string::npos) {
             igInput_SetValue(input, "");
             igInput_SetUserFunc(input, hook, 0, 0, 0);
             EXPECT_EQ(play("key CLEAR\n" + script + "\nkey ENTER"), 1);
-            EXPECT_EQ(toUtf8(igInput_GetValue(input)), value) << "with a function";
+            EXPECT_EQ(terminalCodePage().toUtf8(igInput_GetValue(input)), value) << "with a function";
             igInput_SetUserFunc(input, nullptr, 0, 0, 0);
         }
     }
@@ -637,7 +637,7 @@ TEST_F(Toolkit, MistakesOfScriptsAreReported) {
         {"key 1 ENTRE", "1:7: error: unknown key \"ENTRE\"\nkey 1 ENTRE\n      ^\n"},
         {"# ok\n\n  push 1", "3:3: error: unknown command"},
         {"key", "1:4: error: unknown key"},
-        {"type \"Ж漢\"", "1:6: error: the text holds a character that cannot be typed"},
+        {"type \"Ж\x01\"", "1:6: error: the text holds a character that cannot be typed"},
         {"expect text \"Ж\" more", "1:17: error: expected the end of the line"},
         {"type \"open", "1:6: error: the text has no closing quote"},
         {"type \"\\x\"", "1:7: error: expected one of"},

@@ -95,7 +95,8 @@ void checkStrings(const ResourceSource &source, Missing missing, Diagnostics &di
             const std::string_view one = stringIn(source.file, *first, string.id);
             const std::string_view other = stringIn(source.file, language.code, string.id);
             checkPlaceholders(string, one, other, *first, language.code, diagnostics);
-            if (one == other && hasWord(source.codePage->toUtf8(one)) &&
+            const std::string text = source.codePages->of(*first).toUtf8(one);
+            if (text == source.codePages->of(language.code).toUtf8(other) && hasWord(text) &&
                 !diagnostics.allowed().contains(rule::missing.name))
                 same[language.code].push_back({&string, first});
         }
@@ -281,7 +282,7 @@ void checkFonts(const CheckedDialog &checked, Diagnostics &diagnostics) {
     const auto checkFont = [&](const SourceControl &control, const char *name, uint16_t font) {
         if (*name && font == FONT_FALLBACK && std::string_view(name) != fontTable[FONT_FALLBACK])
             report(diagnostics, rule::font, control.at("font"), '"',
-                   checked.source.codePage->toUtf8(name),
+                   checked.codePage().toUtf8(name),
                    "\" gives no font: there is no such file, or six others are in use");
     };
     forEachControl(checked, [&](dialog::Tag, const SourceControl &control, const auto &entry) {

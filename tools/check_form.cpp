@@ -132,7 +132,7 @@ void checkImages(const CheckedDialog &checked, Diagnostics &diagnostics) {
         const std::string wrong = name.empty() ? "" : wrongWith(name);
         if (!wrong.empty())
             report(diagnostics, rule::image, place, "the image ",
-                   checked.source.codePage->toUtf8(name), wrong);
+                   checked.codePage().toUtf8(name), wrong);
     };
     const DialogTexts &texts = checked.dialog.texts;
     checkImage(texts.image, texts.place);
@@ -173,7 +173,7 @@ const SourceControl *controlOf(const CheckedDialog &checked, const host::Widget 
 
 void reportCut(const CheckedDialog &checked, Place place, const host::Cut &cut,
                Diagnostics &diagnostics) {
-    std::string text = checked.source.codePage->toUtf8(cut.text);
+    std::string text = checked.codePage().toUtf8(cut.text);
     std::ranges::replace(text, '\n', ' ');
     const auto cells = [](host::Size size) { return concat(size.width, " x ", size.height); };
     report(diagnostics, rule::fit, place, "in ", checked.language, " \"", text,
@@ -221,6 +221,7 @@ void reportLost(const CheckedDialog &checked, Diagnostics &diagnostics) {
 
 void checkForm(const CheckedDialog &checked, Diagnostics &diagnostics) {
     Examiner &person = examiner();
+    host::display().stage().fonts.use(checked.codePage().name());
     checkImages(checked, diagnostics);
     const SourceDialog &dialog = checked.dialog;
     for (std::size_t variant = 0; variant < variantsOf(dialog.texts); ++variant) {
@@ -233,7 +234,7 @@ void checkForm(const CheckedDialog &checked, Diagnostics &diagnostics) {
             checkFit(checked, form, diagnostics);
         });
         const int32_t result =
-            run(checked, resolveTexts(dialog.texts, checked.source.file, *checked.source.codePage,
+            run(checked, resolveTexts(dialog.texts, checked.source.file, checked.codePage(),
                                       checked.language, variant));
         person.expect(nullptr);
         // A list without a menu, say, which has a rule of its own.

@@ -4,7 +4,6 @@
 
 #include "Src/utiDialogsRecords.h"
 #include "host/terminal/clock.h"
-#include "host/toolkit/code_page.h"
 #include "host/toolkit/display.h"
 #include "host/toolkit/dump.h"
 #include "tools/dialog_values.h"
@@ -54,13 +53,13 @@ std::vector<PictureText> textsOn(const host::Display &display) {
     std::vector<PictureText> all;
     for (const host::Form *form : display.visibleForms()) {
         if (!form->header().empty())
-            all.push_back({form->header(), "caption", host::toUtf8(form->caption)});
+            all.push_back({form->header(), "caption", form->readableCaption()});
         for (const host::Widget *widget : form->widgets) {
             const host::Description description = widget->describe();
             for (const std::string &text : description.texts)
                 if (!text.empty())
                     all.push_back({widget->area.moved(form->client().origin()), description.kind,
-                                   host::toUtf8(text)});
+                                   widget->readable(text)});
         }
     }
     return all;
@@ -117,9 +116,10 @@ ResolvedTexts standIns(const ShownModule &module, const ShownDialog &dialog) {
 
 // The texts of the dialog whose description is loaded.
 ResolvedTexts textsOf(const ShownModule &module, const ShownDialog &dialog) {
-    const bool areNamed = dialog.source && dialog.source->texts.areNamed() && module.codePage;
-    return areNamed ? resolveTexts(dialog.source->texts, module.file, *module.codePage,
-                                   dialog.language, dialog.variant)
+    const bool areNamed = dialog.source && dialog.source->texts.areNamed();
+    return areNamed ? resolveTexts(dialog.source->texts, module.file,
+                                   module.codePageOf(dialog.language), dialog.language,
+                                   dialog.variant)
                     : standIns(module, dialog);
 }
 
@@ -196,8 +196,10 @@ private:
 
 } // namespace
 
-std::optional<ShownModule> readShownModule(const fs::path &file, std::string path) {
+std::optional<ShownModule> readShownModule(const fs::path &file, std::string path,
+                                           const CodePages &codePages) {
     ShownModule module{path, file.stem().string(), {}, {}, {}, {}};
+    module.codePages = codePages;
     const bool isSource = file.extension() == ".toml";
     if (!isSource && (file.extension() != ".res" || !isModuleName(module.name)))
         throw std::runtime_error(path + " is not named after a module, such as shop.res, and no "
@@ -214,7 +216,8 @@ std::optional<ShownModule> readShownModule(const fs::path &file, std::string pat
         module.name = source.module;
         module.file = std::move(source.file);
         module.dialogs = std::move(source.dialogs);
-        module.codePage = std::move(source.codePage);
+        if (source.codePages)
+            module.codePages = std::move(source.codePages);
     } else if (auto read = readResourceFile(bytes, diagnostics)) {
         isGood = true;
         module.file = *std::move(read);
@@ -263,6 +266,7 @@ LoadedModule::~LoadedModule() {
 
 int32_t LoadedModule::run(const ShownDialog &dialog) const {
     Resource_SetLanguage(dialog.language.c_str());
+    host::display().stage().fonts.use(module_.codePageOf(dialog.language).name());
     Dialogs_ResetControls();
     const std::string_view description = stringIn(module_.file, dialog.language, dialog.id);
     const int32_t known = GetDialogParameters(module_.name.c_str(), dialog.id, typeOf(description));

@@ -24,12 +24,15 @@ struct ShownModule {
     ResourceFile file;
     std::string bytes; // of the resource file
     std::vector<SourceDialog> dialogs;
-    std::optional<CodePage> codePage;
+    std::optional<CodePages> codePages; // always there once it was read
+
+    const CodePage &codePageOf(std::string_view language) const { return codePages->of(language); }
 };
 
-// Reads a source (.toml) or a resource file (.res), which must be named after its module; tells on
-// standard error what is wrong with it. Throws like `readInput`.
-std::optional<ShownModule> readShownModule(const std::filesystem::path &file, std::string path);
+// Reads a source (.toml) or a resource file (.res), which must be named after its module and whose
+// texts are in `codePages`; tells on standard error what is wrong with it. Throws like `readInput`.
+std::optional<ShownModule> readShownModule(const std::filesystem::path &file, std::string path,
+                                           const CodePages &codePages);
 
 // A dialog in one language, with one of its choices of texts.
 struct ShownDialog {

@@ -422,7 +422,7 @@ std::optional<uint32_t> DialogReader::readNumber(const Field &field, const toml:
     const Choices choices = choicesOf(field);
     const TomlText *text = value.as_string();
     if (field.spelling == Spelling::character && text && isOneCharacter(text->get())) {
-        const std::string bytes = encodeText(*text, codePage_, diagnostics_);
+        const std::string bytes = encodeText(*text, codePage(), diagnostics_);
         return bytes.empty() ? 0 : static_cast<uint8_t>(bytes[0]);
     }
 
@@ -450,7 +450,7 @@ std::string DialogReader::readText(const Field &field, const toml::node &value) 
     for (std::size_t i = 0; i < (array ? array->size() : 1); ++i) {
         const toml::node &piece = array ? (*array)[i] : value;
         const auto *text = expect<TomlText>(piece, field.name, diagnostics_);
-        pieces.push_back(text ? encodeText(*text, codePage_, diagnostics_) : "");
+        pieces.push_back(text ? encodeText(*text, codePage(), diagnostics_) : "");
     }
     if (pieces.size() > DIALOG_KEY_SCHEME)
         diagnostics_.error(begin(value), field.name, " has ", pieces.size(), " texts; it may have ",

@@ -2,7 +2,7 @@
 // dialog descriptions and written from them. Stands on the TOML reader and the values of dialogs.
 #pragma once
 
-#include "common/code_page.h"
+#include "tools/code_pages.h"
 #include "tools/dialog_values.h"
 #include "tools/resource_model.h"
 #include "tools/toml_reader.h"
@@ -33,9 +33,9 @@ struct SourceControl {
 // of no use but its findings are complete.
 class DialogReader {
 public:
-    DialogReader(const CodePage *codePage, const std::vector<Language> &languages,
+    DialogReader(const CodePages *codePages, const std::vector<Language> &languages,
                  Diagnostics &diagnostics)
-        : codePage_(codePage), languages_(languages), diagnostics_(diagnostics) {}
+        : codePages_(codePages), languages_(languages), diagnostics_(diagnostics) {}
 
     // The tables that the dialogs refer to; the styles must live as long as the reader.
     void readColors(const toml::table &table);
@@ -78,7 +78,9 @@ private:
     std::string readHexNodes(const toml::node &value, std::string_view key);
     const toml::node *inLanguage(std::string_view key, const toml::node &value);
 
-    const CodePage *codePage_;
+    const CodePage *codePage() const { return codePages_ ? &codePages_->of(language_) : nullptr; }
+
+    const CodePages *codePages_;
     const std::vector<Language> &languages_;
     Diagnostics &diagnostics_;
     std::map<std::string, Color, std::less<>> colors_;
@@ -99,6 +101,6 @@ enum class Coverage : uint8_t { everyLanguage, someLanguages };
 // The source of the descriptions that an id has in its languages, or nothing when they are none or
 // a source cannot tell them. It compiles to the same bytes.
 std::optional<std::string> writeDialog(uint16_t id, const std::vector<DialogText> &texts,
-                                       Coverage coverage, const CodePage &codePage);
+                                       Coverage coverage, const CodePages &codePages);
 
 } // namespace uti::tool

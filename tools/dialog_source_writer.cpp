@@ -314,11 +314,11 @@ std::string writeVariant(const Variant &variant, const std::string &name, const 
 
 // True when the source makes the same descriptions.
 bool makes(const std::string &dialogs, uint16_t id, const std::vector<DialogText> &texts,
-           const CodePage &codePage) {
-    std::string source =
-        concat("module = \"m\"\ncode_page = ", quote(codePage.name()), "\n[languages]\n");
+           const CodePages &codePages) {
+    std::string source = concat("module = \"m\"\ncode_page = ", quote(codePages.common().name()),
+                                "\n[languages]\n");
     for (const DialogText &text : texts)
-        source += concat(text.language, " = 0\n");
+        source += writeLanguage({std::string(text.language)}, codePages) + '\n';
     Diagnostics diagnostics("", source + dialogs);
     const ResourceFile file = readResourceSource(diagnostics).file;
     const auto section = file.sections.find(sectionOf(id));
@@ -335,11 +335,11 @@ bool makes(const std::string &dialogs, uint16_t id, const std::vector<DialogText
 } // namespace
 
 std::optional<std::string> writeDialog(uint16_t id, const std::vector<DialogText> &texts,
-                                       Coverage coverage, const CodePage &codePage) {
+                                       Coverage coverage, const CodePages &codePages) {
     std::vector<Variant> variants;
     for (const auto &[language, bytes] : texts) {
-        DescriptionWriter usual(codePage, defaultTextType);
-        DescriptionWriter other(codePage, otherTextType);
+        DescriptionWriter usual(codePages.of(language), defaultTextType);
+        DescriptionWriter other(codePages.of(language), otherTextType);
         auto tables = usual.write(bytes);
         auto others = usual.otherTexts() > 0 ? other.write(bytes) : std::nullopt;
         if (other.otherTexts() < usual.otherTexts())
@@ -372,7 +372,7 @@ std::optional<std::string> writeDialog(uint16_t id, const std::vector<DialogText
         }
         source += writeVariant(variant, name, head);
     }
-    return makes(source, id, texts, codePage) ? std::optional(source) : std::nullopt;
+    return makes(source, id, texts, codePages) ? std::optional(source) : std::nullopt;
 }
 
 } // namespace uti::tool

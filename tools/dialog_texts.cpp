@@ -16,8 +16,10 @@ constexpr std::size_t widestPlaceholder = 256;
 // Reads the table of one dialog.
 class TextsReader {
 public:
-    TextsReader(const StringIds &strings, const CodePage *codePage, Diagnostics &diagnostics)
-        : strings_(strings), codePage_(codePage), diagnostics_(diagnostics) {}
+    TextsReader(const StringIds &strings, const CodePages *codePages,
+                const std::vector<std::string> &languages, Diagnostics &diagnostics)
+        : strings_(strings), codePages_(codePages), languages_(languages),
+          diagnostics_(diagnostics) {}
 
     DialogTexts read(const toml::table &table, const std::vector<std::string> &labels);
 
@@ -32,12 +34,14 @@ private:
                     DialogTexts &texts);
 
     const StringIds &strings_;
-    const CodePage *codePage_;
+    const CodePages *codePages_;
+    const std::vector<std::string> &languages_;
     Diagnostics &diagnostics_;
 };
 
 NamedText TextsReader::literal(const TomlText &text) {
-    encodeText(text, codePage_, diagnostics_); // for what it has to say
+    for (const std::string &language : languages_) // for what it has to say
+        encodeText(text, codePages_ ? &codePages_->of(language) : nullptr, diagnostics_);
     return {std::nullopt, text.get(), {}, begin(text)};
 }
 
@@ -127,11 +131,8 @@ void TextsReader::readLabels(const toml::table &table, const std::vector<std::st
                              DialogTexts &texts) {
     const std::vector<std::string_view> known(names.begin(), names.end());
     for (const auto &[key, node] : entriesInOrder(table)) {
-        const auto spelled = [&](const std::string &name) {
-            return codePage_ && codePage_->toUtf8(name) == key->str();
-        };
-        const auto name = std::ranges::find_if(names, spelled);
-        if (name == names.end() && codePage_)
+        const auto name = std::ranges::find(names, key->str());
+        if (name == names.end() && codePages_)
             diagnostics_.error(begin(*key), "the dialog has no label \"", key->str(), '"',
                                hint(key->str(), known));
         TextChoice choice = readChoice(node, key->str());
@@ -236,9 +237,9 @@ std::string putIn(std::string_view text, const std::vector<std::string> &args) {
 } // namespace
 
 DialogTexts readDialogTexts(const toml::table &table, const StringIds &strings,
-                            const std::vector<std::string> &labels, const CodePage *codePage,
-                            Diagnostics &diagnostics) {
-    return TextsReader(strings, codePage, diagnostics).read(table, labels);
+                            const std::vector<std::string> &labels, const CodePages *codePages,
+                            const std::vector<std::string> &languages, Diagnostics &diagnostics) {
+    return TextsReader(strings, codePages, languages, diagnostics).read(table, labels);
 }
 
 std::vector<Placeholder> placeholdersOf(std::string_view text) {
@@ -290,11 +291,9 @@ std::string_view stringIn(const ResourceFile &file, std::string_view language, u
 
 std::string resolveText(const NamedText &text, const ResourceFile &file, const CodePage &codePage,
                         std::string_view language) {
-    std::string bytes;
+    std::string bytes = codePage.fromUtf8(text.literal);
     if (text.string)
         bytes = stringIn(file, language, *text.string);
-    for (std::string_view rest = text.literal; !rest.empty();)
-        bytes += codePage.encode(takeCharacter(rest)).value_or('?');
 
     std::vector<std::string> args;
     for (const NamedText &arg : text.args)
@@ -318,7 +317,7 @@ ResolvedTexts resolveTexts(const DialogTexts &texts, const ResourceFile &file,
     for (const TextChoice &choice : texts.buttons)
         resolved.buttons.push_back(chosen(choice).value_or(""));
     for (const auto &[name, choice] : texts.labels)
-        resolved.labels.emplace_back(name, chosen(choice).value_or(""));
+        resolved.labels.emplace_back(codePage.fromUtf8(name), chosen(choice).value_or(""));
     for (const TextChoice &choice : texts.items)
         resolved.items.push_back(chosen(choice).value_or(""));
     resolved.image = texts.image;

@@ -3,7 +3,7 @@
 // Stands on the TOML reader, the code page and the model of resource files.
 #pragma once
 
-#include "common/code_page.h"
+#include "tools/code_pages.h"
 #include "tools/resource_model.h"
 #include "tools/toml_reader.h"
 
@@ -39,7 +39,7 @@ struct DialogTexts {
     TextChoice caption;
     TextChoice text;
     std::vector<TextChoice> buttons;                        // the first button's first
-    std::vector<std::pair<std::string, TextChoice>> labels; // by names, in the code page
+    std::vector<std::pair<std::string, TextChoice>> labels; // by names, in UTF-8
     std::vector<TextChoice> items;
     std::string image;                 // a message's
     std::vector<std::string> suffixes; // of the images of a selection's buttons
@@ -62,11 +62,12 @@ struct ResolvedTexts {
 // The strings of a module by the names of its source.
 using StringIds = std::map<std::string, uint16_t, std::less<>>;
 
-// Reads a dialog's table of texts. `labels` are the names that the dialog has for them. Without a
-// code page, which was reported before, its findings are complete.
+// Reads a dialog's table of texts. `labels` are the names that the dialog has for them, in UTF-8.
+// What it says itself must be in the code pages of all its languages. Without code pages, of which
+// a wrong one was reported before, its findings are complete.
 DialogTexts readDialogTexts(const toml::table &table, const StringIds &strings,
-                            const std::vector<std::string> &labels, const CodePage *codePage,
-                            Diagnostics &diagnostics);
+                            const std::vector<std::string> &labels, const CodePages *codePages,
+                            const std::vector<std::string> &languages, Diagnostics &diagnostics);
 
 // How many ways there are to show the dialog: as many as its longest choice has texts, at least 1.
 std::size_t variantsOf(const DialogTexts &texts);

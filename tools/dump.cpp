@@ -17,7 +17,7 @@ namespace {
 
 struct DumpOptions {
     std::filesystem::path file;
-    std::string codePage = defaultCodePage;
+    std::vector<std::string> codePages;
     bool verify = false;
 };
 
@@ -95,11 +95,9 @@ bool verify(const std::string &path, const std::string &bytes, const ResourceFil
 int dump(const DumpOptions &options) {
     const std::string path = options.file.string();
     const std::string bytes = readInput(options.file);
-    const auto codePage = CodePage::open(options.codePage);
-    if (const auto *fault = std::get_if<std::string>(&codePage)) {
-        std::cerr << "uti: " << *fault << '\n';
+    const std::optional<CodePages> codePages = openCodePages(options.codePages);
+    if (!codePages)
         return exitUsage;
-    }
 
     Diagnostics diagnostics(path);
     const std::optional<ResourceFile> file = readResourceFile(bytes, diagnostics);
@@ -108,7 +106,7 @@ int dump(const DumpOptions &options) {
         return exitErrors;
 
     const std::string module = moduleOf(options.file);
-    const std::string source = writeResourceSource(*file, module, std::get<CodePage>(codePage));
+    const std::string source = writeResourceSource(*file, module, *codePages);
     if (!(std::cout << source << std::flush)) {
         std::cerr << "uti: cannot write the source\n";
         return exitUsage;
@@ -124,11 +122,11 @@ void addDumpCommand(CLI::App &app, int &result) {
     command->add_option("FILE", options->file, "Resource file")
         ->required()
         ->check(CLI::ExistingFile);
-    command->add_option("--code-page", options->codePage, "Code page of the texts")
-        ->capture_default_str();
+    command->add_option("--code-page", options->codePages, codePageHelp)->allow_extra_args(false);
     command->add_flag("--verify", options->verify,
                       "Compile the source in turn and compare the bytes");
-    command->footer("Example:\n  uti dump first.res > first.toml\n");
+    command->footer("Examples:\n  uti dump first.res > first.toml\n"
+                    "  uti dump shop.res --code-page de=windows-1252 > shop.toml\n");
     command->callback([options, &result] { result = dump(*options); });
 }
 

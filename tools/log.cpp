@@ -31,7 +31,7 @@ struct LogOptions {
     bool monitoring = false;
     std::filesystem::path resources;
     std::string language;
-    std::string codePage = defaultCodePage;
+    std::vector<std::string> codePages;
     std::string level;
     std::vector<std::string> modules;
     std::string since;
@@ -305,12 +305,10 @@ std::optional<std::vector<Log>> findLogs(const LogOptions &options) {
 }
 
 int log(const LogOptions &options) {
-    const auto opened = CodePage::open(options.codePage);
-    if (const auto *fault = std::get_if<std::string>(&opened)) {
-        std::cerr << "uti: " << *fault << '\n';
+    const std::optional<CodePages> codePages = openCodePages(options.codePages);
+    if (!codePages)
         return exitUsage;
-    }
-    const auto &codePage = std::get<CodePage>(opened);
+    const CodePage &codePage = codePages->common();
     std::optional<LogFilter> filter = makeFilter(options, codePage);
     std::optional<std::vector<Log>> logs = findLogs(options);
     if (!filter || !logs)
@@ -323,7 +321,8 @@ int log(const LogOptions &options) {
     }
 
     LogSession session(std::move(*filter),
-                       LogWording(options.resources, options.language, codePage),
+                       LogWording(options.resources, options.language, *codePages,
+                                  options.json ? Form::json : Form::line),
                        makeOutput(options, codePage));
     if (options.follow) {
         const int result = followLog(std::move(logs->front()), session);
@@ -365,8 +364,7 @@ void addLogCommand(CLI::App &app, int &result) {
         ->check(CLI::ExistingDirectory);
     command->add_option("--lang", options->language, "Language of the wording")
         ->check(CLI::Validator(checkLanguage, "xx"));
-    command->add_option("--code-page", options->codePage, "Code page of the texts")
-        ->capture_default_str();
+    command->add_option("--code-page", options->codePages, codePageHelp)->allow_extra_args(false);
     command->add_option("--level", options->level, "Records of this level and the graver ones")
         ->check(
             CLI::IsMember(std::vector<std::string>(std::begin(levelNames), std::end(levelNames))));

@@ -87,9 +87,10 @@ private:
         out_ += '\n';
     }
 
+    // The wording at once, what it does not name in `message_`.
     void wordMessage(const Wording &wording, std::span<const Argument> arguments) {
         named_.assign(arguments.size(), false);
-        wording.append(message_, arguments, named_);
+        wording.append(out_, arguments, spelling_, named_);
 
         const char *before = " {";
         for (std::size_t number = 0; number < arguments.size(); ++number) {
@@ -204,8 +205,8 @@ private:
         }
         message_.clear();
         named_.resize(entry.arguments.size());
-        entry.wording->append(message_, entry.arguments, named_);
-        writeText(message_);
+        entry.wording->append(message_, entry.arguments, spelling_, named_);
+        json_.text(message_);
     }
 
     void writeText(std::string_view bytes) {

@@ -124,11 +124,13 @@ void appendArgument(std::string &out, const Argument &argument) {
     }
 }
 
-Wording::Wording(const std::string &text) {
+Wording::Wording(const std::string &text, const Spelling &spelling) {
     std::size_t done = 0; // in pieces
     const auto addUpTo = [&](std::size_t end, uint32_t number) {
-        if (end > done)
-            pieces_.push_back({text.substr(done, end - done), number});
+        if (end > done) {
+            Piece &piece = pieces_.emplace_back(Piece{"", number});
+            spelling.append(piece.text, std::string_view(text).substr(done, end - done));
+        }
         done = std::max(done, end);
     };
     uint32_t number = none;
@@ -151,14 +153,17 @@ Wording::Wording(const std::string &text) {
 }
 
 void Wording::append(std::string &out, std::span<const Argument> arguments,
-                     std::vector<bool> &named) const {
+                     const Spelling &spelling, std::vector<bool> &named) const {
     const std::size_t most = out.size() + messageLimit;
+    std::string argument;
     for (const auto &[text, number] : pieces_) {
         if (number >= arguments.size()) {
             out += text;
             continue;
         }
-        appendArgument(out, arguments[number]);
+        argument.clear();
+        appendArgument(argument, arguments[number]);
+        spelling.append(out, argument);
         named[number] = true;
         if (out.size() >= most)
             return;

@@ -1,5 +1,5 @@
-// log_text.h: the texts of log records: put together from wording and arguments as bytes of the
-// modules' code page, and spelled out in UTF-8. Stands on the library's text form of a record.
+// log_text.h: the texts of log records: put together from wording and arguments, each in a code page
+// of its own, and spelled out in UTF-8. Stands on the library's text form of a record.
 #pragma once
 
 #include "Src/utiTraceArguments.h"
@@ -51,18 +51,20 @@ void appendArgument(std::string &out, const Argument &argument);
 // A wording taken apart, once for all records that have it.
 class Wording {
 public:
-    explicit Wording(const std::string &text);
+    // `spelling` is that of the language.
+    Wording(const std::string &text, const Spelling &spelling);
 
-    // Appends the message: the text with its placeholders replaced, those without an argument as
-    // they stand. `named`, which has a place for each argument, gets true for those that are named.
-    void append(std::string &out, std::span<const Argument> arguments,
+    // Appends the message in UTF-8: the text with its placeholders replaced, those without an
+    // argument as they stand. `named`, which has a place for each argument, gets true for those
+    // that are named. `spelling` is that of arguments.
+    void append(std::string &out, std::span<const Argument> arguments, const Spelling &spelling,
                 std::vector<bool> &named) const;
 
 private:
     static constexpr uint32_t none = UINT32_MAX;
 
     struct Piece {
-        std::string text; // a placeholder with its braces, or what stands between two
+        std::string text; // in UTF-8: a placeholder with its braces, or what stands between two
         uint32_t number;  // of the argument
     };
     std::vector<Piece> pieces_;

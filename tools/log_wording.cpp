@@ -58,10 +58,11 @@ void LogWording::addFile(Module &module, const std::string &name) {
     const std::string wanted = language_.empty() ? terminalLanguage() : language_;
     for (const auto &[section, tables] : file->sections) {
         const auto add = [&, number = section](const LanguageTable &table) {
+            const Spelling spelling(codePages_.of(table.language.code), form_);
             for (const auto &[index, string] : table.strings) {
                 const std::string text = string.c_str(); // a wording ends at its first zero
                 if (!text.empty())
-                    module.wordings.try_emplace(stringId(number, index), text);
+                    module.wordings.try_emplace(stringId(number, index), text, spelling);
             }
         };
         for (const LanguageTable &table : tables)
@@ -91,12 +92,12 @@ LogWording::Module LogWording::load(const std::string &name) {
 
 const Wording *LogWording::find(std::string_view module, uint16_t messageId) {
     if (const char *text = builtInWording(module, messageId)) {
-        static const Wording builtIn(text);
+        static const Wording builtIn(text, spelling_);
         return &builtIn;
     }
     // The trace log says for itself why it refused a record.
     if (module == "TRACE" && messageId == 0) {
-        static const Wording refusal("{0}");
+        static const Wording refusal("{0}", spelling_);
         return &refusal;
     }
     Modules &modules = present_->second;

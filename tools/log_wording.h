@@ -2,6 +2,7 @@
 // the tools' own reader of resource files.
 #pragma once
 
+#include "tools/code_pages.h"
 #include "tools/log_text.h"
 
 #include <cstdint>
@@ -19,10 +20,10 @@ public:
     // Looks for resource files in `folder`, or in that of each log when it is empty. An empty
     // `language` means the terminal's (the environment variable default_lang, or else "ru") and,
     // for what that lacks, the first language of the file that has it. Modules are named in
-    // `codePage`.
-    LogWording(std::filesystem::path folder, std::string language, const CodePage &codePage)
+    // the common one of the code pages. Wordings are spelled for `form`.
+    LogWording(std::filesystem::path folder, std::string language, CodePages codePages, Form form)
         : folder_(std::move(folder)), language_(std::move(language)),
-          spelling_(codePage, Form::line) {}
+          codePages_(std::move(codePages)), form_(form), spelling_(codePages_.common(), Form::line) {}
 
     // From now on records are those of a log in this folder.
     void enter(const std::filesystem::path &logFolder);
@@ -51,7 +52,9 @@ private:
 
     std::filesystem::path folder_;
     std::string language_;
-    Spelling spelling_;
+    CodePages codePages_;
+    Form form_;
+    Spelling spelling_; // of the modules' names
     bool hasErrors_ = false;
     std::map<std::filesystem::path, Modules> folders_;
     std::pair<const std::filesystem::path, Modules> *present_ = nullptr;

@@ -42,9 +42,11 @@ public:
 
 private:
     void readModule(const TomlText *module);
+    std::optional<CodePage> openCodePage(const TomlText &name);
     void readCodePage(const TomlText *codePage);
     void readRootTag(const TomlInteger *tag);
     std::vector<Language> readLanguages(const toml::table &table);
+    std::optional<uint16_t> readLanguage(const toml::node &node, const std::string &code);
     void readSections(const toml::table &table);
     void readStrings(const toml::table &table);
     void readString(const toml::key &key, const toml::table &table);
@@ -61,7 +63,12 @@ private:
     void readTexts(TableReader &reader, const std::vector<Language> &languages, Entry &entry,
                    StringName &name);
     std::string readBytes(const toml::node &node, std::string_view name);
-    const CodePage *codePage() const { return source_.codePage ? &*source_.codePage : nullptr; }
+    const CodePages *codePages() const {
+        return source_.codePages ? &*source_.codePages : nullptr;
+    }
+    const CodePage *codePage(std::string_view language) const {
+        return source_.codePages ? &source_.codePages->of(language) : nullptr;
+    }
     const std::vector<Language> &languagesOf(std::optional<uint16_t> id) const;
     void fillSection(uint8_t section);
 
@@ -96,7 +103,7 @@ ResourceSource SourceReader::read() {
     reportMissing();
     for (const StringName &string : source_.names)
         stringIds_.emplace(string.name, string.id);
-    DialogReader dialogs(codePage(), languages_, diagnostics_);
+    DialogReader dialogs(codePages(), languages_, diagnostics_);
     if (const auto *colors = reader.find<toml::table>("colors"))
         dialogs.readColors(*colors);
     if (const auto *styles = reader.find<toml::table>("styles"))
@@ -123,13 +130,19 @@ void SourceReader::readModule(const TomlText *module) {
                            " letters, digits and underscores and begins with no digit");
 }
 
-void SourceReader::readCodePage(const TomlText *codePage) {
-    auto opened = CodePage::open(codePage ? codePage->get() : defaultCodePage);
+// A code page, or nothing and an error at its name.
+std::optional<CodePage> SourceReader::openCodePage(const TomlText &name) {
+    auto opened = CodePage::open(name.get());
     if (auto *page = std::get_if<CodePage>(&opened))
-        source_.codePage = std::move(*page);
-    else
-        diagnostics_.error(codePage ? begin(*codePage) : Place{1, 1},
-                           std::get<std::string>(opened));
+        return std::move(*page);
+    diagnostics_.error(begin(name), wrongCodePage(name.get(), std::get<std::string>(opened)));
+    return std::nullopt;
+}
+
+void SourceReader::readCodePage(const TomlText *codePage) {
+    const TomlText usual(defaultCodePage);
+    if (auto page = openCodePage(codePage ? *codePage : usual))
+        source_.codePages.emplace(*std::move(page));
 }
 
 void SourceReader::readRootTag(const TomlInteger *tag) {
@@ -147,10 +160,29 @@ std::vector<Language> SourceReader::readLanguages(const toml::table &table) {
         const std::string code(key->str());
         if (!isLanguageCode(code))
             diagnostics_.error(begin(*key), "a language code is two lower-case letters");
-        const auto info = expectNumber(*node, code, UINT16_MAX, diagnostics_);
-        languages.push_back({code, info.value_or(0)});
+        languages.push_back({code, readLanguage(*node, code).value_or(0)});
     }
     return languages;
+}
+
+// The info word of a language: `de = 1` or `de = { info = 1, code_page = "windows-1252" }`, whose
+// code page is noted. Without one that is right texts cannot be judged at all.
+std::optional<uint16_t> SourceReader::readLanguage(const toml::node &node,
+                                                   const std::string &code) {
+    const toml::table *table = node.as_table();
+    if (!table)
+        return expectNumber(node, code, UINT16_MAX, diagnostics_);
+    TableReader reader(*table, diagnostics_);
+    const auto info = reader.findNumber("info", UINT16_MAX);
+    if (const auto *name = reader.find<TomlText>("code_page")) {
+        auto page = openCodePage(*name);
+        if (!page)
+            source_.codePages.reset();
+        else if (source_.codePages)
+            source_.codePages->set(code, *std::move(page));
+    }
+    reader.reportUnknownKeys();
+    return info;
 }
 
 void SourceReader::readSections(const toml::table &table) {
@@ -170,6 +202,8 @@ void SourceReader::readSections(const toml::table &table) {
             const auto known = std::ranges::find(languages_, code.str(), &Language::code);
             if (isLanguageCode(code.str()) && known == languages_.end())
                 diagnostics_.error(begin(code), '"', code.str(), "\" is not in [languages]");
+            if (info.is_table())
+                diagnostics_.error(begin(info), "[languages] alone says more than the info word");
         }
         sectionLanguages_[static_cast<uint8_t>(name[0] - '0')] = readLanguages(*languages);
     }
@@ -325,15 +359,16 @@ void SourceReader::readDialog(const toml::key &key, const toml::table &table,
     std::vector<std::string> labels;
     for (const Language &language : languages) {
         std::string description = reader.read(table, language.code);
-        for (std::string &name : namesOfControls(description, dialog::tagLabel))
-            labels.push_back(std::move(name));
+        for (const std::string &name : namesOfControls(description, dialog::tagLabel))
+            labels.push_back(codePages() ? codePage(language.code)->toUtf8(name) : name);
         dialog.languages.push_back(language.code);
         if (entry)
             entry->bytes.emplace(language.code, std::move(description));
     }
     if (const toml::node *texts = table.get(textsKey))
         if (const auto *named = expect<toml::table>(*texts, textsKey, diagnostics_))
-            dialog.texts = readDialogTexts(*named, stringIds_, labels, codePage(), diagnostics_);
+            dialog.texts = readDialogTexts(*named, stringIds_, labels, codePages(),
+                                           dialog.languages, diagnostics_);
     dialog.controls = reader.takeControls();
     if (entry)
         source_.dialogs.push_back(std::move(dialog));
@@ -383,7 +418,7 @@ std::string SourceReader::readBytes(const toml::node &node, std::string_view lan
     const toml::table *table = node.as_table();
     if (!table) {
         const auto *text = expect<TomlText>(node, language, diagnostics_);
-        return text ? encodeText(*text, codePage(), diagnostics_) : "";
+        return text ? encodeText(*text, codePage(language), diagnostics_) : "";
     }
 
     TableReader reader(*table, diagnostics_);

@@ -2,8 +2,8 @@
 // file it stands for and written from one. Stands on the TOML reader, the code page and the model.
 #pragma once
 
-#include "common/code_page.h"
 #include "common/diagnostics.h"
+#include "tools/code_pages.h"
 #include "tools/dialog_source.h"
 #include "tools/dialog_texts.h"
 #include "tools/resource_model.h"
@@ -49,7 +49,7 @@ struct ResourceSource {
     std::vector<Language> languages;
     std::vector<StringName> names;     // in file order
     std::vector<SourceDialog> dialogs; // in file order; an id has one for each of its languages
-    std::optional<CodePage> codePage;
+    std::optional<CodePages> codePages; // none when one of them is wrong, which is reported
     ResourceFile file;
 };
 
@@ -60,8 +60,12 @@ enum class Missing : uint8_t { counted, named };
 ResourceSource readResourceSource(Diagnostics &diagnostics, Missing missing = Missing::counted);
 
 // The source of a file, with the strings named after their ids. What is no readable text in the
-// code page stands there in hex.
+// code page of its language stands there in hex.
 std::string writeResourceSource(const ResourceFile &file, std::string_view module,
-                                const CodePage &codePage);
+                                const CodePages &codePages);
+
+// A language as [languages] lists it: de = { info = 1, code_page = "windows-1252" }, or ru = 0 when
+// it has the code page of the module.
+std::string writeLanguage(const Language &language, const CodePages &codePages);
 
 } // namespace uti::tool

@@ -22,18 +22,15 @@ std::vector<Language> languagesOf(const std::vector<LanguageTable> &tables) {
     return languages;
 }
 
-std::string listLanguages(const std::vector<Language> &languages, std::string_view separator) {
-    std::vector<std::string> list;
-    for (const Language &language : languages)
-        list.push_back(concat(language.code, " = ", language.info));
-    return join(list, separator);
+std::string writeInfo(const Language &language) {
+    return concat(language.code, " = ", language.info);
 }
 
 // Writes a file once, for `writeResourceSource`.
 class SourceWriter {
 public:
-    SourceWriter(const ResourceFile &file, const CodePage &codePage)
-        : file_(file), codePage_(codePage) {}
+    SourceWriter(const ResourceFile &file, const CodePages &codePages)
+        : file_(file), codePages_(codePages) {}
 
     std::string write(std::string_view module);
 
@@ -50,10 +47,10 @@ private:
     void writeString(uint16_t id, const Section &section);
     std::optional<std::string> findDialog(uint16_t id, const Section &section) const;
     const std::string *findShared(uint16_t id, const Section &section) const;
-    std::string writeBytes(const std::string &bytes) const;
+    std::string writeBytes(const std::string &bytes, std::string_view language) const;
 
     const ResourceFile &file_;
-    const CodePage &codePage_;
+    const CodePages &codePages_;
     std::vector<Language> languages_; // of all sections, in the order of their first appearance
     std::string lines_;               // strings of one line
     std::string tables_;              // strings with a table of their own
@@ -88,8 +85,11 @@ std::string SourceWriter::write(std::string_view module) {
     std::string lists;
     for (const auto &[number, tables] : file_.sections) {
         const Section section = describe(tables);
+        std::vector<std::string> listed;
+        for (const LanguageTable &table : tables)
+            listed.push_back(writeInfo(table.language));
         if (section.isListed)
-            lists += concat(+number, " = { ", listLanguages(languagesOf(tables), ", "), " }\n");
+            lists += concat(+number, " = { ", join(listed, ", "), " }\n");
 
         std::set<uint16_t> indexes;
         for (const LanguageTable &table : tables) {
@@ -103,11 +103,13 @@ std::string SourceWriter::write(std::string_view module) {
     std::string source = concat("module = ", quote(module), '\n');
     if (file_.version)
         source += concat("version = ", *file_.version, '\n');
-    source += concat("code_page = ", quote(codePage_.name()), '\n');
+    source += concat("code_page = ", quote(codePages_.common().name()), '\n');
     if (file_.rootTag != defaultRootTag)
         source += concat("root_tag = ", Hex{file_.rootTag, 4}, '\n');
     if (!languages_.empty())
-        source += concat("\n[languages]\n", listLanguages(languages_, "\n"), '\n');
+        source += "\n[languages]\n";
+    for (const Language &language : languages_)
+        source += writeLanguage(language, codePages_) + '\n';
     if (!lists.empty())
         source += "\n[sections]\n" + lists;
     if (!lines_.empty())
@@ -130,7 +132,7 @@ std::optional<std::string> SourceWriter::findDialog(uint16_t id, const Section &
     }
     const Coverage coverage =
         texts.size() == section.languageCount ? Coverage::everyLanguage : Coverage::someLanguages;
-    return writeDialog(id, texts, coverage, codePage_);
+    return writeDialog(id, texts, coverage, codePages_);
 }
 
 void SourceWriter::writeString(uint16_t id, const Section &section) {
@@ -143,7 +145,7 @@ void SourceWriter::writeString(uint16_t id, const Section &section) {
             if (found == strings.end())
                 continue;
             const std::string key = language.code == "id" ? "text.id" : language.code;
-            assignments.push_back(concat(key, " = ", writeBytes(found->second)));
+            assignments.push_back(concat(key, " = ", writeBytes(found->second, language.code)));
         }
     }
 
@@ -155,29 +157,38 @@ void SourceWriter::writeString(uint16_t id, const Section &section) {
         tables_ += concat("\n[strings.", name, "]\n", join(assignments, "\n"), '\n');
 }
 
-// The bytes of a string that is no text and the same in each language that `hex` stands for.
+// The bytes of a string that is no text in any language and the same in each that `hex` stands for.
 const std::string *SourceWriter::findShared(uint16_t id, const Section &section) const {
     const std::string *shared = nullptr;
     for (const auto &[language, strings] : section.tables) {
         const auto found = strings.find(indexOf(id));
-        if (found == strings.end() || (shared && *shared != found->second))
+        if (found == strings.end() || (shared && *shared != found->second) ||
+            readableText(found->second, codePages_.of(language.code)))
             return nullptr;
         shared = &found->second;
     }
     const bool isEverywhere = section.tables.size() == section.languageCount;
-    return shared && isEverywhere && !readableText(*shared, codePage_) ? shared : nullptr;
+    return isEverywhere ? shared : nullptr;
 }
 
-std::string SourceWriter::writeBytes(const std::string &bytes) const {
-    const std::optional<std::string> text = readableText(bytes, codePage_);
+std::string SourceWriter::writeBytes(const std::string &bytes, std::string_view language) const {
+    const std::optional<std::string> text = readableText(bytes, codePages_.of(language));
     return text ? quote(*text) : "{ hex = " + quoteHex(bytes) + " }";
 }
 
 } // namespace
 
 std::string writeResourceSource(const ResourceFile &file, std::string_view module,
-                                const CodePage &codePage) {
-    return SourceWriter(file, codePage).write(module);
+                                const CodePages &codePages) {
+    return SourceWriter(file, codePages).write(module);
+}
+
+std::string writeLanguage(const Language &language, const CodePages &codePages) {
+    const std::string &name = codePages.of(language.code).name();
+    return name == codePages.common().name()
+               ? writeInfo(language)
+               : concat(language.code, " = { info = ", language.info, ", code_page = ", quote(name),
+                        " }");
 }
 
 } // namespace uti::tool

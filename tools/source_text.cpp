@@ -19,6 +19,12 @@ int hexDigit(char c) {
     return letter >= 'a' && letter <= 'f' ? letter - 'a' + 10 : -1;
 }
 
+// "; the nearest is ..." with what the code page has in place of a character; empty for nothing.
+std::string nearestIn(const CodePage &codePage, char32_t character) {
+    const std::string nearest = codePage.nearest(character);
+    return nearest.empty() ? "" : concat("; the nearest is '", nearest, '\'');
+}
+
 // The control characters that make a text unreadable, by their bytes in UTF-8.
 bool isControl(char byte) {
     const auto value = static_cast<unsigned char>(byte);
@@ -47,7 +53,8 @@ std::string encodeText(const TomlText &text, const CodePage *codePage, Diagnosti
         } else if (lacking.insert(character).second) {
             const std::string_view spelled = before.substr(0, before.size() - rest.size());
             diagnostics.error(diagnostics.source().find(spelled, begin(text), end(text)),
-                              describe(character), " is not in ", codePage->name());
+                              describe(character), " is not in ", codePage->name(),
+                              nearestIn(*codePage, character));
         }
     }
     return bytes;

@@ -1,8 +1,8 @@
 // recorder.cpp: events as lines of a key script.
 #include "host/faces/recorder.h"
 
+#include "common/utf8.h"
 #include "host/faces/script.h"
-#include "host/toolkit/code_page.h"
 
 #include <algorithm>
 #include <utility>
@@ -50,7 +50,9 @@ void Recorder::add(const Event &event, uint32_t ticks) {
     case Kind::character: {
         const bool isEscaped = event.character == '"' || event.character == '\\';
         isJoined ? out_.seekp(-2, std::ios::cur) : out_ << "type \""; // before the closing quote
-        out_ << (isEscaped ? "\\" : "") << toUtf8({&event.character, 1}) << "\"\n";
+        std::string typed;
+        appendCharacter(typed, event.character);
+        out_ << (isEscaped ? "\\" : "") << typed << "\"\n";
         lastTyped_ = ticks;
         break;
     }

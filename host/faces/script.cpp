@@ -2,7 +2,7 @@
 #include "host/faces/script.h"
 
 #include "common/keys.h"
-#include "host/toolkit/code_page.h"
+#include "common/utf8.h"
 
 #include <algorithm>
 #include <charconv>
@@ -270,12 +270,12 @@ private:
     void characters(Line &line) {
         const std::size_t at = line.at();
         const std::string text = line.quotedText();
-        for (std::size_t i = 0; i < text.size() && !line.mistake();) {
-            const std::optional<char> character = fromUtf8(text, i);
-            if (!character || static_cast<unsigned char>(*character) < ' ')
+        for (std::string_view rest(text); !rest.empty() && !line.mistake();) {
+            const char32_t character = takeCharacter(rest);
+            if (character < ' ' || character == replacementCharacter)
                 line.fail(at, "the text holds a character that cannot be typed");
             else
-                addEvent(at, {.kind = Event::Kind::character, .character = *character});
+                addEvent(at, {.kind = Event::Kind::character, .character = character});
         }
     }
 

@@ -124,7 +124,13 @@ ScriptFace::Outcome ScriptFace::perform(const ScriptCommand &command) {
         return Outcome::waits;
     switch (command.kind) {
     case Kind::event:
-        return display_.running() || needsNoForm(command.event) ? Outcome::done : Outcome::waits;
+        if (!display_.running() && !needsNoForm(command.event))
+            return Outcome::waits;
+        if (const CodePage &page = display_.stage().fonts.codePage();
+            command.event.kind == Event::Kind::character && !page.encode(command.event.character))
+            failAtDisplay(command.place, describe(command.event.character) + " is not in " +
+                                             page.name() + ", in which the display is");
+        return Outcome::done;
     case Kind::advance:
         if (waited < command.milliseconds)
             return Outcome::waits;

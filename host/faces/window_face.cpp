@@ -2,10 +2,10 @@
 // pixels themselves are computed here, so that they are the same on every machine.
 #include "host/faces/window_face.h"
 
+#include "common/utf8.h"
 #include "host/faces/keypad.h"
 #include "host/faces/recorder.h"
 #include "host/terminal/clock.h"
-#include "host/toolkit/code_page.h"
 #include "host/toolkit/display.h"
 #include "host/toolkit/dump.h"
 #include "host/toolkit/image.h"
@@ -303,13 +303,12 @@ void WindowFace::takeKey(const SDL_KeyboardEvent &event) {
 
 // Digits are typed as they are, without the letters of their keys.
 void WindowFace::takeText(const char *text) {
-    const std::string_view all(text);
-    for (std::size_t at = 0; at < all.size();) {
-        const std::optional<char> character = fromUtf8(all, at);
+    for (std::string_view rest(text); !rest.empty();) {
+        const char32_t character = takeCharacter(rest);
         if (character == '*' || character == '#')
-            events_.push_back({.kind = Event::Kind::key, .key = static_cast<uint8_t>(*character)});
-        else if (character && static_cast<unsigned char>(*character) >= ' ')
-            events_.push_back({.kind = Event::Kind::character, .character = *character});
+            events_.push_back({.kind = Event::Kind::key, .key = static_cast<uint8_t>(character)});
+        else if (character >= ' ' && display_.stage().fonts.codePage().encode(character))
+            events_.push_back({.kind = Event::Kind::character, .character = character});
     }
 }
 

@@ -1,20 +1,15 @@
-// code_page.h: the terminal's code page, in which the toolkit's texts are, and UTF-8, in which
-// scripts and dumps are written.
+// code_page.h: the code pages in which the toolkit's texts are; scripts and dumps are in UTF-8.
 #pragma once
 
-#include <optional>
-#include <string>
-#include <string_view>
+#include "common/code_page.h"
 
 namespace uti::host {
 
-// The Unicode character of a byte; a byte without a character gives U+FFFD.
-char32_t toUnicode(char byte);
+// The code page that the terminal has by itself.
+const CodePage &terminalCodePage();
 
-std::string toUtf8(std::string_view bytes);
-
-// The byte of the character that starts at `position` of a UTF-8 text, and the position behind it;
-// without a byte when the character is not in the code page or not well written.
-std::optional<char> fromUtf8(std::string_view text, std::size_t &position);
+// The code page of a number, such as 1252 or, up to 16, a part of ISO 8859, or of a name; null when
+// there is none of one byte to a character. It stays for good.
+const CodePage *findCodePage(std::string_view numberOrName);
 
 } // namespace uti::host

@@ -260,7 +260,11 @@ void Display::handleEvent(const Event &event) {
 // is the key that gives it, since its own code may be that of a function key.
 void Display::press(const Event &event, Asking asking) {
     const bool isCharacter = event.kind == Event::Kind::character;
-    uint8_t key = isCharacter ? KeySchemes::keyOf(event.character) : event.key;
+    const std::optional<char> character =
+        isCharacter ? stage_.fonts.codePage().encode(event.character) : std::nullopt;
+    if (isCharacter && !character)
+        return;
+    uint8_t key = isCharacter ? KeySchemes::keyOf(*character) : event.key;
     Form *form = listening();
     if (!isCharacter && form && form->focused())
         key = form->focused()->meaning(key);
@@ -275,8 +279,8 @@ void Display::press(const Event &event, Asking asking) {
     {
         const Dispatch dispatch(*this, modal_);
         // The digits of a full keyboard are keys as well.
-        const bool isKey = !isCharacter || key == static_cast<uint8_t>(event.character);
-        taken = (isCharacter && form->character(event.character)) || (isKey && form->key(key));
+        const bool isKey = !isCharacter || key == static_cast<uint8_t>(*character);
+        taken = (isCharacter && form->character(*character)) || (isKey && form->key(key));
     }
     form = running();
     if (taken || !form || run != runs_ || isCharacter)

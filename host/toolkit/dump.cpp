@@ -11,9 +11,9 @@ namespace uti::host {
 
 namespace {
 
-std::string inQuotes(std::string_view bytes) {
+std::string inQuotes(std::string_view utf8) {
     std::string text = " \"";
-    for (const char each : toUtf8(bytes)) {
+    for (const char each : utf8) {
         if (each == '"' || each == '\\')
             text += '\\';
         each == '\n' ? text += "\\n" : text += each;
@@ -29,7 +29,7 @@ std::string dump(const Display &display) {
     if (display.statusLineShown()) {
         out << "status " << display.statusLine().clock();
         if (!display.statusLine().letters().empty())
-            out << ' ' << toUtf8(display.statusLine().letters());
+            out << ' ' << terminalCodePage().toUtf8(display.statusLine().letters());
         out << (display.cutStatusLine() ? " cut\n" : "\n");
     }
     if (display.cursor().x >= 0)
@@ -37,7 +37,7 @@ std::string dump(const Display &display) {
 
     for (const Form *form : display.visibleForms()) {
         out << "form " << written(form->area())
-            << inQuotes(form->header().empty() ? "" : form->caption)
+            << inQuotes(form->header().empty() ? "" : form->readableCaption())
             << (form->cutCaption() ? " cut" : "") << (form == display.running() ? " running" : "")
             << '\n';
         for (const Widget *widget : form->widgets) {
@@ -45,7 +45,7 @@ std::string dump(const Display &display) {
             out << "  " << description.kind << ' ' << written(widget->area);
             for (const std::string &text : description.texts)
                 if (!text.empty())
-                    out << inQuotes(text);
+                    out << inQuotes(widget->readable(text));
             if (!description.notes.empty())
                 out << ' ' << description.notes;
             out << (widget->cut() ? " cut" : "") << (widget->hasFocus() ? " focus" : "") << '\n';
@@ -61,15 +61,13 @@ bool saveDump(const Display &display, const std::filesystem::path &path) {
 }
 
 bool shows(const Display &display, std::string_view text) {
-    const auto holds = [text](std::string_view bytes) {
-        return toUtf8(bytes).find(text) != std::string::npos;
-    };
     for (const Form *form : display.visibleForms()) {
-        if (!form->header().empty() && holds(form->caption))
+        if (!form->header().empty() && form->readableCaption().find(text) != std::string::npos)
             return true;
         for (const Widget *widget : form->widgets)
-            if (std::ranges::any_of(widget->describe().texts, holds))
-                return true;
+            for (const std::string &shown : widget->describe().texts)
+                if (widget->readable(shown).find(text) != std::string::npos)
+                    return true;
     }
     return false;
 }

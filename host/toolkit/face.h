@@ -23,9 +23,9 @@ struct Event {
         close // the person went away: the running form is cancelled
     };
     Kind kind;
-    uint8_t key = 0;    // code of the toolkit
-    char character = 0; // in the terminal's code page
-    Point at = {};      // pixels of the display
+    uint8_t key = 0; // code of the toolkit
+    char32_t character = 0;
+    Point at = {}; // pixels of the display
 };
 
 class Face {

@@ -1,8 +1,6 @@
 // fit.cpp: asking the widgets of a form what they do not show whole.
 #include "host/toolkit/fit.h"
 
-#include "host/toolkit/code_page.h"
-
 namespace uti::host {
 
 std::string written(const Rect &area) {
@@ -20,7 +18,7 @@ std::string Misfit::sentence() const {
 
 std::vector<Misfit> misfitsOf(const Form &form, const Rect &part) {
     std::vector<Misfit> all;
-    const std::string of = " of \"" + toUtf8(form.caption) + '"';
+    const std::string of = " of \"" + form.readableCaption() + '"';
     if (!part.intersected(form.header()).empty())
         if (auto cut = form.cutCaption())
             all.push_back({"caption" + of, *std::move(cut), form.header()});

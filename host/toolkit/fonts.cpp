@@ -3,7 +3,6 @@
 #include "host/toolkit/fonts.h"
 
 #include "host/terminal/notice.h"
-#include "host/toolkit/code_page.h"
 
 #include <ft2build.h>
 #include FT_FREETYPE_H
@@ -29,17 +28,16 @@ constexpr FontFile monoFile{"DejaVuSansMono.ttf", "fonts-dejavu-core"};
 constexpr FontFile monoBoldFile{"DejaVuSansMono-Bold.ttf", "fonts-dejavu-core"};
 constexpr FontFile sansBoldFile{"DejaVuSans-Bold.ttf", "fonts-dejavu-core"};
 
-constexpr struct {
-    std::size_t slot;
+struct BuiltIn {
+    std::string_view name; // those of slots 0 to 5
     Size cell;
     FontFile file;
-} builtIn[] = {{0, {6, 8}, fixedFile},
-               {1, {12, 16}, monoFile},
-               {2, {16, 24}, monoFile},
-               {3, {6, 8}, fixedFile},
-               {4, {12, 16}, monoBoldFile},
-               {5, {16, 24}, monoBoldFile},
-               {Fonts::slots, {0, 14}, sansBoldFile}};
+};
+constexpr BuiltIn builtIn[] = {{"6x8", {6, 8}, fixedFile},       {"12x16", {12, 16}, monoFile},
+                               {"16x24", {16, 24}, monoFile},    {"dig6x8", {6, 8}, fixedFile},
+                               {"dig12x16", {12, 16}, monoBoldFile},
+                               {"dig16x24", {16, 24}, monoBoldFile}};
+constexpr int labelHeight = 14;
 
 // Where distributions put the two packages.
 constexpr const char *folders[] = {"/usr/share/fonts/truetype/dejavu",
@@ -50,13 +48,13 @@ constexpr const char *folders[] = {"/usr/share/fonts/truetype/dejavu",
                                    "/usr/share/fonts/dejavu-sans-mono-fonts",
                                    "/usr/share/fonts/dejavu-sans-fonts"};
 
-constexpr char capitalIe = '\xC5', capitalIo = '\xA8';
+constexpr char32_t capitalIe = U'Е', capitalIo = U'Ё';
 constexpr int ownEmHeight = 16;
 constexpr int largestCell = 128;
 constexpr FT_Long spreadPercent = 96;
 // Those that reach highest and lowest: capitals with marks above, brackets, tails and the
 // underscore.
-constexpr std::string_view tallest = "\xA8\xC9\xA1\xAF|()[]{}@jy_,;Q\xD9\xF9\xF4\xA5";
+constexpr std::u32string_view tallest = U"ЁЙЎЇ|()[]{}@jy_,;QЩщфҐ";
 constexpr std::size_t mostSheets = 24;
 
 // A file as it is named, or below one of the folders: those of UTI_FONT_PATH, parted by colons,
@@ -83,6 +81,33 @@ std::optional<std::string> findFile(const std::string &name) {
     return std::nullopt;
 }
 
+// What the name of a font says when it is one of a code page: "cp" and the page's number or name,
+// "_", the name of a built-in font and ".fon", with "n" before all of it for a negative one.
+struct CodePageFont {
+    const CodePage *codePage;
+    const BuiltIn *like; // null for a name of another font
+    Ink ink;
+};
+
+std::optional<CodePageFont> codePageFontOf(const std::string &path) {
+    constexpr std::string_view suffix = ".fon";
+    const std::string file = std::filesystem::path(path).filename().string();
+    std::string_view name(file);
+    const Ink ink = name.starts_with('n') ? Ink::negative : Ink::plain;
+    name.remove_prefix(ink == Ink::negative ? 1 : 0);
+    const std::size_t behind = name.rfind('_');
+    if (!name.starts_with("cp") || !name.ends_with(suffix) || behind == name.npos)
+        return std::nullopt;
+
+    const CodePage *const codePage = findCodePage(name.substr(2, behind - 2));
+    name.remove_prefix(behind + 1);
+    name.remove_suffix(suffix.size());
+    const auto like = std::ranges::find(builtIn, name, &BuiltIn::name);
+    if (!codePage)
+        return std::nullopt;
+    return CodePageFont{codePage, like == std::end(builtIn) ? nullptr : like, ink};
+}
+
 constexpr int fromFixed(FT_Long value) {
     return static_cast<int>((value + 32) >> 6);
 }
@@ -99,7 +124,8 @@ unsigned coverageAt(const FT_Bitmap &bitmap, int x, int y) {
 
 } // namespace
 
-Font::Font(FT_FaceRec_ *face, Size cell) : face_(face), cell_(cell) {
+Font::Font(FT_FaceRec_ *face, Size cell, const CodePage &codePage, Ink ink)
+    : face_(face), cell_(cell), codePage_(codePage), ink_(ink) {
     scale();
 }
 
@@ -142,8 +168,8 @@ void Font::fillCell() {
         FT_Request_Size(face_, &request);
 
         int above = 0, below = 0;
-        for (const char character : tallest) {
-            if (FT_Load_Char(face_, toUnicode(character), FT_LOAD_DEFAULT) != 0)
+        for (const char32_t character : tallest) {
+            if (FT_Load_Char(face_, character, FT_LOAD_DEFAULT) != 0)
                 continue;
             const auto &metrics = face_->glyph->metrics;
             above = std::max(above, static_cast<int>((metrics.horiBearingY + 63) >> 6));
@@ -173,8 +199,9 @@ Font::Glyph &Font::glyph(char character) {
 void Font::render(Glyph &glyph, char character) {
     const bool hasUnicode =
         face_ && face_->charmap && face_->charmap->encoding == FT_ENCODING_UNICODE;
-    const FT_ULong code = hasUnicode ? FT_ULong{toUnicode(character)}
-                                     : FT_ULong{static_cast<unsigned char>(character)};
+    const char32_t meaning = codePage_.decode(character);
+    const FT_ULong code =
+        hasUnicode ? FT_ULong{meaning} : FT_ULong{static_cast<unsigned char>(character)};
     const bool shown = face_ && static_cast<unsigned char>(character) >= ' ' &&
                        FT_Load_Char(face_, code, FT_LOAD_RENDER) == 0;
 
@@ -193,13 +220,19 @@ void Font::render(Glyph &glyph, char character) {
     for (int y = 0; y < cell_.height; ++y)
         for (int x = 0; x < glyph.width; ++x)
             *out++ = static_cast<uint8_t>(coverageAt(slot->bitmap, x - left, y - top));
-    if (character == capitalIo && !FT_IS_SCALABLE(face_))
+    if (hasUnicode && meaning == capitalIo && !FT_IS_SCALABLE(face_))
         addMissingDots(glyph);
+    if (ink_ == Ink::negative)
+        std::transform(glyph.coverage.get(), out, glyph.coverage.get(),
+                       [](uint8_t covered) { return static_cast<uint8_t>(255 - covered); });
 }
 
 // The smallest bitmap fonts draw the letter like the one without dots, below an empty row.
 void Font::addMissingDots(Glyph &io) {
-    const Glyph &ie = glyph(capitalIe);
+    const std::optional<char> like = codePage_.encode(capitalIe);
+    if (!like)
+        return;
+    const Glyph &ie = glyph(*like);
     const auto count = static_cast<std::size_t>(io.width * cell_.height);
     if (io.width == ie.width &&
         std::equal(io.coverage.get(), io.coverage.get() + count, ie.coverage.get()))
@@ -247,54 +280,80 @@ Fonts::Fonts() {
         library_ = nullptr;
 
     std::set<std::string_view> missing;
-    for (const auto &[slot, cell, file] : builtIn) {
-        fonts_[slot] = open(file.name, cell);
-        if (fonts_[slot])
-            continue;
-        fonts_[slot] = std::make_unique<Font>(nullptr, cell);
-        if (missing.insert(file.name).second)
+    const auto made = [&](const FontFile &file, Size cell) {
+        auto font = open(file.name, cell, terminalCodePage());
+        if (!font && missing.insert(file.name).second)
             std::fprintf(stderr,
                          "uti: the font %s is missing, so some texts stay empty: install the "
                          "package %s or name the file's folder in UTI_FONT_PATH\n",
                          file.name, file.package);
-    }
+        return font ? std::move(font) : std::make_unique<Font>(nullptr, cell, terminalCodePage());
+    };
+    for (std::size_t slot = 0; slot < std::size(builtIn); ++slot)
+        fonts_[slot] = made(builtIn[slot].file, builtIn[slot].cell);
+    label_ = made(sansBoldFile, {0, labelHeight});
 }
 
 Fonts::~Fonts() {
-    for (auto &font : fonts_)
-        font.reset(); // the faces end before their library
+    known_.clear(); // the faces end before their library
+    fonts_.fill(nullptr);
+    label_.reset();
     FT_Done_FreeType(library_);
 }
 
-std::unique_ptr<Font> Fonts::open(const std::string &name, Size cell) {
+std::unique_ptr<Font> Fonts::open(const std::string &name, Size cell, const CodePage &codePage,
+                                  Ink ink) {
     const auto path = findFile(name);
     FT_Face face = nullptr;
     if (!path || !library_ || FT_New_Face(library_, path->c_str(), 0, &face) != 0)
         return nullptr;
     if (!face->charmap && face->num_charmaps > 0)
         FT_Set_Charmap(face, face->charmaps[0]);
-    return std::make_unique<Font>(face, cell);
+    return std::make_unique<Font>(face, cell, codePage, ink);
+}
+
+std::shared_ptr<Font> Fonts::openOnce(const std::string &name, Size cell, const CodePage &codePage,
+                                      Ink ink) {
+    const Key key{name, cell.width, cell.height, codePage.name(), ink};
+    if (const auto found = known_.find(key); found != known_.end())
+        return found->second;
+    std::shared_ptr<Font> font = open(name, cell, codePage, ink);
+    return font ? known_.emplace(key, std::move(font)).first->second : nullptr;
 }
 
 bool Fonts::load(std::size_t slot, const std::string &path) {
     if (slot >= slots)
         return false;
-    Size cell{};
-    for (const auto &row : builtIn)
-        if (row.slot == slot)
-            cell = row.cell;
-    std::unique_ptr<Font> font = open(path, cell);
+    const Size cell = slot < std::size(builtIn) ? builtIn[slot].cell : Size{};
+    const std::optional<CodePageFont> own = codePageFontOf(path);
+    std::shared_ptr<Font> font = openOnce(path, cell, own ? *own->codePage : codePage());
+    if (!font && own && own->like)
+        font = openOnce(own->like->file.name, cell.height > 0 ? cell : own->like->cell,
+                        *own->codePage, own->ink);
     if (!font) {
         notice("the font " + path + " is missing, or is no font: another one stands in for it");
         return false;
     }
     fonts_[slot] = std::move(font);
+    own ? void(files_.erase(slot)) : void(files_[slot] = path);
+
+    for (const auto &[other, file] : files_)
+        if (&fonts_[other]->codePage() != &codePage())
+            fonts_[other] = openOnce(file, other < std::size(builtIn) ? builtIn[other].cell : Size{},
+                                     codePage());
     return true;
 }
 
+void Fonts::use(const std::string &codePage) {
+    if (findCodePage(codePage) != &this->codePage())
+        for (std::size_t slot = 0; slot < 3; ++slot)
+            load(slot, "cp" + codePage + '_' + std::string(builtIn[slot].name) + ".fon");
+}
+
 std::unique_ptr<Font> Fonts::label(int height) {
-    auto font = open(sansBoldFile.name, {0, height});
-    return font ? std::move(font) : std::make_unique<Font>(nullptr, Size{0, height});
+    auto font = open(sansBoldFile.name, {0, height}, terminalCodePage());
+    return font ? std::move(font)
+                : std::make_unique<Font>(nullptr, Size{0, height}, terminalCodePage());
 }
 
 Font &Fonts::at(std::size_t slot) {

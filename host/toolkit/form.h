@@ -29,6 +29,10 @@ public:
     void draw(Painter &painter) const;
     // The caption, when its line does not show it whole.
     std::optional<Cut> cutCaption() const;
+    // The caption in UTF-8, as its font shows it.
+    std::string readableCaption() const {
+        return stage.fonts.at(headerFont).codePage().toUtf8(caption);
+    }
     void changed() const { changed(painted()); }
     void changed(const Rect &part) const; // in pixels of the display
 

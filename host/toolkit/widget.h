@@ -27,7 +27,7 @@ enum class PenPhase : uint8_t { down, move, up };
 // code page.
 struct Description {
     std::string kind;
-    std::vector<std::string> texts; // what a person reads, in order
+    std::vector<std::string> texts; // what a person reads, in order; in the code page
     std::string notes;              // what else can be seen, such as "2 strokes"
 };
 
@@ -71,6 +71,8 @@ public:
     bool hasFocus() const;
     const ColorPair &colors() const { return hasFocus() ? active : passive; }
     Font &textFont() const;
+    // A text of the widget in UTF-8, as its font shows it.
+    std::string readable(std::string_view text) const { return textFont().codePage().toUtf8(text); }
 
     Stage &stage;
     int32_t handle = 0;
