@@ -21,14 +21,14 @@ cd "$folder"
     echo "== $dump"
     cat "$dump"
   done
-  for dump in ru-*.txt; do # how long it is, and what differs from the English one
+  for dump in de-*.txt ru-*.txt; do # how long it is, and what differs from the English one
     echo "== $dump $(wc -l <"$dump")"
-    english=en-${dump#ru-}
+    english=en-${dump#??-}
     [ -f "$english" ] || english=/dev/null
     diff --old-line-format= --unchanged-line-format= --new-line-format=%L "$english" "$dump" || :
   done
   echo "== receipts"
-  iconv -f windows-1251 -t utf-8 receipt
+  "$(dirname "$3")/receipts" receipt
   echo "== settings"
   cat shop.ini
   echo "== log"

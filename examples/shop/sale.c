@@ -33,17 +33,29 @@ int32_t totalOf(const Sale *of) {
 
 /* ---------------------------------------------------------------------------- language */
 
-/* The second button is the Escape key's, so what was chosen can be told from the result. */
 static int32_t chooseLanguage(void) {
-    const ConfirmationRequest request = {
-        .dialog = requestFor(SHOP_SELECT_LANGUAGE, SHOP_LANGUAGE, text(SHOP_CHOOSE)),
-        .firstButton = text(SHOP_ENGLISH),
-        .secondButton = text(SHOP_RUSSIAN)};
-    const int32_t result =
-        ended("SELECT_LANGUAGE", DialogSelect_DoModal_IG(&request, "en.png", "ru.png"));
-    if (result != UTI_OK && result != UTI_DIALOG_CANCELLED)
+    static const struct {
+        const char *code;
+        uint32_t name;
+        const char *image;
+    } languages[] = {{"en", SHOP_ENGLISH, "images/language_en.png"},
+                     {"ru", SHOP_RUSSIAN, "images/language_ru.png"},
+                     {"de", SHOP_GERMAN, "images/language_de.png"}};
+    enum { LANGUAGES = sizeof languages / sizeof *languages };
+    ListItem items[LANGUAGES] = {{0}};
+    for (int i = 0; i < LANGUAGES; ++i) {
+        items[i].word1 = (uintptr_t)text(languages[i].name);
+        items[i].imageName = languages[i].image;
+    }
+    const LabelValue labels[] = {{"choose", text(SHOP_CHOOSE)}, {NULL, NULL}};
+    ListRequest request = {.dialog = requestFor(SHOP_SELECT_LANGUAGE, SHOP_LANGUAGE, NULL),
+                           .items = items,
+                           .itemCount = LANGUAGES};
+    request.dialog.labelValues = labels;
+    const int32_t result = ended("SELECT_LANGUAGE", DialogList_DoModal(&request));
+    if (result < 0)
         return result;
-    setLanguage(result == UTI_OK ? "en" : "ru");
+    setLanguage(languages[result].code);
     return UTI_OK;
 }
 
@@ -79,7 +91,7 @@ static int32_t addZeros(uint8_t key) {
 
 static void enterAmount(void) {
     const LabelValue labels[] = {
-        {"currency", "\x88"}, {"hint", text(SHOP_AMOUNT_HINT)}, {NULL, NULL}};
+        {"currency", text(SHOP_EURO)}, {"hint", text(SHOP_AMOUNT_HINT)}, {NULL, NULL}};
     char amount[8] = "";
     EditRequest request = {.dialog =
                                requestFor(SHOP_ENTER_AMOUNT, SHOP_AMOUNT, text(SHOP_AMOUNT_TEXT)),
@@ -92,7 +104,7 @@ static void enterAmount(void) {
         return;
     const int32_t cents = centsOf(amount);
     sale.other += cents;
-    TraceExSupport(SHOP_MODULE, SHOP_GOODS_ADDED, String, text(SHOP_OTHER), Long, cents, 0);
+    TraceExSupport(SHOP_MODULE, SHOP_GOODS_ADDED, String, textForLog(SHOP_OTHER), Long, cents, 0);
 }
 
 /* ------------------------------------------------------------------------------- goods */
@@ -139,7 +151,7 @@ static int32_t chooseGoods(void) {
             continue;
         }
         ++sale.counts[chosen];
-        TraceExSupport(SHOP_MODULE, SHOP_GOODS_ADDED, String, text(goods[chosen].name), Long,
+        TraceExSupport(SHOP_MODULE, SHOP_GOODS_ADDED, String, textForLog(goods[chosen].name), Long,
                        goods[chosen].cents, 0);
     }
     return chosen == GO_TO_PAYMENT ? UTI_OK : chosen;

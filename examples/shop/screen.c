@@ -20,6 +20,14 @@ const char *text(uint32_t id) {
     return copy;
 }
 
+const char *textForLog(uint32_t id) {
+    char *copy = nextText();
+    const char *found = Resource_GetStringEx(SHOP_MODULE, "en", id);
+    snprintf(copy, TEXT_SIZE, "%s", found ? found : "");
+    Resource_Release(SHOP_MODULE, id);
+    return copy;
+}
+
 const char *joined(const char *first, const char *second) {
     char *copy = nextText();
     snprintf(copy, TEXT_SIZE, "%s%s", first, second);
@@ -33,7 +41,7 @@ const char *plainMoney(int32_t cents) {
 }
 
 const char *money(int32_t cents) {
-    return joined(plainMoney(cents), " \x88"); /* the euro sign of Windows-1251 */
+    return joined(joined(plainMoney(cents), " "), text(SHOP_EURO));
 }
 
 /* ------------------------------------------------------------------------------ dialogs */

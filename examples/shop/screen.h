@@ -19,7 +19,8 @@ enum { TEXT_SIZE = 128 };
 
 /* Each of these returns a text that holds until 63 more have been made: long enough for one dialog,
    with nothing to free. */
-const char *text(uint32_t id);                             /* a string in the present language */
+const char *text(uint32_t id);       /* a string in the present language */
+const char *textForLog(uint32_t id); /* a string in one language and code page */
 const char *joined(const char *first, const char *second); /* the two, one behind the other */
 const char *money(int32_t cents);                          /* such as "12.30 " and the euro sign */
 const char *plainMoney(int32_t cents);                     /* such as "12.30" */

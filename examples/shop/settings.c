@@ -5,11 +5,19 @@
 #include "screen.h"
 
 #include <stdio.h>
+#include <string.h>
 
 static const char file[] = "shop.ini";
 
-void setLanguage(const char *language) {
+/* The terminal's own fonts have the code page of Russian, so the library loads none for it. English
+   texts are in that code page as well, and its fonts take the place of those of another one. */
+static void useLanguage(const char *language) {
     Resource_SetLanguage(language);
+    Dialogs_SetDefaultFonts(strcmp(language, "ru") == 0 ? "en" : language);
+}
+
+void setLanguage(const char *language) {
+    useLanguage(language);
     Ini_SetStr(file, "customer", "language", language);
     TraceExSupport(SHOP_MODULE, SHOP_LANGUAGE_CHOSEN, String, language, 0);
 }
@@ -17,7 +25,7 @@ void setLanguage(const char *language) {
 void restoreLanguage(void) {
     char language[3];
     const int32_t result = Ini_GetStr(file, "customer", "language", language, sizeof language);
-    Resource_SetLanguage(result == UTI_OK && language[1] ? language : "en");
+    useLanguage(result == UTI_OK && language[1] ? language : "en");
 }
 
 int32_t nextReceiptNumber(void) {

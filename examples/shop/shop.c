@@ -11,6 +11,7 @@
 #include "settings.h"
 
 #include <stdio.h>
+#include <stdlib.h>
 #include <unistd.h>
 
 enum { VERSION = 1 };
@@ -33,6 +34,10 @@ int main(int argc, char **argv) {
         fprintf(stderr, "usage: shop [FOLDER]\n");
         return 2;
     }
+    /* The code pages of shop.toml, by which fonts are chosen; a terminal says so by itself. */
+    setenv("cp_en", "1251", 0);
+    setenv("cp_de", "1252", 0);
+
     int32_t result = Resource_IsValid(SHOP_MODULE, VERSION);
     if (result != UTI_OK) {
         fprintf(stderr, "shop: no shop.res of version %d here: %d\n", VERSION, (int)result);
