@@ -33,6 +33,7 @@ cd "$folder"
   cat shop.ini
   echo "== log"
   "$uti" log --lang en shop
+  "$uti" log --lang de --code-page de=windows-1252 --level error shop
   echo "== pictures"
   find . -name '*.png' -size +1k | sort
 } >seen

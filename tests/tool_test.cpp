@@ -112,6 +112,23 @@ LONG = { id = 0x3000, hex = """
 20""" }
 )";
 
+TEST_F(ToolTest, LanguagesHaveCodePages) {
+    write("m.toml", "module='m'\n[languages]\nru=0\nde={info=7,code_page='cp1252'}\n[strings]\n"
+                    "A={id=1,ru='Да',de='Größe'}\n[dialogs.D]\nid=0x3001\ntype='message'\n"
+                    "label={area=[0,0,9,9],name={ru='ю',de='ü'}}");
+    ASSERT_EQ(run("compile m.toml -o out"), 0) << err;
+    EXPECT_NE(readAll(folder / "out/m.res").find("Gr\xF6\xDF\x65"), std::string::npos);
+    for (const char *pages : {"", "--code-page de=windows-1252", "--code-page CP1252"}) {
+        ASSERT_EQ(run(concat("dump out/m.res --verify ", pages)), 0) << pages << err;
+        EXPECT_NE(err.find("compiles to the same"), std::string::npos) << err;
+        EXPECT_EQ(out.find("de = \"Größe\"") != std::string::npos, *pages != 0) << out;
+        EXPECT_EQ(out.find("de = { info = 7, code_page = \"windows-1252\" }") != std::string::npos,
+                  std::string_view(pages).find("de=") != std::string_view::npos);
+    }
+    EXPECT_EQ(run("dump out/m.res --code-page de=windows-12"), 2);
+    EXPECT_NE(err.find("unknown code page \"windows-12\"; did you mean"), std::string::npos) << err;
+}
+
 TEST_F(ToolTest, ShowsTheLineAndACaret) {
     write("src/a.toml",
           "module='a'\n[languages]\nen=0\n[strings]\r\nA = { id = 1,\ten = 'Да ₽' }");

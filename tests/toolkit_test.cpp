@@ -37,10 +37,7 @@ std::string contentsOf(const std::filesystem::path &path) {
 
 // A text in the terminal's code page.
 std::string cp(std::string_view text) {
-    std::string bytes;
-    while (!text.empty())
-        bytes += terminalCodePage().encode(takeCharacter(text)).value();
-    return bytes;
+    return terminalCodePage().fromUtf8(text);
 }
 
 int32_t endOnEnterAndEscape(uint8_t *key) {
@@ -216,6 +213,46 @@ TEST_F(Toolkit, FontFiles) {
     EXPECT_LT(igUI_SetFileFont(screen, 6, nullptr), 0);
 }
 
+TEST_F(Toolkit, FontsOfCodePages) {
+    Fonts &fonts = display().stage().fonts;
+    const auto load = [](int32_t slot, const char *file) {
+        return igUI_SetFileFont(screen, slot, file);
+    };
+    const auto looks = [&](std::size_t slot, char character) {
+        const uint8_t *first = fonts.at(slot).coverage(character);
+        const int count = fonts.at(slot).width(character) * fonts.at(slot).height();
+        return std::vector(first, first + count);
+    };
+    ASSERT_EQ(load(6, "DejaVuSans.ttf"), 0);
+    const auto cyrillic = looks(1, '\xE4'), file = looks(6, '\xE4'), latin = looks(1, 'A');
+
+    // The same letters elsewhere: e4 is the letter de in the one, a with dots in the other.
+    ASSERT_EQ(load(1, "/none/cp5_12x16.fon"), 0);
+    EXPECT_EQ(looks(1, '\xD4'), cyrillic);
+    EXPECT_EQ(looks(6, '\xD4'), file) << "files go by slot 1";
+    ASSERT_EQ(load(1, "cp1252_12x16.fon"), 0);
+    EXPECT_EQ(looks(1, 'A'), latin);
+    EXPECT_NE(looks(1, '\xE4'), cyrillic);
+    EXPECT_EQ(looks(0, '\xE4'), looks(3, '\xE4')) << "what was not loaded stays";
+    ASSERT_EQ(load(7, "ncpwindows-1252_16x24.fon"), 0);
+    EXPECT_EQ(fonts.at(7).height(), 24);
+    ASSERT_EQ(load(8, "cp1252_16x24.fon"), 0);
+    EXPECT_EQ(looks(7, 'A')[0], 255 - looks(8, 'A')[0]) << "negative";
+    for (const char *none : {"cp7777_12x16.fon", "cp1252_13x16.fon", "cp65001_12x16.fon", "cp.fon"})
+        EXPECT_NE(load(2, none), 0) << none;
+
+    const int32_t input = addInput(20, 0);
+    EXPECT_EQ(line("type \"Größe\"\nexpect text \"Größe\""), "input 8,30 222x28 \"Größe\" focus");
+    EXPECT_STREQ(igInput_GetValue(input), "Gr\xF6\xDF\x65");
+    answerWith("type \"Ж\"");
+    run(form);
+    EXPECT_TRUE(failed) << "it is not in this code page";
+    display().useFace(std::make_unique<Watcher>());
+    fonts.use("windows-1251");
+    EXPECT_EQ(looks(1, '\xE4'), cyrillic);
+    EXPECT_EQ(looks(6, '\xE4'), file);
+}
+
 TEST_F(Toolkit, DrawsOnlyWhatChanged) {
     const int32_t input = addInput(20, 0);
     auto face = std::make_unique<Watcher>();
@@ -278,7 +315,8 @@ TEST_F(Toolkit, InputsTakeKeys) {
             igInput_SetValue(input, "");
             igInput_SetUserFunc(input, hook, 0, 0, 0);
             EXPECT_EQ(play("key CLEAR\n" + script + "\nkey ENTER"), 1);
-            EXPECT_EQ(terminalCodePage().toUtf8(igInput_GetValue(input)), value) << "with a function";
+            EXPECT_EQ(terminalCodePage().toUtf8(igInput_GetValue(input)), value)
+                << "with a function";
             igInput_SetUserFunc(input, nullptr, 0, 0, 0);
         }
     }
