@@ -18,36 +18,6 @@ namespace fs = std::filesystem;
 
 // --- strings
 
-// The placeholders of a text as they must be in every language: conversions in their order, numbers
-// in any.
-std::vector<std::string> signatureOf(std::string_view text) {
-    std::vector<std::string> signature;
-    for (const Placeholder &each : placeholdersOf(text)) {
-        std::string spelled(text.substr(each.at, each.length));
-        if (each.kind == '%')
-            continue;
-        if (each.kind != '{') // the width may differ, the length of the argument must not
-            std::erase_if(spelled, [](char c) {
-                return std::string_view("0123456789.+-#").find(c) != std::string_view::npos;
-            });
-        std::ranges::replace(spelled, 'i', 'd');
-        signature.push_back(std::move(spelled));
-    }
-    if (!signature.empty() && signature.front().front() == '{') {
-        std::ranges::sort(signature);
-        const auto last = std::unique(signature.begin(), signature.end());
-        signature.erase(last, signature.end());
-    }
-    return signature;
-}
-
-std::string spelled(const std::vector<std::string> &signature) {
-    std::string text;
-    for (const std::string &each : signature)
-        text += (text.empty() ? "" : " ") + each;
-    return text.empty() ? "none" : text;
-}
-
 // A word that a translator would translate: no number, no file name, no lone sign.
 bool hasWord(std::string_view utf8) {
     if (utf8.find(' ') == utf8.npos && utf8.find_first_of("./_") != utf8.npos)
@@ -70,8 +40,8 @@ void checkPlaceholders(const StringName &string, std::string_view first, std::st
     const auto found = signatureOf(other);
     const Place place = string.texts.at(language);
     if (wanted != found && report(diagnostics, rule::placeholders, place, string.name, " has in ",
-                                  language, " the placeholders ", spelled(found), " and in ",
-                                  firstLanguage, ' ', spelled(wanted)))
+                                  language, " the placeholders ", spelledOut(found), " and in ",
+                                  firstLanguage, ' ', spelledOut(wanted)))
         diagnostics.note(string.texts.at(firstLanguage), firstLanguage, " is here");
 }
 

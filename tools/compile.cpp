@@ -5,6 +5,7 @@
 #include "tools/cpp_header.h"
 #include "tools/files.h"
 #include "tools/finding_json.h"
+#include "tools/pseudo.h"
 #include "tools/resource_source.h"
 
 #include <algorithm>
@@ -22,6 +23,7 @@ struct CompileOptions {
     std::vector<fs::path> sources;
     fs::path directory;
     fs::path header;
+    std::string pseudo;
     bool strict = false;
     bool check = false;
 };
@@ -173,6 +175,9 @@ int compile(const CompileOptions &options, FormRules formRules) {
 
     const Warnings warnings = options.strict ? Warnings::areErrors : Warnings::allowed;
     std::vector<Unit> units = readUnits(options.sources, warnings, Missing::counted);
+    for (Unit &unit : units)
+        if (!options.pseudo.empty() && !unit.diagnostics.hasErrors())
+            addPseudoLanguage(unit.source, options.pseudo, unit.diagnostics);
     if (options.check)
         checkUnits(units, formRules, Missing::counted);
     if (!printFindings(units))
@@ -206,6 +211,13 @@ void addCompileCommand(CLI::App &app, FormRules formRules, int &result) {
     command->add_option("--header", options->header,
                         "C header of the string ids to write, for C++ with a name in .hpp");
     command->add_flag("--check", options->check, "Check them as well, as uti check does");
+    command
+        ->add_option("--pseudo", options->pseudo,
+                     "Add a language of that code, such as zz, whose texts are those of the first "
+                     "one accented, longer and in brackets")
+        ->check([](const std::string &code) {
+            return isLanguageCode(code) ? "" : "a language code is two lower-case letters";
+        });
     command->add_flag("--strict", options->strict, "Treat warnings as errors");
     command->footer("Example:\n  uti compile first.toml -o build --header build/first.h\n");
     command->callback([=, &result] { result = compile(*options, formRules); });

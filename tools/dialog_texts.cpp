@@ -262,6 +262,34 @@ std::vector<Placeholder> placeholdersOf(std::string_view text) {
     return areSigns ? std::vector<Placeholder>() : conversions;
 }
 
+std::vector<std::string> signatureOf(std::string_view text) {
+    std::vector<std::string> signature;
+    for (const Placeholder &each : placeholdersOf(text)) {
+        std::string spelled(text.substr(each.at, each.length));
+        if (each.kind == '%')
+            continue;
+        if (each.kind != '{') // the width may differ, the length of the argument must not
+            std::erase_if(spelled, [](char c) {
+                return std::string_view("0123456789.+-#").find(c) != std::string_view::npos;
+            });
+        std::ranges::replace(spelled, 'i', 'd');
+        signature.push_back(std::move(spelled));
+    }
+    if (!signature.empty() && signature.front().front() == '{') {
+        std::ranges::sort(signature);
+        const auto last = std::unique(signature.begin(), signature.end());
+        signature.erase(last, signature.end());
+    }
+    return signature;
+}
+
+std::string spelledOut(const std::vector<std::string> &signature) {
+    std::string text;
+    for (const std::string &each : signature)
+        text += (text.empty() ? "" : " ") + each;
+    return text.empty() ? "none" : text;
+}
+
 std::size_t variantsOf(const DialogTexts &texts) {
     std::size_t most = std::max({texts.caption.size(), texts.text.size(), std::size_t{1}});
     for (const auto *choices : {&texts.buttons, &texts.items})

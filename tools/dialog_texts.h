@@ -101,4 +101,9 @@ struct Placeholder {
 // applications fill either the ones or the others.
 std::vector<Placeholder> placeholdersOf(std::string_view text);
 
+// The placeholders of a text as they must be in every language: conversions in their order, numbers
+// in any.
+std::vector<std::string> signatureOf(std::string_view text);
+std::string spelledOut(const std::vector<std::string> &signature);
+
 } // namespace uti::tool

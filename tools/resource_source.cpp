@@ -112,6 +112,7 @@ ResourceSource SourceReader::read() {
         readDialogs(*tables, dialogs);
     reader.reportUnknownKeys();
     source_.languages = languages_;
+    source_.sectionLanguages = sectionLanguages_;
 
     for (uint8_t section = 0; section <= sectionOf(lastStringId); ++section)
         fillSection(section);

@@ -50,7 +50,17 @@ struct ResourceSource {
     std::vector<StringName> names;     // in file order
     std::vector<SourceDialog> dialogs; // in file order; an id has one for each of its languages
     std::optional<CodePages> codePages; // none when one of them is wrong, which is reported
+    std::map<uint8_t, std::vector<Language>> sectionLanguages; // of sections that list their own
     ResourceFile file;
+
+    // The code page of a language's texts.
+    const CodePage &codePageOf(std::string_view language) const { return codePages->of(language); }
+
+    // The languages in which a string of that id may stand.
+    const std::vector<Language> &languagesOf(uint16_t id) const {
+        const auto own = sectionLanguages.find(sectionOf(id));
+        return own == sectionLanguages.end() ? languages : own->second;
+    }
 };
 
 // How many of the texts that a language lacks are reported: each, or one that counts them.
