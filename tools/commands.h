@@ -2,6 +2,7 @@
 // command line; when it is the one asked for, it leaves the exit code in `result`.
 #pragma once
 
+#include "tools/po.h"
 #include "tools/rules.h"
 
 #include <CLI/CLI.hpp>
@@ -18,6 +19,7 @@ void addCheckCommand(CLI::App &app, FormRules formRules, int &result);
 void addCompileCommand(CLI::App &app, FormRules formRules, int &result);
 void addDumpCommand(CLI::App &app, int &result);
 void addLogCommand(CLI::App &app, int &result);
-void addShowCommand(CLI::App &app, int &result); // needs the widget toolkit
+void addPoCommand(CLI::App &app, FindRooms findRooms, int &result); // needs libgettextpo
+void addShowCommand(CLI::App &app, int &result);                    // needs the widget toolkit
 
 } // namespace uti::tool

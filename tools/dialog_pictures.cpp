@@ -91,8 +91,10 @@ private:
         picture_->surface = display_.surface();
         picture_->dump = host::dump(display_);
         picture_->texts = textsOn(display_);
-        for (const host::Misfit &misfit : display_.misfits(display_.surface().area()))
+        for (const host::Misfit &misfit : display_.misfits(display_.surface().area())) {
             picture_->findings.push_back({misfit.area, "fit", misfit.sentence()});
+            picture_->cuts.push_back(misfit.cut);
+        }
     }
 
     host::Display &display_;
@@ -288,7 +290,7 @@ void LoadedModule::picture(const std::vector<ShownDialog> &dialogs,
     Camera &camera = *owned;
     host::display().useFace(std::move(owned));
     for (const ShownDialog &dialog : dialogs) {
-        Picture picture{dialog, std::nullopt, 0, {}, {}, {}};
+        Picture picture{dialog, std::nullopt, 0, {}, {}, {}, {}};
         camera.aim(picture);
         picture.result = run(dialog);
         take(picture);

@@ -66,6 +66,7 @@ struct Picture {
     std::string dump;
     std::vector<PictureText> texts;
     std::vector<PictureText> findings; // the kind is the short name of the rule
+    std::vector<host::Cut> cuts;       // texts that do not fit
 };
 
 // The module, loaded by the library; the present folder becomes the one to look for images from.

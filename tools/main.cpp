@@ -19,13 +19,18 @@ int main(int argc, char **argv) try {
     int result = exitDone;
 #ifdef UTI_TOOLKIT
     constexpr FormRules formRules = checkForm;
+    [[maybe_unused]] constexpr FindRooms rooms = findRooms;
 #else
     constexpr FormRules formRules = nullptr;
+    [[maybe_unused]] constexpr FindRooms rooms = nullptr;
 #endif
     addCompileCommand(app, formRules, result);
     addCheckCommand(app, formRules, result);
     addDumpCommand(app, result);
     addLogCommand(app, result);
+#ifdef UTI_PO
+    addPoCommand(app, rooms, result);
+#endif
 #ifdef UTI_TOOLKIT
     addShowCommand(app, result);
 #endif
