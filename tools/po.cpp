@@ -111,9 +111,10 @@ int importTexts(const PoOptions &options) {
     }
     if (!translations.empty()) {
         const Diagnostics made = putInto(*source, sourceText.source(), std::move(translations));
-        made.print(std::cerr);
-        if (made.hasErrors())
+        if (made.hasErrors()) {
+            made.print(std::cerr);
             return exitErrors;
+        }
         const fs::path file = fs::canonical(options.source);
         const fs::perms permissions = fs::status(file).permissions();
         writeFile(file, made.text());

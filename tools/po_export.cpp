@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <set>
 
 namespace uti::tool {
 
@@ -140,9 +141,13 @@ PoFile exportPo(const ResourceSource &source, const SourceText &sourceText,
     }
 
     // What translators wrote for strings that are gone stays at the end, as gettext has it.
+    std::set<std::pair<std::optional<std::string>, std::string>> present;
+    for (const PoEntry &entry : po.entries)
+        present.emplace(entry.context, entry.original);
     for (const PoEntry &entry : before.entries) {
         const bool isGone = entry.context && old.contains(*entry.context);
-        if (entry.translation.empty() || (!entry.isObsolete && !isGone))
+        if (entry.translation.empty() || (!entry.isObsolete && !isGone) ||
+            present.contains({entry.context, entry.original}))
             continue;
         PoEntry obsolete = entry;
         obsolete.isObsolete = true;

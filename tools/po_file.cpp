@@ -162,9 +162,10 @@ PoFile readPo(Diagnostics &diagnostics) {
             PoEntry entry = entryOf(message);
             if (!entry.context && entry.original.empty())
                 continue;
+            entry.begin = po.entries.empty() ? Place{1, 1} : po.entries.back().place;
             entry.place = {lineOf(message, all.get()), 1};
             entry.end = {diagnostics.source().lineCount() + 1, 1};
-            if (!po.entries.empty() && po.entries.back().place < entry.place)
+            if (!po.entries.empty())
                 po.entries.back().end = entry.place;
             po.entries.push_back(std::move(entry));
         }

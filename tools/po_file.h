@@ -22,8 +22,8 @@ struct PoEntry {
     bool isFuzzy = false;
     bool isObsolete = false;
     bool isPlural = false;
-    Place place; // of its msgid, when it was read
-    Place end;   // where the next one begins, at the latest
+    // When it was read: where it begins at the earliest, its translation, where that has ended.
+    Place begin, place, end;
 };
 
 struct PoFile {

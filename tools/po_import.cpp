@@ -35,14 +35,20 @@ public:
 private:
     const StringName *findString(const PoEntry &entry, const std::string &language);
     bool checkText(const PoEntry &entry, const StringName &string, const std::string &language);
-    Place placeIn(const PoEntry &entry, std::string_view part) const {
+    // Where the translation or the header has a part, and which line a keyword begins above them.
+    Place inTranslation(const PoEntry &entry, std::string_view part) const {
         return diagnostics_.source().find(part, entry.place, entry.end);
     }
-    Place placeInHeader(std::string_view part) const {
-        const bool isFirst = po_.entries.empty();
-        return diagnostics_.source().find(
-            part, {1, 1}, isFirst ? Place{diagnostics_.source().lineCount() + 1, 1}
-                                  : po_.entries.front().place);
+    Place placeOf(const PoEntry &entry, std::string_view keyword) const {
+        for (uint32_t line = entry.place.line; line >= entry.begin.line && line > 0; --line)
+            if (diagnostics_.source().lineFrom(line, 1).starts_with(keyword))
+                return {line, 1, static_cast<uint32_t>(keyword.size())};
+        return entry.place;
+    }
+    Place inHeader(std::string_view part) const {
+        const Place end{diagnostics_.source().lineCount() + 1, 1};
+        return diagnostics_.source().find(part, {1, 1},
+                                          po_.entries.empty() ? end : po_.entries.front().place);
     }
 
     const ResourceSource &source_;
@@ -64,12 +70,12 @@ std::string Importer::readHeader() {
         return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
     });
     if (charset != "UTF-8")
-        return wrong(placeInHeader(key), charset.empty() ? "the header names no charset"
+        return wrong(inHeader(key), charset.empty() ? "the header names no charset"
                                                          : "the charset is " + charset,
                      "; save the file in UTF-8, with \"Content-Type: text/plain; charset=UTF-8\\n\" "
                      "in its header");
 
-    const Place place = placeInHeader("Language:");
+    const Place place = inHeader("Language:");
     const std::string field = po_.field("Language");
     const std::string language = field.substr(0, field.find_first_of("_-@"));
     if (field.empty())
@@ -90,24 +96,23 @@ const StringName *Importer::findString(const PoEntry &entry, const std::string &
         return nullptr;
     };
     if (!entry.context)
-        return wrong(entry.place, "an entry without msgctxt, which names the string; export again");
+        return wrong(placeOf(entry, "msgid"), "an entry without msgctxt, which names the string; export again");
     if (entry.isPlural)
-        return wrong(entry.place, "a string of a resource has no plural; export again");
+        return wrong(placeOf(entry, "msgid_plural"), "a string of a resource has no plural; export again");
     const auto string = std::ranges::find(source_.names, *entry.context, &StringName::name);
     const std::string &first = source_.languages.front().code;
     const auto original =
         string == source_.names.end() ? std::nullopt : textIn(source_, *string, first);
     if (!original)
-        return wrong(entry.place, '"', *entry.context, "\" is no text of ", sourceText_.path(),
+        return wrong(placeOf(entry, "msgctxt"), '"', *entry.context, "\" is no text of ", sourceText_.path(),
                      "; remove the entry, or export again");
     if (const std::string reason = hindrance(source_, *string, language); !reason.empty())
-        return wrong(entry.place, *entry.context, reason);
-    if (*original != entry.original) {
-        wrong(entry.place, *entry.context, " is outdated: ", sourceText_.path(), " has ",
-              inQuotes(*original), " in ", first,
-              " now; export again and look at the translation");
-        return nullptr;
-    }
+        return wrong(placeOf(entry, "msgctxt"), *entry.context, reason,
+                     "; remove the entry, or export again");
+    if (*original != entry.original)
+        return wrong(placeOf(entry, "msgid"), *entry.context, " is outdated: ",
+                     sourceText_.path(), " has ", inQuotes(*original), " in ", first,
+                     " now; export again and look at the translation");
     return &*string;
 }
 
@@ -122,7 +127,7 @@ bool Importer::checkText(const PoEntry &entry, const StringName &string,
             (character < U' ' && std::u32string_view(U"\n\r\t").find(character) == before.npos) ||
             character == 0x7F;
         if ((isControl || !codePage.encode(character)) && lacking.insert(character).second)
-            diagnostics_.error(placeIn(entry, before.substr(0, before.size() - rest.size())),
+            diagnostics_.error(inTranslation(entry, before.substr(0, before.size() - rest.size())),
                                describe(character), isControl ? " is no character of a text"
                                                               : " is not in ",
                                isControl ? "" : codePage.name(),
@@ -134,7 +139,7 @@ bool Importer::checkText(const PoEntry &entry, const StringName &string,
     const auto wanted = signatureOf(entry.original);
     const auto found = signatureOf(entry.translation);
     if (wanted != found && !isAllowed)
-        diagnostics_.error(placeIn(entry, "msgstr"), string.name, " has in ", language,
+        diagnostics_.error(inTranslation(entry, "msgstr"), string.name, " has in ", language,
                            " the placeholders ", spelledOut(found), " and in ",
                            source_.languages.front().code, ' ', spelledOut(wanted),
                            "; a translation keeps them");

@@ -54,6 +54,11 @@ private:
     std::vector<Edit> edits_;
 };
 
+// A quote that does not end a literal text of several lines.
+bool isAlone(std::string_view text, std::size_t at) {
+    return at + 1 < text.size() && text[at + 1] != text[at];
+}
+
 // A text in the quotes that another one has there, if they can hold it.
 std::string respelled(std::string_view old, const std::string &text, std::string_view lineEnd) {
     const std::string plain = quote(text);
@@ -72,7 +77,8 @@ std::string respelled(std::string_view old, const std::string &text, std::string
             body += lineEnd;
         else if (isLiteral && (next == '\\' || next == '"'))
             body += next;
-        else if (isLiteral && (next != '\0' || needs[at] == '\''))
+        else if (isLiteral &&
+                 (next != '\0' || (needs[at] == '\'' && !(isLong && isAlone(needs, at)))))
             return plain;
         else
             body.append(needs.substr(at, next == '\0' ? 1 : 2));
@@ -155,14 +161,17 @@ void Placer::insertBehind(const Found &anchor, bool isInline, const std::string 
         std::max(editor_.text().substr(0, at).find_last_of("{,\n") + 1,
                  editor_.offsetOf({begin(*anchor.key).line, 1})); // behind a byte order mark
     const std::string_view prefix = editor_.text().substr(from, at - from);
+    const std::size_t value = editor_.offsetOf(begin(*anchor.node));
     const std::size_t behind = editor_.offsetOf(end(*anchor.node));
+    const std::string spelled = respelled(editor_.text().substr(value, behind - value), text,
+                                          editor_.lineEnd());
     if (isInline) {
         const std::size_t blanks = std::min(prefix.find_first_not_of(" \t"), prefix.size());
         editor_.replace(behind, behind,
-                        concat(", ", prefix.substr(blanks), key, " = ", quote(text)));
+                        concat(", ", prefix.substr(blanks), key, " = ", spelled));
     } else {
         const std::size_t end = editor_.endOfLine(behind);
-        editor_.replace(end, end, concat(editor_.lineEnd(), prefix, key, " = ", quote(text)));
+        editor_.replace(end, end, concat(editor_.lineEnd(), prefix, key, " = ", spelled));
     }
 }
 

@@ -67,7 +67,11 @@ std::string pseudoText(std::string_view text, const CodePage &codePage) {
     if (first == text.npos)
         return std::string(text);
     const std::size_t last = text.find_last_not_of("\r\n") + 1;
-    const std::vector<Placeholder> placeholders = placeholdersOf(text);
+    // Those of both kinds, whichever the application fills.
+    std::vector<Placeholder> placeholders = placeholdersOf(text);
+    std::string unbraced(text);
+    std::ranges::replace(unbraced, '{', ' ');
+    std::ranges::copy(placeholdersOf(unbraced), std::back_inserter(placeholders));
 
     std::string pseudo = std::string(text.substr(0, first)) + '[';
     std::size_t owed = percent - 1; // hundredths of a character; whatever was begun is given
