@@ -36,17 +36,24 @@ int main(int argc, char **argv) try {
 #endif
     addManualCommand(app);
 
-    const std::string first = argc > 1 ? argv[1] : "-";
-    const auto all = app.get_subcommands([](const CLI::App *) { return true; });
-    if (first[0] != '-' && std::ranges::none_of(all, [&](const CLI::App *command) {
-            return command->check_name(first);
-        })) {
-        std::vector<std::string> names;
-        for (const CLI::App *command : toldCommands(app))
-            names.push_back(command->get_name());
-        const std::vector<std::string_view> known(names.begin(), names.end());
-        std::cerr << "uti: there is no command \"" << first << '"' << hint(first, known) << '\n';
-        return exitUsage;
+    const CLI::App *command = &app;
+    for (int i = 1; i < argc && argv[i][0] != '-'; ++i) {
+        const std::string word = argv[i];
+        const auto below = command->get_subcommands([](const CLI::App *) { return true; });
+        if (below.empty())
+            break;
+        const auto named = std::ranges::find_if(
+            below, [&](const CLI::App *each) { return each->check_name(word); });
+        if (named == below.end()) {
+            std::vector<std::string> names;
+            for (const CLI::App *each : toldCommands(*command))
+                names.push_back(each->get_name());
+            const std::vector<std::string_view> known(names.begin(), names.end());
+            std::cerr << commandPath(*command, " ") << ": there is no command \"" << word << '"'
+                      << hint(word, known) << '\n';
+            return exitUsage;
+        }
+        command = *named;
     }
     try {
         app.parse(argc, argv);

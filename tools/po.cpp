@@ -139,8 +139,8 @@ void addPoCommand(CLI::App &app, FindRooms findRooms, int &result) {
     };
 
     CLI::App *out = add("export", "Writes a PO file for each language but the first");
-    out->add_option("-o", options->directory, "Folder to write to, made if missing")
-        ->capture_default_str()
+    out->add_option("-o", options->directory,
+                    "Folder to write to, made if missing (default: the present one)")
         ->check([](const std::string &path) {
             return fs::exists(path) && !fs::is_directory(path) ? path + " is no folder" : "";
         });
