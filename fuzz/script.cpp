@@ -44,7 +44,8 @@ void fuzz::run(Input &in) {
         REQUIRE(command.place.column >= 1 && command.place.column <= source.size() + 1);
         last = command.place.line;
         script.report(command.place, "somewhere");
-        savesFiles = savesFiles || command.kind == ScriptCommand::Kind::shot ||
+        savesFiles = savesFiles || command.kind == ScriptCommand::Kind::expectShot ||
+                     command.kind == ScriptCommand::Kind::shot ||
                      command.kind == ScriptCommand::Kind::dump;
     }
     if (!script.isValid)

@@ -214,10 +214,14 @@ private:
                 add(Kind::expectFits, name.at);
                 return;
             }
+            if (what.text == "shot") {
+                add(Kind::expectShot, name.at).text = line.fileName();
+                return;
+            }
             if (what.text == "no")
                 line.expect("text");
             else if (what.text != "text")
-                line.fail(what.at, "expected \"text\", \"no text\" or \"fits\"");
+                line.fail(what.at, "expected \"text\", \"no text\", \"fits\" or \"shot\"");
             add(what.text == "no" ? Kind::expectNoText : Kind::expectText, name.at).text =
                 line.quotedText();
         } else if (is == "shot" || is == "dump")

@@ -21,6 +21,7 @@ struct ScriptCommand {
         expectText,   // `text` is shown
         expectNoText, // `text` is not shown
         expectFits,   // no text that is shown is cut
+        expectShot,   // the display looks like the golden picture `text`.png
         shot,         // the display is saved as the picture `text`.png
         dump,         // the display is saved as `text`.txt
         paperOut,     // the printer has no paper

@@ -1,7 +1,9 @@
 // script_face.cpp: performing the commands of a key script, on the platform's clock.
 #include "host/faces/script_face.h"
 
+#include "host/faces/golden.h"
 #include "host/terminal/clock.h"
+#include "host/terminal/notice.h"
 #include "host/terminal/peripherals.h"
 #include "host/toolkit/dump.h"
 
@@ -48,7 +50,8 @@ void setPeripheral(const ScriptCommand &command) {
 
 // What a script says about the peripherals at its start holds before the application does anything.
 ScriptFace::ScriptFace(Display &display, Script script, std::filesystem::path folder, bool &failed)
-    : display_(display), script_(std::move(script)), folder_(std::move(folder)), failed_(failed),
+    : display_(display), script_(std::move(script)), folder_(std::move(folder)),
+      goldens_(std::filesystem::absolute(script_.source.path()).parent_path()), failed_(failed),
       since_(ticks()) {
     peripherals().paperOut = false;
     peripherals().portsFail = false;
@@ -66,9 +69,15 @@ ScriptFace::~ScriptFace() {
         fail(last.place, "the application ended before this");
 }
 
-void ScriptFace::fail(ScriptPlace place, const std::string &what) {
+// Fails the run at its end.
+void ScriptFace::report(ScriptPlace place, const std::string &what) {
     script_.report(place, what);
     failed_ = true;
+}
+
+// Fails the run at once.
+void ScriptFace::fail(ScriptPlace place, const std::string &what) {
+    report(place, what);
     at_ = script_.commands.size();
     since_ = ticks();
 }
@@ -156,11 +165,13 @@ ScriptFace::Outcome ScriptFace::perform(const ScriptCommand &command) {
             failAtDisplay(command.place, command.kind == Kind::expectText ? "the text is not shown"
                                                                           : "the text is shown");
         return Outcome::done;
+    case Kind::expectShot:
     case Kind::shot:
     case Kind::dump:
         if (!isSettled())
             return Outcome::waits;
-        save(command);
+        display_.redraw();
+        command.kind == Kind::expectShot ? compare(command) : save(command);
         return Outcome::done;
     default:
         setPeripheral(command);
@@ -171,11 +182,57 @@ ScriptFace::Outcome ScriptFace::perform(const ScriptCommand &command) {
 }
 
 void ScriptFace::save(const ScriptCommand &command) {
-    const auto path = folder_ / (command.text + (command.kind == Kind::shot ? ".png" : ".txt"));
-    display_.redraw();
-    if (command.kind == Kind::shot ? !saveImage(display_.surface(), path)
-                                   : !saveDump(display_, path))
+    if (command.kind == Kind::shot)
+        return save(display_.surface(), folder_ / (command.text + ".png"), command.place);
+    const auto path = folder_ / (command.text + ".txt");
+    if (!saveDump(display_, path))
         fail(command.place, path.string() + " cannot be written");
+}
+
+void ScriptFace::save(const Surface &surface, const std::filesystem::path &path,
+                      ScriptPlace place) {
+    if (!saveImage(surface, path))
+        fail(place, path.string() + " cannot be written");
+}
+
+// One run tells of all pictures that are not as they have to be, so the script goes on.
+void ScriptFace::compare(const ScriptCommand &command) {
+    const auto path = goldens_ / (command.text + ".png");
+    const Surface &surface = display_.surface();
+    const Size size = surface.size();
+    const std::optional<Image> golden = loadImage(path);
+    const bool isSized =
+        golden && golden->size.width == size.width && golden->size.height == size.height;
+    const Difference difference = golden ? differenceOf(*golden, surface) : Difference{};
+    if (isSized && difference.pixels == 0)
+        return;
+    if (const char *update = std::getenv("UTI_UPDATE"); update && std::string_view(update) == "1") {
+        notice(path.string() + (golden ? " is renewed" : " is new"));
+        return save(surface, path, command.place);
+    }
+
+    const auto actual = folder_ / (command.text + ".actual.png");
+    if (!golden) {
+        std::error_code ignored;
+        const bool isThere = std::filesystem::exists(path, ignored);
+        report(command.place, "the golden picture " + path.string() +
+                                  (isThere ? " is no PNG file" : " is not there") + "; " +
+                                  actual.string() + " shows the display, UTI_UPDATE=1 " +
+                                  (isThere ? "makes it anew" : "makes it"));
+    } else {
+        const auto marked = folder_ / (command.text + ".difference.png");
+        const std::string how =
+            isSized ? std::to_string(difference.pixels) +
+                          (difference.pixels == 1 ? " pixel differs" : " pixels differ") + " in " +
+                          written(difference.box)
+                    : "it has " + std::to_string(golden->size.width) + 'x' +
+                          std::to_string(golden->size.height) + " pixels, the display " +
+                          std::to_string(size.width) + 'x' + std::to_string(size.height);
+        report(command.place, "the display is not like " + path.string() + ": " + how + "; " +
+                                  marked.string() + " shows both, UTI_UPDATE=1 renews it");
+        save(drawDifference(*golden, surface), marked, command.place);
+    }
+    save(surface, actual, command.place);
 }
 
 // Nobody is left to answer: forms are cancelled, and the first one fails the run.

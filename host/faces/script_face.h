@@ -12,8 +12,8 @@ namespace uti::host {
 
 class ScriptFace final : public Face {
 public:
-    // Pictures and dumps go to `folder`. `failed` becomes true when the run fails; what is wrong
-    // was then said on standard error.
+    // Pictures and dumps go to `folder`; golden pictures are looked for beside the script. `failed`
+    // becomes true when the run fails; what is wrong was then said on standard error.
     ScriptFace(Display &display, Script script, std::filesystem::path folder, bool &failed);
     // Fails the run when commands are left.
     ~ScriptFace() override;
@@ -29,15 +29,18 @@ private:
     Outcome perform(const ScriptCommand &command);
     bool isSettled() const;
     bool isBetweenForms() const;
+    void report(ScriptPlace place, const std::string &what);
     void fail(ScriptPlace place, const std::string &what);
     void failAtDisplay(ScriptPlace place, const std::string &what);
     std::optional<Event> afterEnd(uint32_t milliseconds);
     void save(const ScriptCommand &command);
+    void save(const Surface &surface, const std::filesystem::path &path, ScriptPlace place);
+    void compare(const ScriptCommand &command);
     void endWhenStuck(ScriptPlace place);
 
     Display &display_;
     const Script script_;
-    const std::filesystem::path folder_;
+    const std::filesystem::path folder_, goldens_;
     bool &failed_;
     std::size_t at_ = 0;             // the command to be performed next
     uint32_t since_ = 0;             // ticks at which its turn came
