@@ -1,106 +1,16 @@
 // check_form.cpp: the rules that the toolkit of the desktop judges: the library builds each dialog
 // with its texts, and the form is asked what is cut and what lies outside of it.
-#include "host/terminal/clock.h"
 #include "host/terminal/image_path.h"
-#include "host/toolkit/display.h"
 #include "tools/check.h"
+#include "tools/dialog_run.h"
 #include "tools/rules.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
-#include <functional>
-#include <memory>
 
 namespace uti::tool {
 
 namespace {
-
-// Looks at each form once and has it cancelled.
-class Examiner final : public host::Face {
-public:
-    using Look = std::function<void(const host::Form &)>;
-
-    void show(const host::Surface &, const host::Rect &) override {}
-    std::optional<host::Event> next(uint32_t milliseconds) override {
-        const host::Form *form = host::display().running();
-        if (!form) {
-            host::pass(milliseconds);
-            return std::nullopt;
-        }
-        if (const Look look = std::exchange(look_, nullptr))
-            look(*form);
-        return host::Event{.kind = host::Event::Kind::close};
-    }
-
-    void expect(Look look) { look_ = std::move(look); }
-
-private:
-    Look look_;
-};
-
-// The one behind the display, on a clock that does not wait.
-Examiner &examiner() {
-    static Examiner *const one = [] {
-        host::useVirtualClock();
-        auto owned = std::make_unique<Examiner>();
-        Examiner *const made = owned.get();
-        host::display().useFace(std::move(owned));
-        return made;
-    }();
-    return *one;
-}
-
-// Runs a dialog, whose records are filled, with its texts.
-int32_t run(const CheckedDialog &checked, const ResolvedTexts &texts) {
-    constexpr uint32_t day = 24 * 60 * 60 * 1000; // or a message would not wait at all
-    // Without a name a caption is short; its line takes room from the form.
-    const std::string caption = texts.caption.value_or(
-        checked.dialog.texts.areNamed() || currentGraphicCaptionParameters.count == 0 ? "" : "-");
-    std::vector<LabelValue> labels;
-    for (const auto &[name, text] : texts.labels)
-        labels.push_back({name.c_str(), text.c_str()});
-    labels.push_back({});
-    DialogRequest request{};
-    request.resourceId = checked.dialog.id;
-    request.module = checked.module;
-    request.caption = caption.empty() ? nullptr : caption.c_str();
-    request.text = texts.text ? texts.text->c_str() : nullptr;
-    request.imageName = texts.image.empty() ? nullptr : texts.image.c_str();
-    request.labelValues = labels.data();
-    request.timeout = day;
-
-    const auto textOf = [](const std::vector<std::string> &all, std::size_t index) {
-        return index < all.size() ? all[index].c_str() : nullptr;
-    };
-    switch (currentDialogType) {
-    case DIALOG_MESSAGE:
-        return DialogMessage_Show(&request, SHOW_UNLIMITED);
-    case DIALOG_CONFIRMATION: {
-        const ConfirmationRequest question{request, textOf(texts.buttons, 1),
-                                           textOf(texts.buttons, 0)};
-        if (texts.suffixes.size() >= 2)
-            return DialogSelect_DoModal_IG(&question, texts.suffixes[0].c_str(),
-                                           texts.suffixes[1].c_str());
-        return DialogConfirmation_DoModal(&question);
-    }
-    case DIALOG_EDIT: {
-        EditRequest edit{};
-        edit.dialog = request;
-        char buffer[DIALOG_LONG_TEXT + 1] = "";
-        return DialogEdit_DoModal(&edit, buffer, sizeof buffer);
-    }
-    case DIALOG_LIST: {
-        std::vector<ListItem> items(texts.items.size());
-        for (std::size_t i = 0; i < items.size(); ++i)
-            items[i].word1 = std::bit_cast<uintptr_t>(texts.items[i].c_str());
-        const ListRequest list{request, items.data(), static_cast<uint16_t>(items.size())};
-        return DialogList_DoModal(&list);
-    }
-    default:
-        return DialogSignature_DoModal(&request, "/dev/null");
-    }
-}
 
 // --- images
 
@@ -220,23 +130,24 @@ void reportLost(const CheckedDialog &checked, Diagnostics &diagnostics) {
 } // namespace
 
 void checkForm(const CheckedDialog &checked, Diagnostics &diagnostics) {
-    Examiner &person = examiner();
     host::display().stage().fonts.use(checked.codePage().name());
     checkImages(checked, diagnostics);
     const SourceDialog &dialog = checked.dialog;
     for (std::size_t variant = 0; variant < variantsOf(dialog.texts); ++variant) {
+        ResolvedTexts texts = resolveTexts(dialog.texts, checked.source.file, checked.codePage(),
+                                           checked.language, variant);
+        // Without a name a caption is short; its line takes room from the form.
+        if (!dialog.texts.areNamed() && currentGraphicCaptionParameters.count > 0)
+            texts.caption = "-";
         bool isShown = false;
-        person.expect([&](const host::Form &form) {
+        const auto look = [&](const host::Form &form) {
             isShown = true;
             reportLost(checked, diagnostics);
             if (variant == 0)
                 checkPlaces(checked, form, diagnostics);
             checkFit(checked, form, diagnostics);
-        });
-        const int32_t result =
-            run(checked, resolveTexts(dialog.texts, checked.source.file, checked.codePage(),
-                                      checked.language, variant));
-        person.expect(nullptr);
+        };
+        const int32_t result = lookAtDialog(checked.module, dialog.id, texts, look);
         // A list without a menu, say, which has a rule of its own.
         if (!isShown && result != UTI_DIALOG_NOT_FOUND)
             diagnostics.error(dialog.place, "the library cannot show it in ", checked.language,

@@ -3,17 +3,15 @@
 #include "tools/dialog_pictures.h"
 
 #include "Src/utiDialogsRecords.h"
-#include "host/terminal/clock.h"
 #include "host/toolkit/display.h"
 #include "host/toolkit/dump.h"
+#include "tools/dialog_run.h"
 #include "tools/dialog_values.h"
 #include "tools/files.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
 #include <iostream>
-#include <memory>
 #include <stdexcept>
 
 namespace uti::tool {
@@ -65,43 +63,6 @@ std::vector<PictureText> textsOn(const host::Display &display) {
     return all;
 }
 
-class Camera final : public host::Face {
-public:
-    explicit Camera(host::Display &display) : display_(display) {}
-
-    void aim(Picture &picture) {
-        picture_ = &picture;
-        isTaken_ = false;
-    }
-
-    void show(const host::Surface &, const host::Rect &) override {}
-    std::optional<host::Event> next(uint32_t milliseconds) override {
-        if (!display_.running()) {
-            host::pass(milliseconds);
-            return std::nullopt;
-        }
-        if (!std::exchange(isTaken_, true))
-            take();
-        return host::Event{.kind = host::Event::Kind::close};
-    }
-
-private:
-    void take() {
-        display_.redraw();
-        picture_->surface = display_.surface();
-        picture_->dump = host::dump(display_);
-        picture_->texts = textsOn(display_);
-        for (const host::Misfit &misfit : display_.misfits(display_.surface().area())) {
-            picture_->findings.push_back({misfit.area, "fit", misfit.sentence()});
-            picture_->cuts.push_back(misfit.cut);
-        }
-    }
-
-    host::Display &display_;
-    Picture *picture_ = nullptr;
-    bool isTaken_ = true; // of the dialog that was aimed at
-};
-
 // What stands for texts that no source names: labels show what they are called.
 ResolvedTexts standIns(const ShownModule &module, const ShownDialog &dialog) {
     ResolvedTexts texts;
@@ -123,54 +84,6 @@ ResolvedTexts textsOf(const ShownModule &module, const ShownDialog &dialog) {
                                    module.codePageOf(dialog.language), dialog.language,
                                    dialog.variant)
                     : standIns(module, dialog);
-}
-
-const char *orNull(const std::optional<std::string> &text) {
-    return text ? text->c_str() : nullptr;
-}
-
-// The first or second of a confirmation's texts or suffixes.
-const char *orNull(const std::vector<std::string> &texts, std::size_t at) {
-    return at < texts.size() ? texts[at].c_str() : nullptr;
-}
-
-int32_t runWith(const ResolvedTexts &texts, DialogRequest &request) {
-    request.caption = orNull(texts.caption);
-    request.text = orNull(texts.text);
-    request.imageName = texts.image.empty() ? nullptr : texts.image.c_str();
-    std::vector<LabelValue> labels;
-    for (const auto &[name, text] : texts.labels)
-        labels.push_back({name.c_str(), text.c_str()});
-    labels.push_back({});
-    request.labelValues = labels.data();
-
-    switch (currentDialogType) {
-    case DIALOG_MESSAGE:
-        return DialogMessage_Show(&request, SHOW_UNLIMITED);
-    case DIALOG_CONFIRMATION: {
-        const ConfirmationRequest question{request, orNull(texts.buttons, 1),
-                                           orNull(texts.buttons, 0)};
-        return texts.suffixes.size() == 2
-                   ? DialogSelect_DoModal_IG(&question, orNull(texts.suffixes, 0),
-                                             orNull(texts.suffixes, 1))
-                   : DialogConfirmation_DoModal(&question);
-    }
-    case DIALOG_EDIT: {
-        EditRequest edit{};
-        edit.dialog = request;
-        char buffer[DIALOG_LONG_TEXT + 1] = "";
-        return DialogEdit_DoModal(&edit, buffer, sizeof buffer);
-    }
-    case DIALOG_LIST: {
-        std::vector<ListItem> items(texts.items.size());
-        for (std::size_t i = 0; i < items.size(); ++i)
-            items[i].word1 = std::bit_cast<uintptr_t>(texts.items[i].c_str());
-        const ListRequest list{request, items.data(), static_cast<uint16_t>(items.size())};
-        return DialogList_DoModal(&list);
-    }
-    default:
-        return DialogSignature_DoModal(&request, "/dev/null");
-    }
 }
 
 // A folder that goes away with its files.
@@ -266,35 +179,36 @@ LoadedModule::~LoadedModule() {
     Resource_Close(module_.name.c_str());
 }
 
-int32_t LoadedModule::run(const ShownDialog &dialog) const {
+int32_t LoadedModule::load(const ShownDialog &dialog) const {
     Resource_SetLanguage(dialog.language.c_str());
     host::display().stage().fonts.use(module_.codePageOf(dialog.language).name());
     Dialogs_ResetControls();
     const std::string_view description = stringIn(module_.file, dialog.language, dialog.id);
     const int32_t known = GetDialogParameters(module_.name.c_str(), dialog.id, typeOf(description));
-    if (known < 0 && known != UTI_DIALOG_OTHER_TYPE)
-        return known;
-
-    constexpr uint32_t day = 24 * 60 * 60 * 1000; // or a message would not wait at all
-    DialogRequest request{};
-    request.resourceId = dialog.id;
-    request.module = module_.name.c_str();
-    request.timeout = day;
-    return runWith(textsOf(module_, dialog), request);
+    return known == UTI_DIALOG_OTHER_TYPE ? UTI_OK : known;
 }
 
-void LoadedModule::picture(const std::vector<ShownDialog> &dialogs,
-                           const std::function<void(const Picture &)> &take) const {
-    host::useVirtualClock();
-    auto owned = std::make_unique<Camera>(host::display());
-    Camera &camera = *owned;
-    host::display().useFace(std::move(owned));
-    for (const ShownDialog &dialog : dialogs) {
-        Picture picture{dialog, std::nullopt, 0, {}, {}, {}, {}};
-        camera.aim(picture);
-        picture.result = run(dialog);
-        take(picture);
-    }
+int32_t LoadedModule::run(const ShownDialog &dialog) const {
+    const int32_t loaded = load(dialog);
+    return loaded < 0 ? loaded
+                      : runDialog(module_.name.c_str(), dialog.id, textsOf(module_, dialog));
+}
+
+Picture LoadedModule::picture(const ShownDialog &dialog) const {
+    Picture picture{dialog, std::nullopt, load(dialog), {}, {}, {}};
+    if (picture.result < 0)
+        return picture;
+    const auto take = [&](const host::Form &) {
+        host::Display &display = host::display();
+        display.redraw();
+        picture.surface = display.surface();
+        picture.dump = host::dump(display);
+        picture.texts = textsOn(display);
+        for (const host::Misfit &misfit : display.misfits(display.surface().area()))
+            picture.findings.push_back({misfit.area, "fit", misfit.sentence()});
+    };
+    picture.result = lookAtDialog(module_.name.c_str(), dialog.id, textsOf(module_, dialog), take);
+    return picture;
 }
 
 } // namespace uti::tool

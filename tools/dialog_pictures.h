@@ -8,7 +8,6 @@
 #include "tools/resource_source.h"
 
 #include <filesystem>
-#include <functional>
 #include <optional>
 #include <string>
 #include <utility>
@@ -82,11 +81,12 @@ public:
     // Shows the dialog until a key or the face of the display ends it. Returns the dialog's result.
     int32_t run(const ShownDialog &dialog) const;
 
-    // Takes pictures of dialogs, behind a face of its own, and hands each to `take`.
-    void picture(const std::vector<ShownDialog> &dialogs,
-                 const std::function<void(const Picture &)> &take) const;
+    // What a person sees who looks at the dialog.
+    Picture picture(const ShownDialog &dialog) const;
 
 private:
+    int32_t load(const ShownDialog &dialog) const;
+
     const ShownModule &module_;
 };
 

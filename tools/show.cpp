@@ -238,7 +238,8 @@ private:
         }
 
         bool isWhole = true;
-        loaded_->picture(content_.dialogs, [&](const Picture &picture) {
+        for (const ShownDialog &dialog : content_.dialogs) {
+            const Picture picture = loaded_->picture(dialog);
             const std::string file = fileName(picture.dialog);
             if (sheet)
                 sheet->add(picture);
@@ -248,7 +249,7 @@ private:
                 std::cerr << options_.file.string() << ": error: " << failed(picture.dialog)
                           << picture.result << '\n';
                 isWhole = false;
-                return;
+                continue;
             }
             if (page && isNews(options_.page / file, picture))
                 save(options_.page / (file + ".png"), *picture.surface);
@@ -257,7 +258,7 @@ private:
                 writeFile(options_.directory / (file + ".txt"), picture.dump);
                 std::cout << file << ".png\n" << file << ".txt\n";
             }
-        });
+        }
         if (sheet)
             save(options_.sheet, sheet->surface());
         if (page)
