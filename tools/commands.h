@@ -19,6 +19,7 @@ void addCheckCommand(CLI::App &app, FormRules formRules, int &result);
 void addCompileCommand(CLI::App &app, FormRules formRules, int &result);
 void addDumpCommand(CLI::App &app, int &result);
 void addLogCommand(CLI::App &app, int &result);
+void addNewCommand(CLI::App &app, int &result);                     // needs the widget toolkit
 void addPoCommand(CLI::App &app, FindRooms findRooms, int &result); // needs libgettextpo
 void addShowCommand(CLI::App &app, int &result);                    // needs the widget toolkit
 

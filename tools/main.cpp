@@ -32,6 +32,7 @@ int main(int argc, char **argv) try {
     addPoCommand(app, rooms, result);
 #endif
 #ifdef UTI_TOOLKIT
+    addNewCommand(app, result);
     addShowCommand(app, result);
 #endif
     addManualCommand(app);
