@@ -4,7 +4,7 @@
 set -eu
 mkdir -p "$2"
 awk -v folder="$2" '
-  /^`[a-zA-Z._]+`:$/ { name = substr($0, 2, length($0) - 3); next }
+  /^`[a-zA-Z._\/]+`:$/ { name = substr($0, 2, length($0) - 3); sub(/.*\//, "", name); next }
   /^<!-- [a-zA-Z._]+ -->$/ { name = $2; next }
   /^```/ { inside = !inside; if (!inside) name = ""; next }
   inside && name != "" { print > (folder "/" name) }' "$1"
