@@ -18,7 +18,7 @@ module = "m"
 en = 0
 ru = 0
 [strings]
-PIN = { id = 0x1001, en = "PIN <code>", ru = "ПИН" }
+PIN = { id = 0x1001, en = "PIN <code>" }
 ASK = { id = 0x1002, en = "Your PIN", ru = "Введите ПИН-код своей карты, пожалуйста" }
 LEFT = { id = 0x1003, en = "{0} left", ru = "осталось {0}" }
 [dialogs.ENTER_PIN]
@@ -39,7 +39,7 @@ type = "confirmation"
 edit = { area = [8, 8, 222, 26], read_only = true }
 button = [
     { area = [8, 60, 100, 40], key = "ENTER" },
-    { area = [120, 60, 100, 40], key = "ESCAPE" },
+    { area = [120, 60, 100, 40], key = "ESCAPE", colors = ["#FFFFFF", "#F8F8F8"] },
 ]
 [dialogs.PAPER.texts]
 caption = { literal = "Paper" }
@@ -106,6 +106,13 @@ window.addEventListener('load', () => {
   same('cut', seen('img').map(each => each.alt), 'ENTER_PIN in ru');
   const [mark, picture] = [seen('.mark')[0], seen('img')[0]].map(each => each.getBoundingClientRect());
   same('place', [mark.left - picture.left, mark.width, mark.height], '9,222,26');
+  choose('finding', 'missing');
+  same('missing', seen('img').map(each => each.alt), 'ENTER_PIN in ru');
+  same('lack', seen('li').map(each => each.textContent)[0], 'PIN has no text in ru [missing]');
+  choose('finding', 'contrast');
+  const pale = seen('.mark')[0].getBoundingClientRect();
+  same('pale', [seen('img').length, seen('.mark').length, pale.width, pale.height], '4,4,100,40');
+  choose('finding', 'fit');
   choose('size', '2');
   same('size', seen('img')[0].width, 480);
   choose('language', 'ru');
@@ -114,7 +121,7 @@ window.addEventListener('load', () => {
   same('English', seen('img').map(each => each.alt), 'ENTER_PIN in en,PAPER in en,PAPER (2) in en');
   choose('text', 'JAM');
   same('found', seen('img').map(each => each.alt), 'PAPER (2) in en');
-  same('count', document.getElementById('count').textContent, '3 dialogs, 2 languages, 1 of 6 pictures, 1 finding');
+  same('count', document.getElementById('count').textContent, '3 dialogs, 2 languages, 1 of 6 pictures, 10 findings');
   seen('dd')[1].dispatchEvent(new MouseEvent('mouseover', { bubbles: true }));
   same('pointed at', seen('.glow').length, 1);
   document.title = wrong.join('; ') || 'all well';

@@ -205,18 +205,19 @@ void checkColors(const CheckedDialog &checked, Diagnostics &diagnostics) {
             report(diagnostics, rule::contrast, control.at("colors"), "the ", which, " text has ",
                    apart == 0 ? "" : "nearly ", "the color of its background");
     };
-    forEachControl(checked, [&](dialog::Tag kind, const SourceControl &control, const auto &entry) {
-        const ColorSet &colors = entry.colors;
-        const bool takesFocus = kind != dialog::tagStaticText && kind != dialog::tagLabel;
-        checkPair(control, colors.passiveForeground, colors.passiveBackground, "passive");
-        if (takesFocus)
-            checkPair(control, colors.activeForeground, colors.activeBackground, "active");
-        // A progress bar is filled with the active background.
-        if (kind == dialog::tagProgressBar &&
-            distance(colors.activeBackground, colors.passiveBackground) < nearColors)
-            report(diagnostics, rule::contrast, control.at("colors"),
-                   "the bar, of the active background, is not to be seen on the passive one");
-    });
+    forEachControl(
+        checked.dialog, [&](dialog::Tag kind, const SourceControl &control, const auto &entry) {
+            const ColorSet &colors = entry.colors;
+            const bool takesFocus = kind != dialog::tagStaticText && kind != dialog::tagLabel;
+            checkPair(control, colors.passiveForeground, colors.passiveBackground, "passive");
+            if (takesFocus)
+                checkPair(control, colors.activeForeground, colors.activeBackground, "active");
+            // A progress bar is filled with the active background.
+            if (kind == dialog::tagProgressBar &&
+                distance(colors.activeBackground, colors.passiveBackground) < nearColors)
+                report(diagnostics, rule::contrast, control.at("colors"),
+                       "the bar, of the active background, is not to be seen on the passive one");
+        });
 }
 
 struct Placed {
@@ -227,9 +228,10 @@ struct Placed {
 
 void checkOverlaps(const CheckedDialog &checked, Diagnostics &diagnostics) {
     std::vector<Placed> all;
-    forEachControl(checked, [&](dialog::Tag kind, const SourceControl &control, const auto &entry) {
-        all.push_back({entry.area, &control, kind == dialog::tagStaticText});
-    });
+    forEachControl(checked.dialog,
+                   [&](dialog::Tag kind, const SourceControl &control, const auto &entry) {
+                       all.push_back({entry.area, &control, kind == dialog::tagStaticText});
+                   });
 
     const auto cover = [](const Rectangle &one, const Rectangle &other) {
         return std::max(one.left, other.left) < std::min(one.right, other.right) &&
@@ -255,9 +257,10 @@ void checkFonts(const CheckedDialog &checked, Diagnostics &diagnostics) {
                    checked.codePage().toUtf8(name),
                    "\" gives no font: there is no such file, or six others are in use");
     };
-    forEachControl(checked, [&](dialog::Tag, const SourceControl &control, const auto &entry) {
-        checkFont(control, entry.fontName, entry.font);
-    });
+    forEachControl(checked.dialog,
+                   [&](dialog::Tag, const SourceControl &control, const auto &entry) {
+                       checkFont(control, entry.fontName, entry.font);
+                   });
     if (currentGraphicCaptionParameters.count > 0)
         checkFont(checked.control(dialog::tagCaption, 0), currentGraphicCaptionParameters.fontName,
                   currentGraphicCaptionParameters.font);
@@ -279,19 +282,35 @@ void checkDialog(const CheckedDialog &checked, FormRules formRules, Diagnostics 
     }
 }
 
+// What the stand-in would notice is found here.
+class Silence {
+public:
+    Silence() {
+        if (const char *value = std::getenv("UTI_QUIET"))
+            before_ = value;
+        setenv("UTI_QUIET", "1", 1);
+    }
+    ~Silence() { before_ ? setenv("UTI_QUIET", before_->c_str(), 1) : unsetenv("UTI_QUIET"); }
+    Silence(const Silence &) = delete;
+    Silence &operator=(const Silence &) = delete;
+
+private:
+    std::optional<std::string> before_;
+};
+
 } // namespace
 
-const SourceControl &CheckedDialog::control(dialog::Tag kind, std::size_t index) const {
-    for (const SourceControl &each : dialog.controls)
+const SourceControl &controlOf(const SourceDialog &source, dialog::Tag kind, std::size_t index) {
+    for (const SourceControl &each : source.controls)
         if (each.tag == kind && index-- == 0)
             return each;
-    return dialog.controls.front();
+    return source.controls.front();
 }
 
 void check(const ResourceSource &source, const fs::path &folder, FormRules formRules,
            Missing missing, Diagnostics &diagnostics) {
     checkStrings(source, missing, diagnostics);
-    setenv("UTI_QUIET", "1", 1); // what the stand-in would notice is found here
+    const Silence silence;
     const LibraryAnswers library(writeResourceFile(source.file));
     if (library.result() != UTI_OK) {
         diagnostics.error({}, "the library cannot load the file: ", library.result());

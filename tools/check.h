@@ -10,6 +10,10 @@
 
 namespace uti::tool {
 
+// The control that became the entry of that index among those of its kind; the dialog itself when
+// the source has none.
+const SourceControl &controlOf(const SourceDialog &source, dialog::Tag kind, std::size_t index);
+
 // A dialog in one language, whose records the library has filled.
 struct CheckedDialog {
     const ResourceSource &source;
@@ -20,17 +24,19 @@ struct CheckedDialog {
     const CodePage &codePage() const { return source.codePages->of(language); }
     // The control that became the entry of that index among those of its kind; the dialog itself
     // when the source has none.
-    const SourceControl &control(dialog::Tag kind, std::size_t index) const;
+    const SourceControl &control(dialog::Tag kind, std::size_t index) const {
+        return controlOf(dialog, kind, index);
+    }
 };
 
 // Visits the entries of the records, in the order in which they are drawn: their kind, where the
 // source tells them, and themselves.
 template <class Visit>
-void forEachControl(const CheckedDialog &checked, Visit visit) {
+void forEachControl(const SourceDialog &source, Visit visit) {
     const auto visitAll = [&](dialog::Tag kind, auto &record) {
         std::size_t index = 0;
         for (const auto &entry : entriesOf(record))
-            visit(kind, checked.control(kind, index++), entry);
+            visit(kind, controlOf(source, kind, index++), entry);
     };
     visitAll(dialog::tagStaticText, currentGraphicStaticTextParameters);
     visitAll(dialog::tagButton, currentGraphicButtonParameters);

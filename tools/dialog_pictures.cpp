@@ -5,6 +5,7 @@
 #include "Src/utiDialogsRecords.h"
 #include "host/toolkit/display.h"
 #include "host/toolkit/dump.h"
+#include "tools/dialog_findings.h"
 #include "tools/dialog_run.h"
 #include "tools/dialog_values.h"
 #include "tools/files.h"
@@ -113,7 +114,7 @@ private:
 
 std::optional<ShownModule> readShownModule(const fs::path &file, std::string path,
                                            const CodePages &codePages) {
-    ShownModule module{path, file.stem().string(), {}, {}, {}, {}};
+    ShownModule module{path, file.stem().string(), {}, {}, {}, {}, {}, {}};
     module.codePages = codePages;
     const bool isSource = file.extension() == ".toml";
     if (!isSource && (file.extension() != ".res" || !isModuleName(module.name)))
@@ -131,6 +132,7 @@ std::optional<ShownModule> readShownModule(const fs::path &file, std::string pat
         module.name = source.module;
         module.file = std::move(source.file);
         module.dialogs = std::move(source.dialogs);
+        module.names = std::move(source.names);
         if (source.codePages)
             module.codePages = std::move(source.codePages);
     } else if (auto read = readResourceFile(bytes, diagnostics)) {
@@ -196,18 +198,21 @@ int32_t LoadedModule::run(const ShownDialog &dialog) const {
 
 Picture LoadedModule::picture(const ShownDialog &dialog) const {
     Picture picture{dialog, std::nullopt, load(dialog), {}, {}, {}};
-    if (picture.result < 0)
-        return picture;
-    const auto take = [&](const host::Form &) {
+    const auto take = [&](const host::Form &form) {
         host::Display &display = host::display();
         display.redraw();
         picture.surface = display.surface();
         picture.dump = host::dump(display);
         picture.texts = textsOn(display);
+        picture.findings = findingsAbout(module_, dialog, &form);
         for (const host::Misfit &misfit : display.misfits(display.surface().area()))
             picture.findings.push_back({misfit.area, "fit", misfit.sentence()});
     };
-    picture.result = lookAtDialog(module_.name.c_str(), dialog.id, textsOf(module_, dialog), take);
+    if (picture.result >= 0)
+        picture.result =
+            lookAtDialog(module_.name.c_str(), dialog.id, textsOf(module_, dialog), take);
+    if (!picture.surface)
+        picture.findings = findingsAbout(module_, dialog, nullptr);
     return picture;
 }
 

@@ -15,14 +15,16 @@
 
 namespace uti::tool {
 
-// A module that the library can load. Only a source says what its dialogs are called and which
-// texts they get.
+// A module that the library can load. Only a source says what its dialogs and strings are called,
+// and which texts the dialogs get.
 struct ShownModule {
     std::string path; // of its file, as the user wrote it
     std::string name;
     ResourceFile file;
     std::string bytes; // of the resource file
     std::vector<SourceDialog> dialogs;
+    std::vector<StringName> names;
+    std::vector<Finding> findings; // where somebody has looked for them (tools/dialog_findings.h)
     std::optional<CodePages> codePages; // always there once it was read
 
     const CodePage &codePageOf(std::string_view language) const { return codePages->of(language); }

@@ -247,7 +247,7 @@ void SourceReader::reportMissing() {
         const std::size_t more = strings.size() - 1;
         for (const auto &[name, place] : strings) {
             if (missing_ == Missing::named || more == 0) {
-                report(diagnostics_, rule::missing, place, name, " has no text in ", language);
+                report(diagnostics_, rule::missing, place, lackOf(name, language));
                 continue;
             }
             report(diagnostics_, rule::missing, place, name, " and ", more,

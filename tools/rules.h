@@ -39,6 +39,11 @@ bool report(Diagnostics &diagnostics, const Rule &rule, Place place, const Parts
     return diagnostics.report(rule.severity, rule.name, place, parts...);
 }
 
+// What is said of a string without a text in a language.
+inline std::string lackOf(std::string_view string, std::string_view language) {
+    return concat(string, " has no text in ", language);
+}
+
 struct CheckedDialog;
 
 // What the widget toolkit has to say of a dialog; null in a build without one.

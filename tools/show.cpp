@@ -5,6 +5,7 @@
 #include "host/toolkit/display.h"
 #include "host/toolkit/image.h"
 #include "tools/commands.h"
+#include "tools/dialog_findings.h"
 #include "tools/dialog_pictures.h"
 #include "tools/files.h"
 #include "tools/show_page.h"
@@ -134,6 +135,8 @@ private:
                               : "; a resource file knows ids alone\n");
             return std::nullopt;
         }
+        if (!options_.page.empty() && !module->dialogs.empty())
+            module->findings = findingsOf(module->path, readInput(file_), file_.parent_path());
         return Content{*std::move(module), std::move(dialogs)};
     }
 

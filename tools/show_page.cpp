@@ -40,7 +40,7 @@ figcaption { margin-bottom: 4px; color: var(--soft); }
 .mark, .glow { position: absolute; left: calc(var(--x) * 1px * var(--scale)); top: calc(var(--y) * 1px * var(--scale));
   width: calc(var(--w) * 1px * var(--scale)); height: calc(var(--h) * 1px * var(--scale)); }
 .mark { outline: 2px solid #e53935; background: rgb(229 57 53 / .12); }
-.mark b { position: absolute; right: -9px; top: -9px; min-width: 18px; height: 18px; border-radius: 9px;
+.mark b { position: absolute; right: -9px; top: -9px; min-width: 10px; padding: 0 4px; white-space: nowrap; height: 18px; border-radius: 9px;
   background: #e53935; color: #fff; font: bold 12px/18px system-ui, sans-serif; text-align: center; }
 .glow { outline: 2px solid #1e88e5; background: rgb(30 136 229 / .15); pointer-events: none; }
 .notes { width: calc(var(--width) * 1px * var(--scale)); min-width: 240px; font-size: 14px; }
@@ -142,6 +142,39 @@ std::vector<PictureText> readingOrder(std::vector<PictureText> texts) {
     return texts;
 }
 
+// The part of an area that is on the display; of one that is not, what is next to it.
+host::Rect onDisplay(const host::Rect &area, host::Size size) {
+    constexpr int least = 6;
+    const int x = std::clamp(area.x, 0, size.width - least);
+    const int y = std::clamp(area.y, 0, size.height - least);
+    return {x, y, std::clamp(area.right(), x + least, size.width) - x,
+            std::clamp(area.bottom(), y + least, size.height) - y};
+}
+
+// The findings as frames in a picture, one for all with the same area, with their numbers.
+std::string marksOf(const std::vector<PictureText> &findings, host::Size size) {
+    struct Mark {
+        host::Rect area;
+        std::string numbers, titles;
+    };
+    std::vector<Mark> marks;
+    for (std::size_t i = 0; i < findings.size(); ++i) {
+        if (findings[i].area.empty())
+            continue;
+        const host::Rect area = onDisplay(findings[i].area, size);
+        auto mark = std::ranges::find(marks, area, &Mark::area);
+        if (mark == marks.end())
+            mark = marks.insert(mark, {area, "", ""});
+        mark->numbers += concat(mark->numbers.empty() ? "" : " ", i + 1);
+        mark->titles += (mark->titles.empty() ? "" : "\n") + findings[i].text;
+    }
+    std::string html;
+    for (const auto &[area, numbers, titles] : marks)
+        html += concat("<i class=\"mark\" title=\"", escaped(titles), '"', placed(area), "><b>",
+                       numbers, "</b></i>\n");
+    return html;
+}
+
 } // namespace
 
 Page::Page(const std::string &module, const std::vector<ShownDialog> &dialogs) : module_(module) {
@@ -154,13 +187,10 @@ Page::Page(const std::string &module, const std::vector<ShownDialog> &dialogs) :
 
 void Page::add(const Picture &picture, const std::string &file) {
     const std::string &language = picture.dialog.language;
-    std::string rules, marks, sentences, texts;
+    std::string rules, sentences, texts;
     for (const auto &[area, rule, text] : picture.findings) {
         rules += (rules.empty() ? "" : " ") + rule;
         ++rules_[rule];
-        const auto number = static_cast<int>(std::ranges::count(marks, '\n')) + 1;
-        marks += concat("<i class=\"mark\" title=\"", escaped(text), '"', placed(area), "><b>",
-                        number, "</b></i>\n");
         sentences += concat("<li>", escaped(text), " [", escaped(rule), "]</li>\n");
     }
     const PictureText *above = nullptr;
@@ -172,8 +202,10 @@ void Page::add(const Picture &picture, const std::string &file) {
                         "</dd></div>\n");
         above = &each;
     }
-    if (!picture.surface)
-        ++rules_[rules = "shown"];
+    if (!picture.surface) {
+        rules += rules.empty() ? "shown" : " shown";
+        ++rules_["shown"];
+    }
 
     std::string &figure = figures_[{picture.dialog.key(), language}];
     figure = concat("<figure data-language=\"", escaped(language), "\" data-rules=\"",
@@ -184,10 +216,10 @@ void Page::add(const Picture &picture, const std::string &file) {
     figure += "</figcaption>\n";
     if (picture.surface) {
         size_ = picture.surface->size();
-        figure +=
-            concat("<div class=\"screen\"><img src=\"", escaped(file), "\" width=\"", size_.width,
-                   "\" height=\"", size_.height, "\" alt=\"", escaped(picture.dialog.title()),
-                   " in ", escaped(language), "\">\n", marks, "</div>\n");
+        figure += concat("<div class=\"screen\"><img src=\"", escaped(file), "\" width=\"",
+                         size_.width, "\" height=\"", size_.height, "\" alt=\"",
+                         escaped(picture.dialog.title()), " in ", escaped(language), "\">\n",
+                         marksOf(picture.findings, size_), "</div>\n");
         ++pictures_;
     } else {
         figure +=
