@@ -40,6 +40,7 @@ std::vector<std::string_view> linesOf(std::string_view text, Font &font, int wid
         more = feed != std::string_view::npos;
         text.remove_prefix(more ? feed + 1 : text.size());
 
+        const bool isBlank = line.empty();
         for (std::size_t fitting;
              wrap == Wrap::atWords && (fitting = countFitting(line, font, width)) < line.size();) {
             const std::size_t space = line.rfind(' ', fitting);
@@ -47,7 +48,8 @@ std::vector<std::string_view> linesOf(std::string_view text, Font &font, int wid
             lines.push_back(line.substr(0, atSpace ? space : fitting));
             line.remove_prefix(atSpace ? space + 1 : fitting);
         }
-        lines.push_back(line);
+        if (isBlank || !line.empty()) // a blank at the end of a full line makes no further one
+            lines.push_back(line);
     }
     return lines;
 }
