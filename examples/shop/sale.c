@@ -211,7 +211,8 @@ static void askBank(Work *work) {
 }
 
 static int32_t sign(void) {
-    const char *body = joined(text(SHOP_SIGN_TEXT), money(totalOf(&sale)));
+    char body[TEXT_SIZE];
+    snprintf(body, sizeof body, text(SHOP_SIGN_TEXT), money(totalOf(&sale)));
     const DialogRequest request = requestFor(SHOP_SIGN_HERE, SHOP_SIGN, body);
     return ended("SIGN_HERE", DialogSignature_DoModal(&request, "signature.png"));
 }
