@@ -110,10 +110,11 @@ protected:
     }
 
     ResolvedTexts resolved(const DialogTexts &texts, const std::string &language) const {
-        return resolveTexts(texts, source.file, *source.codePage, language);
+        return resolveTexts(texts, source.file, source.codePages->of(language), language);
     }
     void load(const SourceDialog &dialog, const std::string &language) const {
         Resource_SetLanguage(language.c_str());
+        host::display().stage().fonts.use(source.codePages->of(language).name());
         Dialogs_ResetControls();
         GetDialogParameters(LibraryAnswers::module, dialog.id, DIALOG_MESSAGE);
     }
@@ -142,8 +143,8 @@ protected:
             *text = {std::nullopt, " ", {}, {}};
         const auto blank = look(empty, language);
         NamedText &text = *textsOf(dialog.texts)[which];
-        const std::string first =
-            source.codePage->toUtf8(resolveText(text, source.file, *source.codePage, language));
+        const std::string first = source.codePages->of(language).toUtf8(
+            resolveText(text, source.file, source.codePages->of(language), language));
         const char *letter = language == "ru" || language == "uk" ? "ж" : "w";
         std::string longer = first;
         for (int step = 0; step < 120; ++step) {

@@ -81,10 +81,10 @@ ResolvedTexts standIns(const ShownModule &module, const ShownDialog &dialog) {
 // The texts of the dialog whose description is loaded.
 ResolvedTexts textsOf(const ShownModule &module, const ShownDialog &dialog) {
     const bool areNamed = dialog.source && dialog.source->texts.areNamed();
-    return areNamed ? resolveTexts(dialog.source->texts, module.file,
-                                   module.codePageOf(dialog.language), dialog.language,
-                                   dialog.variant)
-                    : standIns(module, dialog);
+    return areNamed
+               ? resolveTexts(dialog.source->texts, module.file, module.codePageOf(dialog.language),
+                              dialog.language, dialog.variant)
+               : standIns(module, dialog);
 }
 
 // A folder that goes away with its files.
@@ -197,7 +197,7 @@ int32_t LoadedModule::run(const ShownDialog &dialog) const {
 }
 
 Picture LoadedModule::picture(const ShownDialog &dialog) const {
-    Picture picture{dialog, std::nullopt, load(dialog), {}, {}, {}};
+    Picture picture{dialog, std::nullopt, load(dialog), {}, {}, {}, {}};
     const auto take = [&](const host::Form &form) {
         host::Display &display = host::display();
         display.redraw();
@@ -205,8 +205,10 @@ Picture LoadedModule::picture(const ShownDialog &dialog) const {
         picture.dump = host::dump(display);
         picture.texts = textsOn(display);
         picture.findings = findingsAbout(module_, dialog, &form);
-        for (const host::Misfit &misfit : display.misfits(display.surface().area()))
+        for (const host::Misfit &misfit : display.misfits(display.surface().area())) {
             picture.findings.push_back({misfit.area, "fit", misfit.sentence()});
+            picture.cuts.push_back(misfit.cut);
+        }
     };
     if (picture.result >= 0)
         picture.result =
