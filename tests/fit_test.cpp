@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <map>
 
 using namespace uti;
 using namespace uti::tool;
@@ -43,13 +42,12 @@ Pixels pixelsOf(const Surface &surface, const Rect &area) {
 }
 
 // How many pixels of each color a text adds or covers, wherever it stands; an image may make room.
-std::map<host::Color, int> inkOf(const Pixels &with, const Pixels &without) {
-    std::map<host::Color, int> ink;
+std::vector<int> inkOf(const Pixels &with, const Pixels &without) {
+    std::vector<int> ink(1 << 16);
     for (const host::Color color : with)
         ++ink[color];
     for (const host::Color color : without)
         --ink[color];
-    std::erase_if(ink, [](const auto &each) { return each.second == 0; });
     return ink;
 }
 
