@@ -133,8 +133,10 @@ TEST_F(ToolTest, ShowsTheLineAndACaret) {
     write("src/a.toml",
           "module='a'\n[languages]\nen=0\n[strings]\r\nA = { id = 1,\ten = 'Да ₽' }");
     EXPECT_EQ(run("compile src/a.toml -o out"), 1);
-    EXPECT_EQ(err, "src/a.toml:5:24: error: U+20BD '₽' is not in windows-1251\n"
-                   "A = { id = 1,\ten = 'Да ₽' }\n             \t         ^\n");
+    EXPECT_EQ(
+        err,
+        "src/a.toml:5:24: error: U+20BD '₽' is not in windows-1251; the nearest is 'руб'\n"
+        "A = { id = 1,\ten = 'Да ₽' }\n             \t         ^\n");
     EXPECT_TRUE(fs::is_empty(folder / "out"));
 
     // One line of 30,000 mistakes, cut around each; a hundred are printed, an error before

@@ -41,8 +41,8 @@ void checkImages(const CheckedDialog &checked, Diagnostics &diagnostics) {
     const auto checkImage = [&](const std::string &name, Place place) {
         const std::string wrong = name.empty() ? "" : wrongWith(name);
         if (!wrong.empty())
-            report(diagnostics, rule::image, place, "the image ",
-                   checked.codePage().toUtf8(name), wrong);
+            report(diagnostics, rule::image, place, "the image ", checked.codePage().toUtf8(name),
+                   wrong);
     };
     const DialogTexts &texts = checked.dialog.texts;
     checkImage(texts.image, texts.place);

@@ -12,12 +12,11 @@ namespace {
 
 // Those that terminals have, of the hundreds that iconv knows.
 constexpr std::string_view usualNames[] = {
-    "windows-1250", "windows-1251", "windows-1252", "windows-1253", "windows-1254",
-    "windows-1255", "windows-1256", "windows-1257", "windows-1258", "ISO-8859-1",
-    "ISO-8859-2",   "ISO-8859-3",   "ISO-8859-4",   "ISO-8859-5",   "ISO-8859-6",
-    "ISO-8859-7",   "ISO-8859-8",   "ISO-8859-9",   "ISO-8859-10",  "ISO-8859-13",
-    "ISO-8859-14",  "ISO-8859-15",  "ISO-8859-16",  "KOI8-R",       "KOI8-U",
-    "CP437",        "CP850",        "CP852",        "CP855",        "CP857",
+    "windows-1250", "windows-1251", "windows-1252", "windows-1253", "windows-1254", "windows-1255",
+    "windows-1256", "windows-1257", "windows-1258", "ISO-8859-1",   "ISO-8859-2",   "ISO-8859-3",
+    "ISO-8859-4",   "ISO-8859-5",   "ISO-8859-6",   "ISO-8859-7",   "ISO-8859-8",   "ISO-8859-9",
+    "ISO-8859-10",  "ISO-8859-13",  "ISO-8859-14",  "ISO-8859-15",  "ISO-8859-16",  "KOI8-R",
+    "KOI8-U",       "CP437",        "CP850",        "CP852",        "CP855",        "CP857",
     "CP866",        "CP1251",       "CP1252",       "LATIN1",       "LATIN2"};
 
 } // namespace

@@ -315,8 +315,8 @@ std::string writeVariant(const Variant &variant, const std::string &name, const 
 // True when the source makes the same descriptions.
 bool makes(const std::string &dialogs, uint16_t id, const std::vector<DialogText> &texts,
            const CodePages &codePages) {
-    std::string source = concat("module = \"m\"\ncode_page = ", quote(codePages.common().name()),
-                                "\n[languages]\n");
+    std::string source =
+        concat("module = \"m\"\ncode_page = ", quote(codePages.common().name()), "\n[languages]\n");
     for (const DialogText &text : texts)
         source += writeLanguage({std::string(text.language)}, codePages) + '\n';
     Diagnostics diagnostics("", source + dialogs);

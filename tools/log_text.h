@@ -1,5 +1,5 @@
-// log_text.h: the texts of log records: put together from wording and arguments, each in a code page
-// of its own, and spelled out in UTF-8. Stands on the library's text form of a record.
+// log_text.h: the texts of log records: put together from wording and arguments, each in a code
+// page of its own, and spelled out in UTF-8. Stands on the library's text form of a record.
 #pragma once
 
 #include "Src/utiTraceArguments.h"

@@ -23,7 +23,8 @@ public:
     // the common one of the code pages. Wordings are spelled for `form`.
     LogWording(std::filesystem::path folder, std::string language, CodePages codePages, Form form)
         : folder_(std::move(folder)), language_(std::move(language)),
-          codePages_(std::move(codePages)), form_(form), spelling_(codePages_.common(), Form::line) {}
+          codePages_(std::move(codePages)), form_(form),
+          spelling_(codePages_.common(), Form::line) {}
 
     // From now on records are those of a log in this folder.
     void enter(const std::filesystem::path &logFolder);

@@ -63,9 +63,7 @@ private:
     void readTexts(TableReader &reader, const std::vector<Language> &languages, Entry &entry,
                    StringName &name);
     std::string readBytes(const toml::node &node, std::string_view name);
-    const CodePages *codePages() const {
-        return source_.codePages ? &*source_.codePages : nullptr;
-    }
+    const CodePages *codePages() const { return source_.codePages ? &*source_.codePages : nullptr; }
     const CodePage *codePage(std::string_view language) const {
         return source_.codePages ? &source_.codePages->of(language) : nullptr;
     }

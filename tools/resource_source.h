@@ -47,8 +47,8 @@ struct ResourceSource {
     std::string module;
     Place modulePlace;
     std::vector<Language> languages;
-    std::vector<StringName> names;     // in file order
-    std::vector<SourceDialog> dialogs; // in file order; an id has one for each of its languages
+    std::vector<StringName> names;      // in file order
+    std::vector<SourceDialog> dialogs;  // in file order; an id has one for each of its languages
     std::optional<CodePages> codePages; // none when one of them is wrong, which is reported
     std::map<uint8_t, std::vector<Language>> sectionLanguages; // of sections that list their own
     ResourceFile file;

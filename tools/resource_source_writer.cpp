@@ -185,10 +185,9 @@ std::string writeResourceSource(const ResourceFile &file, std::string_view modul
 
 std::string writeLanguage(const Language &language, const CodePages &codePages) {
     const std::string &name = codePages.of(language.code).name();
-    return name == codePages.common().name()
-               ? writeInfo(language)
-               : concat(language.code, " = { info = ", language.info, ", code_page = ", quote(name),
-                        " }");
+    return name == codePages.common().name() ? writeInfo(language)
+                                             : concat(language.code, " = { info = ", language.info,
+                                                      ", code_page = ", quote(name), " }");
 }
 
 } // namespace uti::tool

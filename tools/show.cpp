@@ -28,10 +28,10 @@ namespace fs = std::filesystem;
 
 struct ShowOptions {
     fs::path file;
-    std::string dialog;   // name or id; all when empty
-    std::string language; // all when empty
+    std::string dialog;                 // name or id; all when empty
+    std::string language;               // all when empty
     std::vector<std::string> codePages; // of a resource file
-    fs::path directory;   // for pictures and texts
+    fs::path directory;                 // for pictures and texts
     fs::path sheet;
     fs::path page;       // the folder of the page
     int windowScale = 0; // 0 without a window
@@ -80,7 +80,8 @@ std::optional<uint16_t> idIn(std::string_view text) {
 class Show {
 public:
     Show(const ShowOptions &options, CodePages codePages)
-        : options_(options), codePages_(std::move(codePages)), file_(fs::absolute(options.file)), watch_(file_) {
+        : options_(options), codePages_(std::move(codePages)), file_(fs::absolute(options.file)),
+          watch_(file_) {
         for (fs::path *path : {&options_.directory, &options_.sheet, &options_.page})
             if (!path->empty())
                 *path = fs::absolute(*path);
@@ -118,7 +119,8 @@ private:
 
     // Reads the file; nothing when something is wrong with it, which is told.
     std::optional<Content> read() const {
-        std::optional<ShownModule> module = readShownModule(file_, options_.file.string(), codePages_);
+        std::optional<ShownModule> module =
+            readShownModule(file_, options_.file.string(), codePages_);
         if (!module)
             return std::nullopt;
         std::vector<ShownDialog> dialogs = dialogsOf(*module);
@@ -359,8 +361,9 @@ void addShowCommand(CLI::App &app, int &result) {
     command->add_option("--dialog", options->dialog,
                         "Name or id of the dialog to show (default: all)");
     command->add_option("--lang", options->language, "Language to show (default: all)");
-    command->add_option("--code-page", options->codePages,
-                        concat("Of a resource file: ", codePageHelp))
+    command
+        ->add_option("--code-page", options->codePages,
+                     concat("Of a resource file: ", codePageHelp))
         ->allow_extra_args(false);
     CLI::Option *out = command
                            ->add_option("--out", options->directory,
@@ -383,7 +386,7 @@ void addShowCommand(CLI::App &app, int &result) {
     command->footer("Writes a picture and a text for each dialog and language.\n"
                     "Examples:\n  uti show shop.toml --dialog ENTER_PIN --out pictures\n"
                     "  uti show shop.toml --html page --watch\n");
-    command->callback([options, &result] { 
+    command->callback([options, &result] {
         if (!options->codePages.empty() && options->file.extension() == ".toml")
             throw CLI::ValidationError("--code-page", "is for resource files; a source says it");
         auto codePages = openCodePages(options->codePages);

@@ -54,7 +54,7 @@ std::string encodeText(const TomlText &text, const CodePage *codePage, Diagnosti
             const std::string_view spelled = before.substr(0, before.size() - rest.size());
             diagnostics.error(diagnostics.source().find(spelled, begin(text), end(text)),
                               describe(character), " is not in ", codePage->name(),
-                              nearestIn(*codePage, character));
+                              diagnostics.isCrowded() ? "" : nearestIn(*codePage, character));
         }
     }
     return bytes;

@@ -33,10 +33,10 @@ struct BuiltIn {
     Size cell;
     FontFile file;
 };
-constexpr BuiltIn builtIn[] = {{"6x8", {6, 8}, fixedFile},       {"12x16", {12, 16}, monoFile},
-                               {"16x24", {16, 24}, monoFile},    {"dig6x8", {6, 8}, fixedFile},
-                               {"dig12x16", {12, 16}, monoBoldFile},
-                               {"dig16x24", {16, 24}, monoBoldFile}};
+constexpr BuiltIn builtIn[] = {
+    {"6x8", {6, 8}, fixedFile},           {"12x16", {12, 16}, monoFile},
+    {"16x24", {16, 24}, monoFile},        {"dig6x8", {6, 8}, fixedFile},
+    {"dig12x16", {12, 16}, monoBoldFile}, {"dig16x24", {16, 24}, monoBoldFile}};
 constexpr int labelHeight = 14;
 
 // Where distributions put the two packages.
@@ -191,8 +191,13 @@ int Font::width(std::string_view text) {
 
 Font::Glyph &Font::glyph(char character) {
     Glyph &wanted = glyphs_[static_cast<unsigned char>(character)];
-    if (!wanted.coverage)
-        render(wanted, character);
+    if (wanted.coverage)
+        return wanted;
+    render(wanted, character);
+    uint8_t *const first = wanted.coverage.get();
+    if (ink_ == Ink::negative)
+        std::transform(first, first + wanted.width * cell_.height, first,
+                       [](uint8_t covered) { return static_cast<uint8_t>(255 - covered); });
     return wanted;
 }
 
@@ -222,9 +227,6 @@ void Font::render(Glyph &glyph, char character) {
             *out++ = static_cast<uint8_t>(coverageAt(slot->bitmap, x - left, y - top));
     if (hasUnicode && meaning == capitalIo && !FT_IS_SCALABLE(face_))
         addMissingDots(glyph);
-    if (ink_ == Ink::negative)
-        std::transform(glyph.coverage.get(), out, glyph.coverage.get(),
-                       [](uint8_t covered) { return static_cast<uint8_t>(255 - covered); });
 }
 
 // The smallest bitmap fonts draw the letter like the one without dots, below an empty row.
@@ -232,7 +234,8 @@ void Font::addMissingDots(Glyph &io) {
     const std::optional<char> like = codePage_.encode(capitalIe);
     if (!like)
         return;
-    const Glyph &ie = glyph(*like);
+    Glyph ie;
+    render(ie, *like);
     const auto count = static_cast<std::size_t>(io.width * cell_.height);
     if (io.width == ie.width &&
         std::equal(io.coverage.get(), io.coverage.get() + count, ie.coverage.get()))
@@ -312,35 +315,34 @@ std::unique_ptr<Font> Fonts::open(const std::string &name, Size cell, const Code
     return std::make_unique<Font>(face, cell, codePage, ink);
 }
 
-std::shared_ptr<Font> Fonts::openOnce(const std::string &name, Size cell, const CodePage &codePage,
-                                      Ink ink) {
-    const Key key{name, cell.width, cell.height, codePage.name(), ink};
-    if (const auto found = known_.find(key); found != known_.end())
-        return found->second;
-    std::shared_ptr<Font> font = open(name, cell, codePage, ink);
-    return font ? known_.emplace(key, std::move(font)).first->second : nullptr;
+std::shared_ptr<Font> Fonts::openOnce(const std::string &file, std::size_t slot) {
+    const Size cell = slot < std::size(builtIn) ? builtIn[slot].cell : Size{};
+    const std::optional<CodePageFont> own = codePageFontOf(file);
+    const CodePage &page = own ? *own->codePage : codePage();
+    std::shared_ptr<Font> &font = known_[{file, cell.width, cell.height, page.name()}];
+    if (!font)
+        font = open(file, cell, page);
+    if (!font && own && own->like)
+        font = open(own->like->file.name, cell.height > 0 ? cell : own->like->cell, page, own->ink);
+    return font;
 }
 
 bool Fonts::load(std::size_t slot, const std::string &path) {
     if (slot >= slots)
         return false;
-    const Size cell = slot < std::size(builtIn) ? builtIn[slot].cell : Size{};
-    const std::optional<CodePageFont> own = codePageFontOf(path);
-    std::shared_ptr<Font> font = openOnce(path, cell, own ? *own->codePage : codePage());
-    if (!font && own && own->like)
-        font = openOnce(own->like->file.name, cell.height > 0 ? cell : own->like->cell,
-                        *own->codePage, own->ink);
+    std::shared_ptr<Font> font = openOnce(path, slot);
     if (!font) {
         notice("the font " + path + " is missing, or is no font: another one stands in for it");
         return false;
     }
+    const CodePage *const before = &codePage();
     fonts_[slot] = std::move(font);
-    own ? void(files_.erase(slot)) : void(files_[slot] = path);
-
+    files_[slot] = path;
+    if (&codePage() == before)
+        return true;
     for (const auto &[other, file] : files_)
-        if (&fonts_[other]->codePage() != &codePage())
-            fonts_[other] = openOnce(file, other < std::size(builtIn) ? builtIn[other].cell : Size{},
-                                     codePage());
+        if (std::shared_ptr<Font> again = openOnce(file, other))
+            fonts_[other] = std::move(again);
     return true;
 }
 

@@ -1,6 +1,6 @@
 // fonts.h: the twelve font slots of the display, the one place that knows how large characters are.
-// Every character is a cell: as high as its font, and as wide as the pen moves on for it. A font says
-// which character a byte is. Stands on FreeType and the code pages.
+// Every character is a cell: as high as its font, and as wide as the pen moves on for it. A font
+// says which character a byte is. Stands on FreeType and the code pages.
 #pragma once
 
 #include "host/toolkit/code_page.h"
@@ -109,18 +109,17 @@ public:
     std::unique_ptr<Font> label(int height);
 
 private:
-    // A file, the cell to fill, the code page's name.
-    using Key = std::tuple<std::string, int, int, std::string, Ink>;
-
     std::unique_ptr<Font> open(const std::string &name, Size cell, const CodePage &codePage,
                                Ink ink = Ink::plain);
-    std::shared_ptr<Font> openOnce(const std::string &name, Size cell, const CodePage &codePage,
-                                   Ink ink = Ink::plain);
+    // The font of a file for a slot, in its own code page or that of slot 1; null when there is
+    // none.
+    std::shared_ptr<Font> openOnce(const std::string &file, std::size_t slot);
 
     FT_LibraryRec_ *library_ = nullptr;
     std::array<std::shared_ptr<Font>, slots> fonts_;
-    std::map<std::size_t, std::string> files_;   // of slots that go by the code page of slot 1
-    std::map<Key, std::shared_ptr<Font>> known_; // so that going back to a code page is cheap
+    std::map<std::size_t, std::string> files_; // of the slots that were loaded
+    // By file, cell and code page, so that going back to a code page is cheap.
+    std::map<std::tuple<std::string, int, int, std::string>, std::shared_ptr<Font>> known_;
     std::unique_ptr<Font> label_;
 };
 
