@@ -65,8 +65,8 @@ void checkStrings(const ResourceSource &source, Missing missing, Diagnostics &di
             const std::string_view one = stringIn(source.file, *first, string.id);
             const std::string_view other = stringIn(source.file, language.code, string.id);
             checkPlaceholders(string, one, other, *first, language.code, diagnostics);
-            const std::string text = source.codePages->of(*first).toUtf8(one);
-            if (text == source.codePages->of(language.code).toUtf8(other) && hasWord(text) &&
+            const std::string text = source.codePageOf(*first).toUtf8(one);
+            if (text == source.codePageOf(language.code).toUtf8(other) && hasWord(text) &&
                 !diagnostics.allowed().contains(rule::missing.name))
                 same[language.code].push_back({&string, first});
         }

@@ -21,7 +21,7 @@ struct CheckedDialog {
     const std::string &language;
     const char *module; // as the library has loaded it
 
-    const CodePage &codePage() const { return source.codePages->of(language); }
+    const CodePage &codePage() const { return source.codePageOf(language); }
     // The control that became the entry of that index among those of its kind; the dialog itself
     // when the source has none.
     const SourceControl &control(dialog::Tag kind, std::size_t index) const {
