@@ -102,8 +102,8 @@ int importTexts(const PoOptions &options) {
         diagnostics.print(std::cerr);
         isGood = isGood && !diagnostics.hasErrors();
         told += concat(path.string(), ": ", counted(counts.changed, "text"), " changed, ",
-                       counts.added, " new; not imported: ", counts.untranslated,
-                       " untranslated, ", counts.fuzzy, " fuzzy\n");
+                       counts.added, " new; not imported: ", counts.untranslated, " untranslated, ",
+                       counts.fuzzy, " fuzzy\n");
     }
     if (!isGood) {
         std::cerr << options.source.string() << " is left as it was\n";
@@ -144,9 +144,10 @@ void addPoCommand(CLI::App &app, FindRooms findRooms, int &result) {
         ->check([](const std::string &path) {
             return fs::exists(path) && !fs::is_directory(path) ? path + " is no folder" : "";
         });
-    out->footer("A file such as shop.ru.po that is there is brought up to date: it keeps comments,\n"
-                "fuzzy entries and its header.\n"
-                "Example:\n  uti po export shop.toml -o po\n");
+    out->footer(
+        "A file such as shop.ru.po that is there is brought up to date: it keeps comments,\n"
+        "fuzzy entries and its header.\n"
+        "Example:\n  uti po export shop.toml -o po\n");
     out->callback([=, &result] { result = exportTexts(*options, findRooms); });
 
     CLI::App *in = add("import", "Puts the translations of PO files into their source");

@@ -15,8 +15,8 @@
 
 namespace uti::tool {
 
-// The cells that there are for a text. No columns where that is not known, no lines where there are as
-// many as one likes.
+// The cells that there are for a text. No columns where that is not known, no lines where there are
+// as many as one likes.
 struct Room {
     int columns = 0;
     int lines = 0;
@@ -30,8 +30,8 @@ struct TextPlace {
 };
 std::vector<TextPlace> placesOf(DialogTexts &texts, const CodePage &codePage);
 
-// The rooms at the places of each dialog of the source, by its index and a language. Images are looked for from the folder. Null in a build without
-// the toolkit.
+// The rooms at the places of each dialog of the source, by its index and a language. Images are
+// looked for from the folder. Null in a build without the toolkit.
 using Rooms = std::map<std::pair<std::size_t, std::string>, std::vector<Room>>;
 using FindRooms = Rooms (*)(const ResourceSource &source, const std::filesystem::path &folder);
 Rooms findRooms(const ResourceSource &source, const std::filesystem::path &folder);

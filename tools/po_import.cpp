@@ -26,7 +26,10 @@ class Importer {
 public:
     Importer(const ResourceSource &source, const Diagnostics &sourceText, const PoFile &po,
              Diagnostics &diagnostics)
-        : source_(source), sourceText_(sourceText), po_(po), diagnostics_(diagnostics) {}
+        : source_(source), sourceText_(sourceText), po_(po), diagnostics_(diagnostics) {
+        for (const StringName &string : source.names)
+            strings_.emplace(string.name, &string);
+    }
 
     // The language of the file; empty when something is wrong with it.
     std::string readHeader();
@@ -55,6 +58,7 @@ private:
     const Diagnostics &sourceText_;
     const PoFile &po_;
     Diagnostics &diagnostics_;
+    std::map<std::string_view, const StringName *> strings_;
 };
 
 std::string Importer::readHeader() {
@@ -70,22 +74,25 @@ std::string Importer::readHeader() {
         return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
     });
     if (charset != "UTF-8")
-        return wrong(inHeader(key), charset.empty() ? "the header names no charset"
-                                                         : "the charset is " + charset,
-                     "; save the file in UTF-8, with \"Content-Type: text/plain; charset=UTF-8\\n\" "
-                     "in its header");
+        return wrong(
+            inHeader(key),
+            charset.empty() ? "the header names no charset" : "the charset is " + charset,
+            "; save the file in UTF-8, with \"Content-Type: text/plain; charset=UTF-8\\n\" "
+            "in its header");
 
     const Place place = inHeader("Language:");
     const std::string field = po_.field("Language");
     const std::string language = field.substr(0, field.find_first_of("_-@"));
     if (field.empty())
-        return wrong(place, "the header names no language: \"Language: ",
-                     source_.languages.back().code, "\\n\"");
+        return wrong(place,
+                     "the header names no language: \"Language: ", source_.languages.back().code,
+                     "\\n\"");
     if (std::ranges::count(source_.languages, language, &Language::code) == 0)
         return wrong(place, '"', language, "\" is not in [languages] of ", sourceText_.path());
     if (language == source_.languages.front().code)
-        return wrong(place, language, " is the language to translate from; the header must name "
-                                      "the one to translate into");
+        return wrong(place, language,
+                     " is the language to translate from; the header must name "
+                     "the one to translate into");
     return language;
 }
 
@@ -96,24 +103,26 @@ const StringName *Importer::findString(const PoEntry &entry, const std::string &
         return nullptr;
     };
     if (!entry.context)
-        return wrong(placeOf(entry, "msgid"), "an entry without msgctxt, which names the string; export again");
+        return wrong(placeOf(entry, "msgid"),
+                     "an entry without msgctxt, which names the string; export again");
     if (entry.isPlural)
-        return wrong(placeOf(entry, "msgid_plural"), "a string of a resource has no plural; export again");
-    const auto string = std::ranges::find(source_.names, *entry.context, &StringName::name);
+        return wrong(placeOf(entry, "msgid_plural"),
+                     "a string of a resource has no plural; export again");
+    const auto named = strings_.find(*entry.context);
+    const StringName *string = named == strings_.end() ? nullptr : named->second;
     const std::string &first = source_.languages.front().code;
-    const auto original =
-        string == source_.names.end() ? std::nullopt : textIn(source_, *string, first);
+    const auto original = string ? textIn(source_, *string, first) : std::nullopt;
     if (!original)
-        return wrong(placeOf(entry, "msgctxt"), '"', *entry.context, "\" is no text of ", sourceText_.path(),
-                     "; remove the entry, or export again");
+        return wrong(placeOf(entry, "msgctxt"), '"', *entry.context, "\" is no text of ",
+                     sourceText_.path(), "; remove the entry, or export again");
     if (const std::string reason = hindrance(source_, *string, language); !reason.empty())
         return wrong(placeOf(entry, "msgctxt"), *entry.context, reason,
                      "; remove the entry, or export again");
     if (*original != entry.original)
-        return wrong(placeOf(entry, "msgid"), *entry.context, " is outdated: ",
-                     sourceText_.path(), " has ", inQuotes(*original), " in ", first,
+        return wrong(placeOf(entry, "msgid"), *entry.context, " is outdated: ", sourceText_.path(),
+                     " has ", inQuotes(*original), " in ", first,
                      " now; export again and look at the translation");
-    return &*string;
+    return string;
 }
 
 bool Importer::checkText(const PoEntry &entry, const StringName &string,
@@ -127,11 +136,10 @@ bool Importer::checkText(const PoEntry &entry, const StringName &string,
             (character < U' ' && std::u32string_view(U"\n\r\t").find(character) == before.npos) ||
             character == 0x7F;
         if ((isControl || !codePage.encode(character)) && lacking.insert(character).second)
-            diagnostics_.error(inTranslation(entry, before.substr(0, before.size() - rest.size())),
-                               describe(character), isControl ? " is no character of a text"
-                                                              : " is not in ",
-                               isControl ? "" : codePage.name(),
-                               "; put another character in its place");
+            diagnostics_.error(
+                inTranslation(entry, before.substr(0, before.size() - rest.size())),
+                describe(character), isControl ? " is no character of a text" : " is not in ",
+                isControl ? "" : codePage.name(), "; put another character in its place");
     }
 
     const bool isAllowed = string.allowed.contains(rule::placeholders.name) ||

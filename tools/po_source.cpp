@@ -13,7 +13,9 @@ namespace {
 // Pieces of a text that are to be replaced, by their bytes.
 class Editor {
 public:
-    explicit Editor(const SourceText &source) : source_(source) {}
+    explicit Editor(const SourceText &source)
+        : source_(source),
+          lineEnd_(source.text().find("\r\n") == std::string::npos ? "\n" : "\r\n") {}
 
     std::size_t offsetOf(Place place) const {
         return static_cast<std::size_t>(source_.lineFrom(place.line, place.column).data() -
@@ -23,10 +25,7 @@ public:
         const std::size_t feed = std::min(source_.text().find('\n', offset), source_.text().size());
         return feed - (feed > 0 && source_.text()[feed - 1] == '\r' ? 1 : 0);
     }
-    // What ends the lines of the text.
-    std::string_view lineEnd() const {
-        return source_.text().find("\r\n") == std::string::npos ? "\n" : "\r\n";
-    }
+    std::string_view lineEnd() const { return lineEnd_; }
     std::string_view text() const { return source_.text(); }
 
     void replace(std::size_t from, std::size_t to, std::string text) {
@@ -51,6 +50,7 @@ private:
     };
 
     const SourceText &source_;
+    const std::string_view lineEnd_;
     std::vector<Edit> edits_;
 };
 
@@ -148,8 +148,9 @@ void Placer::put(const Translation &translation) {
             return insertBehind(direct, strings_.is_inline() || table.is_inline(),
                                 isId ? "text.id" : code, text);
         if (inside.node)
-            return insertBehind(
-                inside, strings_.is_inline() || table.is_inline() || inner->is_inline(), code, text);
+            return insertBehind(inside,
+                                strings_.is_inline() || table.is_inline() || inner->is_inline(),
+                                code, text);
     }
 }
 
@@ -163,12 +164,11 @@ void Placer::insertBehind(const Found &anchor, bool isInline, const std::string 
     const std::string_view prefix = editor_.text().substr(from, at - from);
     const std::size_t value = editor_.offsetOf(begin(*anchor.node));
     const std::size_t behind = editor_.offsetOf(end(*anchor.node));
-    const std::string spelled = respelled(editor_.text().substr(value, behind - value), text,
-                                          editor_.lineEnd());
+    const std::string spelled =
+        respelled(editor_.text().substr(value, behind - value), text, editor_.lineEnd());
     if (isInline) {
         const std::size_t blanks = std::min(prefix.find_first_not_of(" \t"), prefix.size());
-        editor_.replace(behind, behind,
-                        concat(", ", prefix.substr(blanks), key, " = ", spelled));
+        editor_.replace(behind, behind, concat(", ", prefix.substr(blanks), key, " = ", spelled));
     } else {
         const std::size_t end = editor_.endOfLine(behind);
         editor_.replace(end, end, concat(editor_.lineEnd(), prefix, key, " = ", spelled));

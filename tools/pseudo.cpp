@@ -7,23 +7,23 @@ namespace uti::tool {
 
 namespace {
 
-// A letter and what looks like it with an accent, the best first; the Cyrillic ones serve code pages
-// without accents.
+// A letter and what looks like it with an accent, the best first; the Cyrillic ones serve code
+// pages without accents.
 struct Accents {
     char letter;
     std::u32string_view forms;
 };
 
 constexpr Accents accents[] = {
-    {'A', U"ÅÁÄÂÀÃĂĄĀΆ"}, {'C', U"ÇČĆĈ"},     {'D', U"ĎĐÐ"},        {'E', U"ÉÊËÈĘĚĒЁΈ"},
-    {'G', U"ĜĞĢĠ"},       {'H', U"ĤĦΉ"},      {'I', U"ÎÍÏÌİĪЇΊ"},   {'J', U"Ĵ"},
-    {'K', U"ĶЌ"},         {'L', U"ŁĽĹĻ"},     {'N', U"ÑŇŃŅ"},       {'O', U"ÖÓÔÒÕØŐŌΌ"},
-    {'R', U"ŘŔŖ"},        {'S', U"ŠŚŞŜ"},     {'T', U"ŤŢŦ"},        {'U', U"ÜÚÛÙŮŰŪ"},
-    {'Y', U"ÝŸЎΎ"},       {'Z', U"ŽŹŻ"},      {'a', U"åáäâàãăąāά"},  {'c', U"çčćĉ"},
-    {'d', U"ďđð"},        {'e', U"éêëèęěēё"}, {'g', U"ĝğģġ"},       {'h', U"ĥħћ"},
-    {'i', U"îíïìīїί"},    {'j', U"ĵ"},        {'k', U"ķќ"},         {'l', U"łľĺļ"},
-    {'n', U"ñňńņ"},       {'o', U"öóôòõøőōό"}, {'r', U"řŕŗ"},       {'s', U"šśşŝ"},
-    {'t', U"ťţŧ"},        {'u', U"üúûùůűūύ"}, {'y', U"ýÿў"},        {'z', U"žźż"},
+    {'A', U"ÅÁÄÂÀÃĂĄĀΆ"}, {'C', U"ÇČĆĈ"},      {'D', U"ĎĐÐ"},        {'E', U"ÉÊËÈĘĚĒЁΈ"},
+    {'G', U"ĜĞĢĠ"},       {'H', U"ĤĦΉ"},       {'I', U"ÎÍÏÌİĪЇΊ"},   {'J', U"Ĵ"},
+    {'K', U"ĶЌ"},         {'L', U"ŁĽĹĻ"},      {'N', U"ÑŇŃŅ"},       {'O', U"ÖÓÔÒÕØŐŌΌ"},
+    {'R', U"ŘŔŖ"},        {'S', U"ŠŚŞŜ"},      {'T', U"ŤŢŦ"},        {'U', U"ÜÚÛÙŮŰŪ"},
+    {'Y', U"ÝŸЎΎ"},       {'Z', U"ŽŹŻ"},       {'a', U"åáäâàãăąāά"}, {'c', U"çčćĉ"},
+    {'d', U"ďđð"},        {'e', U"éêëèęěēё"},  {'g', U"ĝğģġ"},       {'h', U"ĥħћ"},
+    {'i', U"îíïìīїί"},    {'j', U"ĵ"},         {'k', U"ķќ"},         {'l', U"łľĺļ"},
+    {'n', U"ñňńņ"},       {'o', U"öóôòõøőōό"}, {'r', U"řŕŗ"},        {'s', U"šśşŝ"},
+    {'t', U"ťţŧ"},        {'u', U"üúûùůűūύ"},  {'y', U"ýÿў"},        {'z', U"žźż"},
 };
 
 char32_t accented(char32_t letter, const CodePage &codePage) {
@@ -111,7 +111,8 @@ void addPseudoLanguage(ResourceSource &source, const std::string &code, Diagnost
         std::vector<const LanguageTable *> models;
         for (const LanguageTable &table : tables)
             models.push_back(&table);
-        std::ranges::stable_sort(models, {}, [&](const LanguageTable *each) { return rank(*each); });
+        std::ranges::stable_sort(models, {},
+                                 [&](const LanguageTable *each) { return rank(*each); });
 
         LanguageTable pseudo{models.front()->language, {}};
         pseudo.language.code = code;
@@ -137,8 +138,8 @@ void addPseudoLanguage(ResourceSource &source, const std::string &code, Diagnost
         }
         tables.push_back(std::move(pseudo));
         if (const auto index = firstBeyondLimit(tables.back().strings, indexSize(tables))) {
-            const auto place = std::ranges::find(source.names, stringId(section, *index),
-                                                 &StringName::id)->place;
+            const auto place =
+                std::ranges::find(source.names, stringId(section, *index), &StringName::id)->place;
             diagnostics.error(place, "the table of section ", +section, " in ", code,
                               " ends here: it holds 65536 bytes with its index");
         }
