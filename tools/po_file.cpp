@@ -4,6 +4,7 @@
 #include "tools/files.h"
 
 #include <cstdlib>
+#include <fstream>
 #include <limits>
 #include <memory>
 #include <stdexcept>
@@ -19,13 +20,11 @@ namespace {
 // A file that has a name as long as the object lives.
 class MemoryFile {
 public:
-    explicit MemoryFile(std::string_view bytes) : file_(memfd_create("po", MFD_CLOEXEC)) {
-        while (!bytes.empty()) {
-            const ssize_t count = ::write(file_, bytes.data(), bytes.size());
-            if (count <= 0)
-                throw std::runtime_error("no memory for a PO file");
-            bytes.remove_prefix(static_cast<std::size_t>(count));
-        }
+    MemoryFile() : file_(memfd_create("po", MFD_CLOEXEC)) {}
+    explicit MemoryFile(std::string_view bytes) : MemoryFile() {
+        std::ofstream file(path(), std::ios::binary);
+        if (!file.write(bytes.data(), static_cast<std::streamsize>(bytes.size())).flush())
+            throw std::runtime_error("there is no memory for a PO file");
     }
     ~MemoryFile() { close(file_); }
     MemoryFile(const MemoryFile &) = delete;
@@ -152,7 +151,9 @@ PoFile readPo(Diagnostics &diagnostics) {
     const File file(po_file_read(memory.path().c_str(), &handler), po_file_free);
     listener = nullptr;
     PoFile po;
-    if (!file || diagnostics.hasErrors())
+    if (!file)
+        throw std::runtime_error("gettext cannot read " + diagnostics.path());
+    if (diagnostics.hasErrors())
         return po;
 
     po.header = textOf(po_file_domain_header(file.get(), nullptr));
@@ -174,7 +175,7 @@ PoFile readPo(Diagnostics &diagnostics) {
 }
 
 std::string writePo(const PoFile &po) {
-    const MemoryFile memory("");
+    const MemoryFile memory;
     const File file(po_file_create(), po_file_free);
     {
         const Iterator end(po_message_iterator(file.get(), nullptr), po_message_iterator_free);
