@@ -59,6 +59,38 @@ bool isFileName(std::string_view text) {
     return text.find_first_of(" \n") == text.npos && (hasEnding || text.find('/') != text.npos);
 }
 
+// The table of the language in a section. A string is that of the first language which has it.
+LanguageTable pseudoTable(const ResourceSource &source, uint8_t section,
+                          const std::vector<LanguageTable> &tables, const Language &language) {
+    std::vector<const LanguageTable *> models;
+    for (const Language &each : source.languages)
+        for (const LanguageTable &table : tables)
+            if (table.language.code == each.code)
+                models.push_back(&table);
+
+    LanguageTable pseudo{models.front()->language, {}};
+    pseudo.language.code = language.code;
+    const CodePage &codePage = source.codePageOf(source.languages.front().code);
+    for (const LanguageTable *model : models)
+        pseudo.strings.insert(model->strings.begin(), model->strings.end());
+    for (const StringName &string : source.names) {
+        const auto model = std::ranges::find_if(models, [&](const LanguageTable *table) {
+            return table->strings.contains(indexOf(string.id));
+        });
+        if (sectionOf(string.id) != section || model == models.end() ||
+            !string.texts.contains((*model)->language.code))
+            continue;
+        std::string &bytes = pseudo.strings[indexOf(string.id)];
+        std::string text = source.codePageOf((*model)->language.code).toUtf8(bytes);
+        if (!isFileName(text))
+            text = pseudoText(text, codePage);
+        bytes.clear();
+        for (std::string_view rest = text; !rest.empty();)
+            bytes += codePage.encode(takeCharacter(rest)).value_or('?');
+    }
+    return pseudo;
+}
+
 } // namespace
 
 std::string pseudoText(std::string_view text, const CodePage &codePage) {
@@ -103,40 +135,11 @@ void addPseudoLanguage(ResourceSource &source, const std::string &code, Diagnost
         return;
     }
 
-    const std::vector<Language> others = source.languages;
-    const auto rank = [&](const LanguageTable &table) {
-        return std::ranges::find(others, table.language.code, &Language::code) - others.begin();
-    };
+    const std::string first = source.languages.front().code;
+    Language language = source.languages.front();
+    language.code = code;
     for (auto &[section, tables] : source.file.sections) {
-        std::vector<const LanguageTable *> models;
-        for (const LanguageTable &table : tables)
-            models.push_back(&table);
-        std::ranges::stable_sort(models, {},
-                                 [&](const LanguageTable *each) { return rank(*each); });
-
-        LanguageTable pseudo{models.front()->language, {}};
-        pseudo.language.code = code;
-        for (const LanguageTable *model : models)
-            pseudo.strings.insert(model->strings.begin(), model->strings.end());
-        for (const StringName &string : source.names) {
-            const auto isModel = [&](const LanguageTable *table) {
-                return table->strings.contains(indexOf(string.id));
-            };
-            const auto model = std::ranges::find_if(models, isModel);
-            if (sectionOf(string.id) != section || model == models.end() ||
-                !string.texts.contains((*model)->language.code))
-                continue;
-            std::string &bytes = pseudo.strings[indexOf(string.id)];
-            const CodePage &codePage = source.codePageOf((*model)->language.code);
-            const std::string text = codePage.toUtf8(bytes);
-            if (isFileName(text))
-                continue;
-            const std::string made = pseudoText(text, codePage);
-            bytes.clear();
-            for (std::string_view rest = made; !rest.empty();)
-                bytes += codePage.encode(takeCharacter(rest)).value_or('?');
-        }
-        tables.push_back(std::move(pseudo));
+        tables.push_back(pseudoTable(source, section, tables, language));
         if (const auto index = firstBeyondLimit(tables.back().strings, indexSize(tables))) {
             const auto place =
                 std::ranges::find(source.names, stringId(section, *index), &StringName::id)->place;
@@ -144,11 +147,9 @@ void addPseudoLanguage(ResourceSource &source, const std::string &code, Diagnost
                               " ends here: it holds 65536 bytes with its index");
         }
     }
-    Language language = source.languages.front();
-    language.code = code;
     source.languages.push_back(language);
     for (SourceDialog &dialog : source.dialogs)
-        if (std::ranges::count(dialog.languages, source.languages.front().code) > 0)
+        if (std::ranges::count(dialog.languages, first) > 0)
             dialog.languages.push_back(code);
 }
 
