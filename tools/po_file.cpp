@@ -156,13 +156,14 @@ PoFile readPo(Diagnostics &diagnostics) {
     if (diagnostics.hasErrors())
         return po;
 
-    po.header = textOf(po_file_domain_header(file.get(), nullptr));
     for (const char *const *domain = po_file_domains(file.get()); *domain; ++domain) {
         const Iterator all(po_message_iterator(file.get(), *domain), po_message_iterator_free);
         while (po_message_t message = po_next_message(all.get())) {
             PoEntry entry = entryOf(message);
-            if (!entry.context && entry.original.empty())
+            if (!entry.context && entry.original.empty()) {
+                po.header = entry.translation;
                 continue;
+            }
             entry.begin = po.entries.empty() ? Place{1, 1} : po.entries.back().place;
             entry.place = {lineOf(message, all.get()), 1};
             entry.end = {diagnostics.source().lineCount() + 1, 1};
