@@ -161,7 +161,8 @@ PoFile readPo(Diagnostics &diagnostics) {
         while (po_message_t message = po_next_message(all.get())) {
             PoEntry entry = entryOf(message);
             if (!entry.context && entry.original.empty()) {
-                po.header = entry.translation;
+                if (!entry.isObsolete)
+                    po.header = entry.translation;
                 continue;
             }
             entry.begin = po.entries.empty() ? Place{1, 1} : po.entries.back().place;
