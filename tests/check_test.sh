@@ -37,6 +37,11 @@ printf 'module = "\xcf\xf0\xe8\xe2\xe5\xf2"\n' >cp.toml
 printf 'module = "m"\n' | iconv -t UTF-16 >wide.toml
 "$uti" check cp.toml >>seen 2>&1 || true
 "$uti" check wide.toml >>seen 2>&1 || true
+for line in 'check --foramt json m.toml' 'compile m.toml -x' 'chekc m.toml'; do
+  "$uti" $line >>seen 2>&1 || echo "exit $?" >>seen
+done
+"$uti" compile "$sources/tests/fit.toml" -o . --header fit.h
+grep -A1 '/\*\*' fit.h >>seen
 [ -z "${UTI_GOLDEN_UPDATE:-}" ] || cp seen "$golden"
 diff -u "$golden" seen || failed=1
 

@@ -117,8 +117,11 @@ std::string makeHeader(const fs::path &path, const std::vector<Unit> &units) {
         if (source.names.empty())
             continue;
         text += "enum {\n";
-        for (const StringName &string : source.names)
+        for (const StringName &string : source.names) {
+            const std::string comment = textsComment(source, string, identifier(unit, ""));
+            text += comment.empty() ? "" : "    " + comment;
             text += concat("    ", identifier(unit, string.name), " = ", Hex{string.id, 4}, ",\n");
+        }
         text += "};\n";
     }
     return text + "\n#endif\n";

@@ -80,13 +80,58 @@ Placeholders placeholdersOf(const ResourceFile &file, uint16_t id) {
     return all;
 }
 
+// The texts of a choice: constants, or what the source says itself.
+std::string spelled(const TextChoice &choice, const ResourceSource &source,
+                    std::string_view prefix) {
+    std::string all;
+    for (const NamedText &text : choice) {
+        const auto name = std::ranges::find(source.names, text.string, &StringName::id);
+        all += all.empty() ? "" : " or ";
+        all += name != source.names.end() ? concat(prefix, name->name) : '"' + text.literal + '"';
+    }
+    return all;
+}
+
 } // namespace
+
+std::string textsComment(const ResourceSource &source, const StringName &name,
+                         std::string_view prefix) {
+    const auto dialog = std::ranges::find_if(source.dialogs, [&](const SourceDialog &each) {
+        return each.id == name.id && each.texts.areNamed();
+    });
+    if (dialog == source.dialogs.end())
+        return "";
+    std::string all;
+    const auto add = [&](std::string_view what, const TextChoice &choice) {
+        if (!choice.empty())
+            all += concat(all.empty() ? "" : "; ", what, spelled(choice, source, prefix));
+    };
+    const auto addAll = [&](std::string_view what, const std::vector<TextChoice> &choices) {
+        for (const TextChoice &choice : choices)
+            all += concat(&choice != &choices[0] ? ", "
+                          : all.empty()          ? ""
+                                                 : "; ",
+                          &choice != &choices[0] ? "" : what, spelled(choice, source, prefix));
+    };
+    add("caption ", dialog->texts.caption);
+    add("text ", dialog->texts.text);
+    for (const auto &[label, choice] : dialog->texts.labels)
+        add(concat("label \"", source.codePage->toUtf8(label), "\" "), choice);
+    addAll("buttons ", dialog->texts.buttons);
+    addAll("items ", dialog->texts.items);
+    for (const std::string_view mark : {"*/", "/*"}) // would end the comment, or begin another one
+        for (std::size_t at; (at = all.find(mark)) != all.npos;)
+            all.insert(at + 1, 1, ' ');
+    std::ranges::replace(all, '\n', ' ');
+    return all.empty() ? "" : "/** " + all + " */\n";
+}
 
 std::string writeCppConstants(const ResourceSource &source, std::string_view prefix) {
     std::string text =
         concat("inline constexpr char ", prefix, "MODULE[] = \"", source.module, "\";\n");
     for (const StringName &string : source.names) {
         const Placeholders takes = placeholdersOf(source.file, string.id);
+        text += textsComment(source, string, prefix);
         text += concat("inline constexpr uti::Message<", Hex{string.id, 4});
         const std::string conversions = takes.differ ? "!" : takes.conversions;
         if (takes.arguments > 0 || !conversions.empty())

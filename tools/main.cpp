@@ -10,8 +10,36 @@
 #include <exception>
 #include <iostream>
 
+namespace {
+
+using namespace uti::tool;
+
+// Says what of the command line its command does not know; false when it knows all of it.
+bool refuses(const CLI::App &app) {
+    const std::vector<std::string> left = app.remaining(true);
+    if (left.empty())
+        return false;
+    const CLI::App *command = &app;
+    while (!command->get_subcommands().empty())
+        command = command->get_subcommands().front();
+    const std::string word = left.front().substr(0, left.front().find('='));
+    std::cerr << "uti: " << commandPath(*command, " ");
+    if (!word.starts_with('-')) {
+        std::cerr << " does not take \"" << word << "\" as well\n";
+        return true;
+    }
+    std::vector<std::string> names;
+    for (const CLI::Option *option : toldOptions(*command, false))
+        for (const std::string &name : option->get_lnames())
+            names.push_back("--" + name);
+    const std::vector<std::string_view> known(names.begin(), names.end());
+    std::cerr << " has no option \"" << word << '"' << hint(word, known) << '\n';
+    return true;
+}
+
+} // namespace
+
 int main(int argc, char **argv) try {
-    using namespace uti::tool;
 
     CLI::App app("Makes and reads the files of the uti library.", "uti");
     app.set_version_flag("--version", UTI_VERSION);
@@ -59,6 +87,8 @@ int main(int argc, char **argv) try {
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError &error) {
+        if (error.get_exit_code() != 0 && refuses(app))
+            return exitUsage;
         return app.exit(error) == 0 ? exitDone : exitUsage;
     }
     return result;

@@ -164,16 +164,19 @@ bool hasStrayCharacter(Diagnostics &diagnostics) {
 // Longer words are no slips of the hand.
 constexpr std::size_t longestHinted = 64;
 
-// How many characters must be inserted, removed or replaced to turn one word into the other.
+// How many characters must be inserted, removed, replaced or swapped with the next one to turn one
+// word into the other.
 std::size_t distance(std::string_view from, std::string_view to) {
-    std::vector<std::size_t> row(to.size() + 1);
+    std::vector<std::size_t> last, row(to.size() + 1);
     std::iota(row.begin(), row.end(), std::size_t{0});
     for (std::size_t i = 0; i < from.size(); ++i) {
-        std::size_t diagonal = row[0]++;
+        const std::vector<std::size_t> before = std::exchange(last, row);
+        row[0] = i + 1;
         for (std::size_t j = 0; j < to.size(); ++j) {
-            const std::size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
-            diagonal = row[j + 1];
-            row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
+            row[j + 1] =
+                std::min({last[j] + (from[i] == to[j] ? 0 : 1), last[j + 1] + 1, row[j] + 1});
+            if (i > 0 && j > 0 && from[i] == to[j - 1] && from[i - 1] == to[j])
+                row[j + 1] = std::min(row[j + 1], before[j - 1] + 1);
         }
     }
     return row.back();
