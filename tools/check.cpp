@@ -205,19 +205,18 @@ void checkColors(const CheckedDialog &checked, Diagnostics &diagnostics) {
             report(diagnostics, rule::contrast, control.at("colors"), "the ", which, " text has ",
                    apart == 0 ? "" : "nearly ", "the color of its background");
     };
-    forEachControl(
-        checked.dialog, [&](dialog::Tag kind, const SourceControl &control, const auto &entry) {
-            const ColorSet &colors = entry.colors;
-            const bool takesFocus = kind != dialog::tagStaticText && kind != dialog::tagLabel;
-            checkPair(control, colors.passiveForeground, colors.passiveBackground, "passive");
-            if (takesFocus)
-                checkPair(control, colors.activeForeground, colors.activeBackground, "active");
-            // A progress bar is filled with the active background.
-            if (kind == dialog::tagProgressBar &&
-                distance(colors.activeBackground, colors.passiveBackground) < nearColors)
-                report(diagnostics, rule::contrast, control.at("colors"),
-                       "the bar, of the active background, is not to be seen on the passive one");
-        });
+    forEachControl(checked, [&](dialog::Tag kind, const SourceControl &control, const auto &entry) {
+        const ColorSet &colors = entry.colors;
+        const bool takesFocus = kind != dialog::tagStaticText && kind != dialog::tagLabel;
+        checkPair(control, colors.passiveForeground, colors.passiveBackground, "passive");
+        if (takesFocus)
+            checkPair(control, colors.activeForeground, colors.activeBackground, "active");
+        // A progress bar is filled with the active background.
+        if (kind == dialog::tagProgressBar &&
+            distance(colors.activeBackground, colors.passiveBackground) < nearColors)
+            report(diagnostics, rule::contrast, control.at("colors"),
+                   "the bar, of the active background, is not to be seen on the passive one");
+    });
 }
 
 struct Placed {
@@ -228,10 +227,9 @@ struct Placed {
 
 void checkOverlaps(const CheckedDialog &checked, Diagnostics &diagnostics) {
     std::vector<Placed> all;
-    forEachControl(checked.dialog,
-                   [&](dialog::Tag kind, const SourceControl &control, const auto &entry) {
-                       all.push_back({entry.area, &control, kind == dialog::tagStaticText});
-                   });
+    forEachControl(checked, [&](dialog::Tag kind, const SourceControl &control, const auto &entry) {
+        all.push_back({entry.area, &control, kind == dialog::tagStaticText});
+    });
 
     const auto cover = [](const Rectangle &one, const Rectangle &other) {
         return std::max(one.left, other.left) < std::min(one.right, other.right) &&
@@ -257,10 +255,9 @@ void checkFonts(const CheckedDialog &checked, Diagnostics &diagnostics) {
                    checked.codePage().toUtf8(name),
                    "\" gives no font: there is no such file, or six others are in use");
     };
-    forEachControl(checked.dialog,
-                   [&](dialog::Tag, const SourceControl &control, const auto &entry) {
-                       checkFont(control, entry.fontName, entry.font);
-                   });
+    forEachControl(checked, [&](dialog::Tag, const SourceControl &control, const auto &entry) {
+        checkFont(control, entry.fontName, entry.font);
+    });
     if (currentGraphicCaptionParameters.count > 0)
         checkFont(checked.control(dialog::tagCaption, 0), currentGraphicCaptionParameters.fontName,
                   currentGraphicCaptionParameters.font);

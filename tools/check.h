@@ -48,6 +48,11 @@ void forEachControl(const SourceDialog &source, Visit visit) {
     visitAll(dialog::tagMenu, currentGraphicMenuParameters);
 }
 
+template <class Visit>
+void forEachControl(const CheckedDialog &checked, Visit visit) {
+    forEachControl(checked.dialog, visit);
+}
+
 // Judges a source that was read without errors. Images are looked for from `folder`. Without rules
 // for forms what they would find is left out.
 void check(const ResourceSource &source, const std::filesystem::path &folder, FormRules formRules,

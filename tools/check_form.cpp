@@ -47,27 +47,26 @@ void checkImages(const CheckedDialog &checked, Diagnostics &diagnostics) {
     const DialogTexts &texts = checked.dialog.texts;
     checkImage(texts.image, texts.place);
     std::size_t index = 0;
-    forEachControl(
-        checked.dialog, [&](dialog::Tag, const SourceControl &control, const auto &entry) {
-            using Entry = std::decay_t<decltype(entry)>;
-            if constexpr (std::is_same_v<Entry, GraphicStaticTextEntry>) {
+    forEachControl(checked, [&](dialog::Tag, const SourceControl &control, const auto &entry) {
+        using Entry = std::decay_t<decltype(entry)>;
+        if constexpr (std::is_same_v<Entry, GraphicStaticTextEntry>) {
+            checkImage(entry.image, control.at("image"));
+        } else if constexpr (std::is_same_v<Entry, GraphicButtonEntry>) {
+            const std::size_t at = index++;
+            checkImage(entry.activeBackImage, control.at("active_back_image"));
+            checkImage(entry.passiveBackImage, control.at("passive_back_image"));
+            if (at < texts.suffixes.size())
+                checkImage(entry.image + texts.suffixes[at], control.at("image"));
+            else if (currentDialogType != DIALOG_CONFIRMATION || texts.areNamed() ||
+                     !isStem(entry.image))
                 checkImage(entry.image, control.at("image"));
-            } else if constexpr (std::is_same_v<Entry, GraphicButtonEntry>) {
-                const std::size_t at = index++;
-                checkImage(entry.activeBackImage, control.at("active_back_image"));
-                checkImage(entry.passiveBackImage, control.at("passive_back_image"));
-                if (at < texts.suffixes.size())
-                    checkImage(entry.image + texts.suffixes[at], control.at("image"));
-                else if (currentDialogType != DIALOG_CONFIRMATION || texts.areNamed() ||
-                         !isStem(entry.image))
-                    checkImage(entry.image, control.at("image"));
-            } else if constexpr (std::is_same_v<Entry, GraphicMenuEntry>) {
-                const std::size_t count =
-                    std::min<std::size_t>(entry.elementCount, DIALOG_MENU_ELEMENTS);
-                for (const GraphicMenuElement &element : std::span(entry.elements, count))
-                    checkImage(element.image, control.at("elements"));
-            }
-        });
+        } else if constexpr (std::is_same_v<Entry, GraphicMenuEntry>) {
+            const std::size_t count =
+                std::min<std::size_t>(entry.elementCount, DIALOG_MENU_ELEMENTS);
+            for (const GraphicMenuElement &element : std::span(entry.elements, count))
+                checkImage(element.image, control.at("elements"));
+        }
+    });
 }
 
 // --- forms
@@ -75,11 +74,10 @@ void checkImages(const CheckedDialog &checked, Diagnostics &diagnostics) {
 // The control of a widget; null for one that the library adds.
 const SourceControl *controlOf(const CheckedDialog &checked, const host::Widget &widget) {
     const SourceControl *found = nullptr;
-    forEachControl(checked.dialog,
-                   [&](dialog::Tag, const SourceControl &control, const auto &entry) {
-                       if (static_cast<int32_t>(entry.handle) == widget.handle)
-                           found = &control;
-                   });
+    forEachControl(checked, [&](dialog::Tag, const SourceControl &control, const auto &entry) {
+        if (static_cast<int32_t>(entry.handle) == widget.handle)
+            found = &control;
+    });
     return found;
 }
 
@@ -122,8 +120,7 @@ void checkPlaces(const CheckedDialog &checked, const host::Form &form, Diagnosti
 // The library leaves out a control that the toolkit refuses, and all behind it.
 void reportLost(const CheckedDialog &checked, Diagnostics &diagnostics) {
     bool isFound = false;
-    forEachControl(checked.dialog, [&](dialog::Tag, const SourceControl &control,
-                                       const auto &entry) {
+    forEachControl(checked, [&](dialog::Tag, const SourceControl &control, const auto &entry) {
         if (static_cast<int32_t>(entry.handle) <= 0 && !std::exchange(isFound, true))
             diagnostics.error(control.place, "the toolkit cannot make this control; it and those "
                                              "behind it are left out");

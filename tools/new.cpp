@@ -75,7 +75,7 @@ int makeApplication(const std::string &name) {
     try {
         fs::create_directories(test);
         for (const NewFile &file : newFiles) {
-            const std::string text = replaced(replaced(file.text, "hello", name), "HELLO", upper);
+            const std::string text = replaced(replaced(file.text, "HELLO", upper), "hello", name);
             const std::string path = replaced(file.name, "hello", name);
             writeFile((path.ends_with(".script") ? test : folder) / path, text);
         }

@@ -4,8 +4,6 @@
 
 #include "host/toolkit/image.h"
 
-#include <optional>
-
 namespace uti::host {
 
 // The pixels in which the display is not like its golden picture.
@@ -14,7 +12,7 @@ struct Difference {
     Rect box; // around all of them
 };
 
-// Nothing when the two are the same, or of different sizes.
+// Of the part that both have, when they are of different sizes.
 Difference differenceOf(const Image &golden, const Surface &display);
 
 // Side by side the golden picture, the display, and the display faded with the pixels that differ

@@ -40,7 +40,7 @@ std::vector<std::string_view> linesOf(std::string_view text, Font &font, int wid
         more = feed != std::string_view::npos;
         text.remove_prefix(more ? feed + 1 : text.size());
 
-        const bool isBlank = line.empty();
+        const bool isEmpty = line.empty();
         for (std::size_t fitting;
              wrap == Wrap::atWords && (fitting = countFitting(line, font, width)) < line.size();) {
             const std::size_t space = line.rfind(' ', fitting);
@@ -48,7 +48,7 @@ std::vector<std::string_view> linesOf(std::string_view text, Font &font, int wid
             lines.push_back(line.substr(0, atSpace ? space : fitting));
             line.remove_prefix(atSpace ? space + 1 : fitting);
         }
-        if (isBlank || !line.empty()) // a blank at the end of a full line makes no further one
+        if (isEmpty || !line.empty()) // a blank at the end of a full line makes no further one
             lines.push_back(line);
     }
     return lines;
