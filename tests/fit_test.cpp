@@ -25,9 +25,13 @@ using Ink = std::map<host::Color, int>;
 
 void count(const Surface &surface, const Rect &area, Ink &ink, int by) {
     for (int y = area.y; y < area.bottom(); ++y)
-        for (int x = area.x; x < area.right(); ++x)
-            if ((ink[surface.row(y)[x]] += by) == 0)
-                ink.erase(surface.row(y)[x]);
+        for (int x = area.x, first = x; x < area.right(); first = x) {
+            const host::Color color = surface.row(y)[x];
+            while (x < area.right() && surface.row(y)[x] == color)
+                ++x;
+            if ((ink[color] += by * (x - first)) == 0)
+                ink.erase(color);
+        }
 }
 
 template <class Draw>
@@ -88,6 +92,8 @@ std::vector<NamedText *> textsOf(DialogTexts &texts) {
 // Lengthens one text of a dialog until it is cut.
 void lengthen(const ResourceSource &source, SourceDialog dialog, std::size_t which,
               const std::string &language) {
+    const CodePage &codePage = source.codePageOf(language);
+    host::display().stage().fonts.use(codePage.name());
     const auto load = [&] {
         Resource_SetLanguage(language.c_str());
         Dialogs_ResetControls();
@@ -96,7 +102,7 @@ void lengthen(const ResourceSource &source, SourceDialog dialog, std::size_t whi
     const auto look = [&](const DialogTexts &texts, int by, Seen &seen) {
         load();
         lookAtDialog(LibraryAnswers::module, dialog.id,
-                     resolveTexts(texts, source.file, *source.codePage, language),
+                     resolveTexts(texts, source.file, codePage, language),
                      [&](const host::Form &form) { seen.look(form, by); });
     };
     DialogTexts blank = dialog.texts;
@@ -106,8 +112,7 @@ void lengthen(const ResourceSource &source, SourceDialog dialog, std::size_t whi
     look(blank, -1, without);
 
     NamedText &text = *textsOf(dialog.texts)[which];
-    std::string longer =
-        source.codePage->toUtf8(resolveText(text, source.file, *source.codePage, language));
+    std::string longer = codePage.toUtf8(resolveText(text, source.file, codePage, language));
     for (int step = 0; step < 120; ++step) {
         text = {std::nullopt, longer, {}, {}};
         Seen seen = without;
