@@ -152,9 +152,9 @@ std::vector<ShownDialog> dialogsOf(const ShownModule &module) {
                 const uint16_t id = stringId(section, index);
                 if (!isDialog(bytes))
                     continue;
-                const auto source =
-                    std::ranges::find_if(module.dialogs, [&](const SourceDialog &each) {
-                        return each.id == id && std::ranges::count(each.languages, language.code);
+                const auto source = std::ranges::find_if(
+                    module.dialogs, [&, &code = language.code](const SourceDialog &each) {
+                        return each.id == id && std::ranges::count(each.languages, code);
                     });
                 const SourceDialog *known = source == module.dialogs.end() ? nullptr : &*source;
                 const std::size_t variants = known ? variantsOf(known->texts) : 1;
