@@ -1,5 +1,5 @@
-// INI files against a plain model: set, get, remove, forget and read again, written as prescribed or
-// safely; the file on disk is at every moment what the model would write.
+// INI files against a plain model: set, get, remove, forget and read again, written as prescribed
+// or safely; the file on disk is at every moment what the model would write.
 #include "fuzz/terminal.h"
 
 #include "terminal.h"

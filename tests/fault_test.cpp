@@ -417,6 +417,7 @@ TEST_F(Faults, EveryFaultOfEveryScenario) {
             EXPECT_EQ(runClean(), clean);
         });
         EXPECT_GE(faults, row.floor);
+        forget();
     }
 }
 
