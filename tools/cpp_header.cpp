@@ -116,7 +116,7 @@ std::string textsComment(const ResourceSource &source, const StringName &name,
     add("caption ", dialog->texts.caption);
     add("text ", dialog->texts.text);
     for (const auto &[label, choice] : dialog->texts.labels)
-        add(concat("label \"", source.codePage->toUtf8(label), "\" "), choice);
+        add(concat("label \"", label, "\" "), choice);
     addAll("buttons ", dialog->texts.buttons);
     addAll("items ", dialog->texts.items);
     for (const std::string_view mark : {"*/", "/*"}) // would end the comment, or begin another one

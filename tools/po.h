@@ -28,7 +28,7 @@ struct TextPlace {
     std::string name;
     std::vector<TextChoice *> choices;
 };
-std::vector<TextPlace> placesOf(DialogTexts &texts, const CodePage &codePage);
+std::vector<TextPlace> placesOf(DialogTexts &texts);
 
 // The rooms at the places of each dialog of the source, by its index and a language. Images are
 // looked for from the folder. Null in a build without the toolkit.

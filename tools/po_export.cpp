@@ -34,7 +34,7 @@ Remarks remarksFor(const ResourceSource &source, const std::string &language, co
         DialogTexts texts = dialog.texts;
         const auto known = rooms.find({i, language});
         std::size_t index = 0;
-        for (const TextPlace &place : placesOf(texts, source.codePageOf(language))) {
+        for (const TextPlace &place : placesOf(texts)) {
             const std::string where = dialog.name + ", " + place.name;
             const Room room = known == rooms.end() ? Room() : known->second[index];
             ++index;
@@ -89,7 +89,7 @@ void keep(PoEntry &entry, const PoEntry &old, const SourceText &source, Diagnost
 
 } // namespace
 
-std::vector<TextPlace> placesOf(DialogTexts &texts, const CodePage &codePage) {
+std::vector<TextPlace> placesOf(DialogTexts &texts) {
     std::vector<TextPlace> places;
     const auto add = [&](const std::string &name, TextChoice &choice) {
         if (!choice.empty())
@@ -100,7 +100,7 @@ std::vector<TextPlace> placesOf(DialogTexts &texts, const CodePage &codePage) {
     for (std::size_t i = 0; i < texts.buttons.size(); ++i)
         add(concat("button ", i + 1), texts.buttons[i]);
     for (auto &[name, choice] : texts.labels)
-        add("label " + codePage.toUtf8(name), choice);
+        add("label " + name, choice);
     TextPlace items{"item", {}};
     for (TextChoice &item : texts.items)
         items.choices.push_back(&item);

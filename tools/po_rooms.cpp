@@ -42,7 +42,7 @@ Rooms findRooms(const ResourceSource &source, const std::filesystem::path &folde
                        source.codePages};
     for (SourceDialog &dialog : module.dialogs) {
         std::size_t index = 0;
-        for (const TextPlace &place : placesOf(dialog.texts, module.codePages->common())) {
+        for (const TextPlace &place : placesOf(dialog.texts)) {
             for (TextChoice *choice : place.choices)
                 *choice = {{std::nullopt, probe(index), {}, {}}};
             ++index;
@@ -59,7 +59,7 @@ Rooms findRooms(const ResourceSource &source, const std::filesystem::path &folde
         const auto dialog = static_cast<std::size_t>(shown.source - module.dialogs.data());
         std::vector<Room> &all = rooms[{dialog, shown.language}];
         DialogTexts texts = shown.source->texts;
-        all.resize(placesOf(texts, module.codePages->common()).size());
+        all.resize(placesOf(texts).size());
         for (const host::Cut &cut : picture.cuts) {
             const auto place = static_cast<std::size_t>(cut.text.empty() ? -1 : cut.text[0] - 'A');
             const bool scrolls = cut.has.height >= lines;

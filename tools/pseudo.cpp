@@ -136,6 +136,7 @@ void addPseudoLanguage(ResourceSource &source, const std::string &code, Diagnost
     }
 
     const std::string first = source.languages.front().code;
+    source.codePages->set(code, CodePage(source.codePageOf(first)));
     Language language = source.languages.front();
     language.code = code;
     for (auto &[section, tables] : source.file.sections) {
