@@ -30,6 +30,16 @@ struct LogFile {
 
     void close();
 
+    // Whether the buffer takes so many bytes without being filled.
+    bool hasRoom(uint64_t count) const { return buffer && count < bufferSize - buffered; }
+
+    // Where bytes for which there is room are to be put.
+    char *append(uint32_t count) {
+        char *at = buffer + buffered;
+        buffered += count;
+        return at;
+    }
+
     // Takes a piece: into the buffer, which `flushNow` empties when the piece would fill it, or
     // straight to the file when there is none or the piece is as long as it. Returns 0 or
     // UTI_TRACE_NOT_WRITTEN.
@@ -38,8 +48,7 @@ struct LogFile {
             flushNow();
         if (!buffer || count >= bufferSize)
             return write(bytes, count);
-        std::memcpy(buffer + buffered, bytes, count);
-        buffered += count;
+        std::memcpy(append(count), bytes, count);
         return UTI_OK;
     }
 

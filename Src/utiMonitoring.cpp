@@ -72,7 +72,8 @@ int32_t writeRecord(uint32_t messageId, uint32_t level, const char *module, Word
     if (items.size() > INT32_MAX)
         return UTI_TRACE_NOT_WRITTEN;
 
-    const int32_t result = writeBinaryRecord<ByteOrder::little>(items, writeOut);
+    const int32_t result =
+        writeBinaryRecord<ByteOrder::little>(items, monitorContext->file, writeOut);
     const int64_t size = static_cast<int64_t>(items.size());
     const int64_t left = monitorContext->maxSize - int64_t{monitorContext->file.fileLength} - size;
     return left < 0 ? UTI_MONITOR_OVER_LIMIT : result;

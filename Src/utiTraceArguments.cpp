@@ -5,12 +5,6 @@
 
 namespace uti {
 
-Stamp Stamp::now() {
-    Stamp stamp{};
-    GetDateTime(&stamp.date, &stamp.time);
-    return stamp;
-}
-
 bool ArgumentTable::grow() {
     const uint32_t newCapacity = capacity + 8;
     void *grown = std::realloc(entries, newCapacity * sizeof(Argument));
@@ -23,15 +17,16 @@ bool ArgumentTable::grow() {
 
 bool RecordItems::addHeader(const Stamp &stamp, uint32_t level, uint16_t messageId,
                             const char *module) {
-    for (const uint8_t type : headerTypes) {
-        if (!add(type))
-            return false;
-    }
-    Argument *header = table_.entries + first_;
-    header[0].date = stamp.date;
-    header[1].time = stamp.time;
-    header[2].bits = level;
-    header[3].bits = messageId;
+    if (table_.capacity - table_.used < headerCount && !table_.grow())
+        return false;
+    Argument *header = table_.entries + table_.used;
+    header[0] = {.type = Date, .length = 0, .date = stamp.date};
+    header[1] = {.type = Time, .length = 0, .time = stamp.time};
+    header[2] = {.type = Byte, .length = 0, .bits = level};
+    header[3] = {.type = Word, .length = 0, .bits = messageId};
+    header[4] = {.type = String, .length = 0, .data = nullptr};
+    table_.used += headerCount;
+    size_ = headerSize;
     addData(header[4], module, module ? std::strlen(module) : 0);
     return true;
 }

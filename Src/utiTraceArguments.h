@@ -4,6 +4,7 @@
 // docs/formats.md draws the records and their items.
 #pragma once
 
+#include "Src/utiLogFile.h"
 #include "common/bytes.h"
 #include "terminal.h"
 #include "uti.h"
@@ -57,7 +58,11 @@ struct Stamp {
     TerminalDate date;
     TerminalTime time;
 
-    static Stamp now();
+    static Stamp now() {
+        Stamp stamp{};
+        GetDateTime(&stamp.date, &stamp.time);
+        return stamp;
+    }
 };
 
 // The words of a variadic call.
@@ -92,6 +97,7 @@ class RecordItems {
 public:
     static constexpr uint32_t headerCount = sizeof headerTypes;
     static constexpr uint32_t headerSize = 19; // without the module name
+    static constexpr uint32_t prefixSize = 4;  // the length before the items
 
     explicit RecordItems(ArgumentTable &table) : table_(table), first_(table.used) {}
     ~RecordItems() { table_.used = first_; }
@@ -101,11 +107,13 @@ public:
     // Fills the items; false when the table cannot grow.
     bool addHeader(const Stamp &stamp, uint32_t level, uint16_t messageId, const char *module);
     template <class Words>
-    bool addList(Words &words);
+    bool addList(Words words); // a copy, which registers may hold
 
     uint32_t count() const { return table_.used - first_; }
     // A copy: writing an item may start another record, which may move the table.
     Argument operator[](uint32_t index) const { return table_.entries[first_ + index]; }
+    // As long as no other record is started.
+    std::span<const Argument> all() const { return {table_.entries + first_, count()}; }
     // Bytes of the record behind its length prefix.
     uint64_t size() const { return size_; }
 
@@ -132,7 +140,7 @@ private:
 };
 
 template <class Words>
-bool RecordItems::addList(Words &words) {
+bool RecordItems::addList(Words words) {
     for (uint32_t type = words.scalar(); isArgumentType(type); type = words.scalar()) {
         Argument *argument = add(type);
         if (!argument)
@@ -170,11 +178,11 @@ bool RecordItems::addList(Words &words) {
     return true;
 }
 
-// The type byte and the value bytes of an item; the data of a text or byte array follows in the
-// record. Returns their number, at most 9.
+// Writes the type byte and the value bytes of an item, at most `longestItem`; the data of a text or
+// byte array follows in the record. Returns the address behind them.
+inline constexpr std::size_t longestItem = 9;
 template <ByteOrder order>
-uint32_t encodeItem(const Argument &argument, uint8_t (&out)[9]) {
-    uint8_t *at = out;
+uint8_t *encodeItem(const Argument &argument, uint8_t *at) {
     *at++ = argument.type;
     switch (argumentTypes[argument.type].shape) {
     case ArgumentShape::word:
@@ -209,7 +217,7 @@ uint32_t encodeItem(const Argument &argument, uint8_t (&out)[9]) {
         at = putNumber(at, argument.length, 4, order);
         break;
     }
-    return static_cast<uint32_t>(at - out);
+    return at;
 }
 
 // Reads the value bytes that `encodeItem` writes behind the type byte; the data of a text or byte
@@ -241,17 +249,37 @@ inline Argument decodeItem(uint8_t type, const uint8_t *value, ByteOrder order) 
     return argument;
 }
 
+// The length of a record and its items, one behind the other; there is room for all of them.
+template <ByteOrder order>
+void encodeRecord(const RecordItems &items, uint8_t *out) {
+    out = putNumber(out, items.size(), RecordItems::prefixSize, order);
+    for (const Argument &item : items.all()) {
+        out = encodeItem<order>(item, out);
+        if (item.length > 0)
+            std::memcpy(out, item.data, item.length);
+        out += item.length;
+    }
+}
+
 // Writes a binary record: its length, then each item as one piece and the data of texts and byte
-// arrays as a second one. `write` takes a piece and returns 0 or the code that ends the record.
+// arrays as a second one. `write` takes a piece and returns 0 or the code that ends the record. A
+// record that the buffer of `file` takes whole goes there at once.
 template <ByteOrder order, class Write>
-int32_t writeBinaryRecord(const RecordItems &items, Write write) {
-    uint8_t piece[9];
-    putNumber(piece, items.size(), 4, order);
-    int32_t result = write(piece, 4);
+int32_t writeBinaryRecord(const RecordItems &items, LogFile &file, Write write) {
+    const uint64_t size = RecordItems::prefixSize + items.size();
+    if (file.hasRoom(size)) {
+        encodeRecord<order>(items,
+                            reinterpret_cast<uint8_t *>(file.append(static_cast<uint32_t>(size))));
+        return UTI_OK;
+    }
+
+    uint8_t piece[longestItem];
+    putNumber(piece, items.size(), RecordItems::prefixSize, order);
+    int32_t result = write(piece, RecordItems::prefixSize);
 
     for (uint32_t i = 0; i < items.count() && result == UTI_OK; ++i) {
         const Argument item = items[i];
-        result = write(piece, encodeItem<order>(item, piece));
+        result = write(piece, static_cast<uint32_t>(encodeItem<order>(item, piece) - piece));
         if (result == UTI_OK && item.length > 0)
             result = write(item.data, item.length);
     }

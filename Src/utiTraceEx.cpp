@@ -173,7 +173,22 @@ int32_t writeItems(const char *module, uint16_t messageId, const RecordItems &it
 
     if (settings.text || settings.output == TRACE_OUTPUT_PRINTER)
         return traceWriteText(module, messageId, items);
-    return writeBinaryRecord<ByteOrder::big>(items, traceWriteOut);
+    return writeBinaryRecord<ByteOrder::big>(items, traceContext->file, traceWriteOut);
+}
+
+// True when the filter lets records of this module through.
+bool traceModuleEnabled(const char *module) {
+    if (traceContext->settings.modules[0] == 0)
+        return true;
+
+    const std::string_view filter = fieldText(traceContext->settings.modules);
+    const std::size_t length = module ? strnlen(module, longestFilteredName + 1) : 0;
+    if (length == 0 || length > longestFilteredName)
+        return false;
+    char entry[longestFilteredName + 1];
+    std::memcpy(entry, module, length);
+    entry[length] = ',';
+    return filter.find(std::string_view(entry, length + 1)) != std::string_view::npos;
 }
 
 // The shared body of the writers; the entry point has checked the level.
@@ -205,21 +220,7 @@ int32_t traceWriteRecord(uint32_t level, const char *module, uint32_t messageId,
 
 } // namespace
 
-bool traceModuleEnabled(const char *module) {
-    if (traceContext->settings.modules[0] == 0)
-        return true;
-
-    const std::string_view filter = fieldText(traceContext->settings.modules);
-    const std::size_t length = module ? strnlen(module, longestFilteredName + 1) : 0;
-    if (length == 0 || length > longestFilteredName)
-        return false;
-    char entry[longestFilteredName + 1];
-    std::memcpy(entry, module, length);
-    entry[length] = ',';
-    return filter.find(std::string_view(entry, length + 1)) != std::string_view::npos;
-}
-
-int32_t traceWriteOut(const void *bytes, uint32_t count) {
+int32_t traceWriteThrough(const void *bytes, uint32_t count) {
     if (count < 1)
         return UTI_OK;
 

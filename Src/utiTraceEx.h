@@ -34,11 +34,17 @@ extern TraceExContext *traceContext;
 
 // --- core
 
-// True when the filter lets records of this module through.
-bool traceModuleEnabled(const char *module);
+// One piece of output, for which the buffer, if there is one, has no room.
+int32_t traceWriteThrough(const void *bytes, uint32_t count);
 
 // One piece of output. Returns 0 or UTI_TRACE_NOT_WRITTEN.
-int32_t traceWriteOut(const void *bytes, uint32_t count);
+inline int32_t traceWriteOut(const void *bytes, uint32_t count) {
+    LogFile &file = traceContext->file;
+    if (!file.hasRoom(count))
+        return traceWriteThrough(bytes, count);
+    std::memcpy(file.append(count), bytes, count);
+    return UTI_OK;
+}
 
 // --- the log file set
 

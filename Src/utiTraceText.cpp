@@ -90,6 +90,20 @@ int32_t writeSlice(std::string_view slice) {
     return result;
 }
 
+// Writes or prints a piece that `form` forms where it is told to; it returns its length. That is in
+// the buffer itself when there is room for the longest.
+template <class Form>
+int32_t writeFormed(Form form) {
+    LogFile &file = traceContext->file;
+    if (file.hasRoom(textSize)) {
+        file.append(form(file.append(0)));
+        return UTI_OK;
+    }
+    char text[textSize];
+    const uint32_t length = form(text);
+    return writeTerminated(text, length);
+}
+
 int32_t writeByteArray(const Argument &argument) {
     constexpr char digits[] = "0123456789ABCDEF";
     const std::string_view prefix = printing() ? "0x" : "";
@@ -119,29 +133,46 @@ int32_t writeArgument(const Argument &argument) {
     if (argument.type == ByteArray)
         return writeByteArray(argument);
 
-    char text[textSize];
-    const uint32_t length = formatValue(argument, text);
-    return writeTerminated(text, length);
+    return writeFormed([&](char *text) { return formatValue(argument, text); });
 }
 
-int32_t writeHeader(const RecordItems &items) {
-    char text[textSize];
-    char *out = putText(text, "\r\n");
-    out = putDate(out, items[0].date);
-    *out++ = ' ';
-    out = putTime(out, items[1].time);
-    out = putText(out, " [");
+// What a header begins with, up to the module's name, formed once a second.
+struct HeaderStart {
+    Stamp stamp;
+    uint32_t length;
+    char text[32];
 
-    // A name that does not fit is cut, and what follows it with it.
-    const Argument module = items[4];
-    const auto putCut = [&](std::string_view part) {
-        const std::size_t room = textSize - 1 - static_cast<std::size_t>(out - text);
-        out = putText(out, std::string_view(part.data(), std::min(part.size(), room)));
-    };
-    putCut(module.data ? std::string_view(module.data, module.length) : "");
-    putCut("] ");
-    *out = 0;
-    return writeTerminated(text, static_cast<uint32_t>(out - text));
+    std::string_view of(const Stamp &wanted) {
+        if (length == 0 || std::memcmp(&stamp.date, &wanted.date, sizeof stamp.date) != 0 ||
+            std::memcmp(&stamp.time, &wanted.time, sizeof stamp.time) != 0) {
+            stamp = wanted;
+            char *out = putText(text, "\r\n");
+            out = putDate(out, stamp.date);
+            *out++ = ' ';
+            out = putTime(out, stamp.time);
+            length = static_cast<uint32_t>(putText(out, " [") - text);
+        }
+        return {text, length};
+    }
+};
+
+constinit HeaderStart headerStart{};
+
+int32_t writeHeader(const RecordItems &items) {
+    return writeFormed([&](char *text) {
+        char *out = putText(text, headerStart.of({items[0].date, items[1].time}));
+
+        // A name that does not fit is cut, and what follows it with it.
+        const Argument module = items[4];
+        const auto putCut = [&](std::string_view part) {
+            const std::size_t room = textSize - 1 - static_cast<std::size_t>(out - text);
+            out = putText(out, std::string_view(part.data(), std::min(part.size(), room)));
+        };
+        putCut(module.data ? std::string_view(module.data, module.length) : "");
+        putCut("] ");
+        *out = 0;
+        return static_cast<uint32_t>(out - text);
+    });
 }
 
 int32_t writeMessage(const char *format, const RecordItems &items) {
@@ -156,7 +187,7 @@ const char *builtInWording(std::string_view module, uint16_t messageId) {
     return messageId == 1 && module == "ASSERT" ? "ASSERT File: {0}  Line: {1}" : nullptr;
 }
 
-uint32_t formatValue(const Argument &argument, char (&out)[argumentTextSize]) {
+uint32_t formatValue(const Argument &argument, char *out) {
     char *end = out;
     switch (argument.type) {
     case Char:

@@ -16,8 +16,9 @@ inline constexpr std::size_t argumentTextSize = 1024;
 // The wording that no resources are asked for, or null.
 const char *builtInWording(std::string_view module, uint16_t messageId);
 
-// Forms the text of an argument that is neither a text nor a byte array; returns its length.
-uint32_t formatValue(const Argument &argument, char (&out)[argumentTextSize]);
+// Forms the text of an argument that is neither a text nor a byte array at `out`, where there is
+// room for any; returns its length.
+uint32_t formatValue(const Argument &argument, char *out);
 
 // Takes a message apart: `writeSlice` gets the text around the placeholders, also when it is empty,
 // `writeArgument` the number of each argument that one names. A placeholder without an argument
@@ -33,10 +34,16 @@ int32_t expandMessage(std::string_view format, uint32_t argumentCount, WriteSlic
             break;
 
         format.remove_prefix(open + 1);
-        const std::size_t close = format.find('}');
-        if (close == std::string_view::npos)
-            break;
-        const long number = std::strtol(format.data(), nullptr, 10);
+        std::size_t close = 1;
+        long number;
+        if (format.size() > 1 && format[1] == '}' && format[0] >= '0' && format[0] <= '9') {
+            number = format[0] - '0'; // nearly all are of one digit
+        } else {
+            close = format.find('}');
+            if (close == std::string_view::npos)
+                break;
+            number = std::strtol(format.data(), nullptr, 10);
+        }
         format.remove_prefix(close + 1);
 
         if (number >= 0 && static_cast<unsigned long>(number) < argumentCount)
