@@ -94,15 +94,15 @@ void unloadModule(ResourceModule *module) {
 using namespace uti;
 
 int32_t Resource_Initialize(const char *module) {
+    if (CurrentModule && ModuleList && module && isSameName(CurrentModuleName, module)) [[likely]]
+        return UTI_OK;
     if (!isModuleName(module))
         return asserts.fail(UTI_RESOURCE_BAD_NAME);
     if (!prepareModules())
         return asserts.fail(UTI_RESOURCE_NO_MEMORY);
-    if (CurrentModule && fieldText(CurrentModuleName) == module)
-        return UTI_OK;
 
     ResourceModule *loaded = findItem<ResourceModule>(
-        ModuleList, [&](ResourceModule &item) { return fieldText(item.name) == module; });
+        ModuleList, [&](ResourceModule &item) { return isSameName(item.name, module); });
     if (loaded) {
         CurrentModule = loaded;
         setField(CurrentModuleName, module);

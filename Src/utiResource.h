@@ -51,6 +51,19 @@ void destroyItems(List *&list, FreeItem freeItem) {
 
 bool isModuleName(const char *module);
 
+// Whether a field holds this name, behind what it holds before it. Names are so short that a call
+// would take longer.
+template <std::size_t size>
+bool isSameName(const char (&field)[size], const char *name, std::size_t before = 0) {
+    for (std::size_t i = before; i < size; ++i) {
+        if (field[i] != *name)
+            return false;
+        if (*name++ == 0)
+            return true;
+    }
+    return false;
+}
+
 // Reads EXTRES and default_lang and makes the module list on first use. False when memory is short.
 bool prepareModules();
 

@@ -7,7 +7,9 @@
 #include "Src/text.h"
 #include "Src/utiResource.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
 
 constinit List *ResourceStorageList = nullptr;
 constinit char ResourceEmptyStr[1] = {};
@@ -26,20 +28,18 @@ constexpr bool isLanguageCode(const char *language) {
 }
 
 // The names of a module and of the module that overrides it, its own name with "_ext" behind, and
-// whether that one is to be asked at all. They are copies: a caller may pass `CurrentModuleName`,
-// which changes when a module becomes current, or the name in a record that is freed. A name that
-// is too long stays so in both.
+// whether that one is to be asked at all. With two of them both are copies: a caller may pass
+// `CurrentModuleName`, which changes when the other module becomes current. A name that is too long
+// stays so in both.
 class ModuleNames {
 public:
-    explicit ModuleNames(const char *module) {
-        if (isModuleName(module))
+    explicit ModuleNames(const char *module) : plain_(module) {
+        if (!ModuleList && isModuleName(module))
             prepareModules();
-        if (!module)
+        if (!module || CheckExternalResources != 1) [[likely]]
             return;
         setField(plainText_, {module, strnlen(module, sizeof plainText_)});
         plain_ = plainText_;
-        if (CheckExternalResources != 1)
-            return;
         external_ = externalText_;
         snprintf(externalText_, sizeof externalText_, "%s_ext", plainText_);
     }
@@ -51,7 +51,7 @@ public:
     const char *external() const { return external_; }
 
 private:
-    const char *plain_ = nullptr;
+    const char *plain_;
     const char *external_ = nullptr;
     char plainText_[RESOURCE_NAME_LENGTH + 2];
     char externalText_[RESOURCE_NAME_LENGTH + 6];
@@ -65,7 +65,7 @@ std::string_view emptyString() {
 ResourceStoredStrings *findStored(const char *module, const char *language) {
     return findItem<ResourceStoredStrings>(ResourceStorageList, [&](ResourceStoredStrings &item) {
         return std::memcmp(item.key, language, languageLength) == 0 &&
-               std::strcmp(item.key + languageLength, module) == 0;
+               isSameName(item.key, module, languageLength);
     });
 }
 
@@ -94,15 +94,7 @@ ResourceStoredStrings *findOrAddStored(const char *module, const char *language)
 }
 
 // The stored copy of a string, its terminator not counted. A view without an address: not stored.
-std::string_view findStoredString(const char *module, const char *language, uint32_t id) {
-    if (!module || !ResourceStorageList)
-        return {};
-    char defaultLanguage[3];
-    if (!isLanguageCode(language)) {
-        readDefaultLanguage(defaultLanguage);
-        language = defaultLanguage;
-    }
-
+std::string_view findInLanguage(const char *module, const char *language, uint32_t id) {
     const ResourceStoredStrings *stored = findStored(module, language);
     if (!stored)
         return {};
@@ -113,6 +105,17 @@ std::string_view findStoredString(const char *module, const char *language, uint
     if (!Storage_GetString(stored->strings, id, &text, &length))
         return {};
     return {text, length - 1};
+}
+
+// The same in the default language when that is no language code.
+std::string_view findStoredString(const char *module, const char *language, uint32_t id) {
+    if (!module || !ResourceStorageList)
+        return {};
+    if (isLanguageCode(language)) [[likely]]
+        return findInLanguage(module, language, id);
+    char defaultLanguage[3];
+    readDefaultLanguage(defaultLanguage);
+    return findInLanguage(module, defaultLanguage, id);
 }
 
 // Reads the bytes of a string into a free small slot of the current module.
@@ -154,12 +157,8 @@ std::string_view readLargeString(const char *module, uint16_t id, uint16_t lengt
     return {text.release(), length};
 }
 
-// `resource_GetString` with the string's length.
-std::string_view getModuleString(const char *module, uint32_t stringId) {
-    const auto id = static_cast<uint16_t>(stringId);
-    const std::string_view stored = findStoredString(module, CurrentLanguage, id);
-    if (stored.data())
-        return stored;
+// Reads a string from the module's file. On its own, so that what is stored is found without it.
+[[gnu::noinline]] std::string_view readString(const char *module, uint16_t id) {
     if (Resource_Initialize(module) != UTI_OK)
         return asserts.fail(emptyString());
 
@@ -183,6 +182,13 @@ std::string_view getModuleString(const char *module, uint32_t stringId) {
                                            : readLargeString(module, id, length);
 }
 
+// `resource_GetString` with the string's length.
+std::string_view getModuleString(const char *module, uint32_t stringId) {
+    const auto id = static_cast<uint16_t>(stringId);
+    const std::string_view stored = findStoredString(module, CurrentLanguage, id);
+    return stored.data() ? stored : readString(module, id);
+}
+
 void freeLargeString(ResourceLargeString &string) {
     std::free(string.text);
     std::free(&string);
@@ -191,7 +197,7 @@ void freeLargeString(ResourceLargeString &string) {
 // Frees the stored strings of a module in every language.
 void freeStoredStrings(const char *module) {
     const auto isOfModule = [&](ResourceStoredStrings &item) {
-        return std::strcmp(item.key + languageLength, module) == 0;
+        return isSameName(item.key, module, languageLength);
     };
     List *list = ResourceStorageList;
     while (auto *stored = findItem<ResourceStoredStrings>(list, isOfModule)) {
@@ -267,12 +273,13 @@ void resource_Release(const char *module, uint32_t stringId) {
         return;
     }
     const auto id = static_cast<uint16_t>(stringId);
-    for (ResourceSmallString &slot : CurrentModule->smallStrings) {
-        if (slot.id != id) [[likely]]
-            continue;
+    const auto bearsId = [&](const ResourceSmallString &slot) { return slot.id == id; };
+    ResourceSmallString *slot = std::begin(CurrentModule->smallStrings);
+    ResourceSmallString *const end = std::end(CurrentModule->smallStrings);
+    while ((slot = std::find_if(slot, end, bearsId)) != end) {
         // A free slot may bear the same id, above all 0.
-        const bool used = slot.text[0] != 0;
-        slot = {};
+        const bool used = slot->text[0] != 0;
+        *slot++ = {};
         if (used)
             break;
     }
@@ -314,11 +321,14 @@ void Resource_ReleaseAll(const char *module) {
 void Resource_Close(const char *module) {
     if (!module || !ModuleList)
         return;
-    const ModuleNames names(module);
+    // The name may be that of the record that is freed.
+    char name[RESOURCE_NAME_LENGTH + 2];
+    setField(name, {module, strnlen(module, sizeof name)});
+    const ModuleNames names(name);
     const auto isMeant = [&](ResourceModule &loaded) {
-        const std::string_view name = fieldText(loaded.name);
         return loaded.handle >= 0 &&
-               (name == names.plain() || (names.external() && name == names.external()));
+               (isSameName(loaded.name, names.plain()) ||
+                (names.external() && isSameName(loaded.name, names.external())));
     };
     while (auto *loaded = findItem<ResourceModule>(ModuleList, isMeant)) {
         // Of several records with this name it is this one whose strings are to be released.
