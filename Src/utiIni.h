@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <string_view>
 #include <type_traits>
+#include <utility>
 
 namespace uti {
 
@@ -19,23 +20,29 @@ inline constexpr std::size_t longestValue = 254;
 // Refused: malformed. Full: one too many.
 enum class Stored { done, refused, full, noMemory };
 
-inline uint32_t hashOf(std::string_view name) {
+inline uint16_t hashOf(std::string_view name) {
     uint64_t hash = name.size();
-    while (!name.empty()) {
-        uint64_t part = 0;
-        const std::size_t size = std::min(name.size(), sizeof part);
-        for (std::size_t i = 0; i < size; ++i)
-            part = part << 8 | static_cast<uint8_t>(name[i]);
-        name.remove_prefix(size);
+    const auto mix = [&hash](uint64_t part) {
         hash = (hash ^ part) * 0x9E3779B97F4A7C15u;
         hash ^= hash >> 32;
+    };
+    uint64_t part;
+    for (; name.size() >= sizeof part; name.remove_prefix(sizeof part)) {
+        std::memcpy(&part, name.data(), sizeof part);
+        mix(part);
     }
-    return static_cast<uint32_t>(hash);
+    part = 0;
+    for (const char c : name)
+        part = part << 8 | static_cast<uint8_t>(c);
+    mix(part);
+    return static_cast<uint16_t>(hash >> 48);
 }
 
 // Items in the order of their arrival, each with an owned `text` and a `name()` like no other's. A
-// second array keeps their places sorted by the hash of the name and then by the name itself: no
-// file, be it long or hostile, makes the search slow.
+// table keeps their places sorted by the hash of the name and then by the name itself, with gaps:
+// each stands in the slot that its hash has among all hashes or, where others are in the way, close
+// behind. A search begins at that slot and takes ever longer steps, so that no file, be it long or
+// hostile, makes it slow.
 template <class Item>
 class NamedArray {
 public:
@@ -50,8 +57,8 @@ public:
                 std::find_if(begin(), end(), [&](const Item &item) { return item.name() == name; });
             return found == end() ? nullptr : found;
         }
-        const uint32_t hash = hashOf(name);
-        return itemAt(lowerBound(hash, name), hash, name);
+        const uint16_t hash = hashOf(name);
+        return itemAt(*lowerBound(hash, name), hash, name);
     }
 
     // Puts an item in the place of the one with its name, or behind the others. It belongs to the
@@ -61,21 +68,22 @@ public:
             release(item);
             return Stored::noMemory;
         }
-        const uint32_t hash = hashOf(item.name());
-        const std::ptrdiff_t at = lowerBound(hash, item.name()) - places_;
-        if (Item *old = itemAt(places_ + at, hash, item.name())) {
+        const Stored room = makeRoom();
+        const uint16_t hash = hashOf(item.name());
+        Place *at = capacity_ > 0 ? lowerBound(hash, item.name()) : nullptr;
+        if (Item *old = at ? itemAt(*at, hash, item.name()) : nullptr) {
             release(*old);
             *old = item;
             return Stored::done;
         }
-
-        const Stored room = makeRoom();
         if (room != Stored::done) {
             release(item);
             return room;
         }
-        std::copy_backward(places_ + at, places_ + count_, places_ + count_ + 1);
-        places_[at] = {hash, count_};
+
+        Place pushed{hash, count_};
+        while (!isGap(pushed))
+            std::swap(*at++, pushed);
         items_[count_++] = item;
         return Stored::done;
     }
@@ -84,13 +92,16 @@ public:
         const auto removed = static_cast<int16_t>(item - items_);
         release(*item);
         std::copy(item + 1, end(), item);
-
-        Place *kept = std::remove_if(places_, places_ + count_,
-                                     [&](const Place &place) { return place.item == removed; });
-        std::for_each(places_, kept, [&](Place &place) {
+        Place *next = places_;
+        for (Place *slot = places_; slot != places_ + slotsFor(capacity_); ++slot) {
+            Place place = std::exchange(*slot, gap);
+            if (isGap(place) || place.item == removed)
+                continue;
             if (place.item > removed)
                 --place.item;
-        });
+            next = std::max(next, places_ + slotOf(place.hash, capacity_));
+            *next++ = place;
+        }
         if (--count_ == 0)
             clear();
     }
@@ -113,23 +124,41 @@ private:
     static constexpr int16_t fewItems = 4; // looked at one by one, which is faster
 
     struct Place {
-        uint32_t hash;
-        int16_t item;
+        uint16_t hash;
+        int16_t item; // negative for a gap
     };
 
-    // Where a name stands, or belongs, among the sorted places.
-    Place *lowerBound(uint32_t hash, std::string_view name) const {
-        return std::lower_bound(places_, places_ + count_, hash,
-                                [&](const Place &place, uint32_t wanted) {
-                                    return place.hash != wanted ? place.hash < wanted
-                                                                : items_[place.item].name() < name;
-                                });
+    static constexpr Place gap{0, -1};
+
+    static bool isGap(const Place &place) { return place.item < 0; }
+
+    // Hashes spread over twice as many slots as there may be items. Should all of them belong in
+    // the last one, the slots behind it have room for them, and one stays free.
+    static std::size_t slotOf(uint16_t hash, int32_t capacity) {
+        return hash * (2 * static_cast<uint32_t>(capacity)) >> 16;
+    }
+    static std::size_t slotsFor(int32_t capacity) { return 3 * static_cast<std::size_t>(capacity); }
+
+    Item *itemAt(const Place &place, uint16_t hash, std::string_view name) const {
+        if (isGap(place) || place.hash != hash || items_[place.item].name() != name)
+            return nullptr;
+        return items_ + place.item;
     }
 
-    Item *itemAt(const Place *place, uint32_t hash, std::string_view name) const {
-        if (place == places_ + count_ || place->hash != hash || items_[place->item].name() != name)
-            return nullptr;
-        return items_ + place->item;
+    // The slot where a name stands or belongs.
+    Place *lowerBound(uint16_t hash, std::string_view name) const {
+        const auto isBefore = [&](const Place &place) {
+            if (isGap(place) || place.hash != hash)
+                return !isGap(place) && place.hash < hash;
+            return items_[place.item].name() < name;
+        };
+        Place *from = places_ + slotOf(hash, capacity_);
+        for (std::ptrdiff_t step = 1;; step *= 2) {
+            step = std::min(step, places_ + slotsFor(capacity_) - from);
+            if (!isBefore(from[step - 1]))
+                return std::partition_point(from, from + step - 1, isBefore);
+            from += step;
+        }
     }
 
     Stored makeRoom() {
@@ -140,21 +169,27 @@ private:
             return Stored::done;
 
         const int32_t wanted = std::clamp(2 * capacity_, 8, INT16_MAX);
-        if (resize(items_, wanted) && resize(places_, wanted)) {
-            capacity_ = wanted;
-            return Stored::done;
+        void *items = std::realloc(items_, static_cast<std::size_t>(wanted) * sizeof(Item));
+        if (items)
+            items_ = static_cast<Item *>(items);
+        auto *places = static_cast<Place *>(std::malloc(slotsFor(wanted) * sizeof(Place)));
+        if (!items || !places) {
+            std::free(places);
+            if (count_ == 0)
+                clear();
+            return Stored::noMemory;
         }
-        if (count_ == 0)
-            clear();
-        return Stored::noMemory;
-    }
-
-    template <class Element>
-    static bool resize(Element *&array, int32_t count) {
-        void *block = std::realloc(array, static_cast<std::size_t>(count) * sizeof(Element));
-        if (block)
-            array = static_cast<Element *>(block);
-        return block != nullptr;
+        std::fill_n(places, slotsFor(wanted), gap);
+        Place *next = places;
+        for (const Place *slot = places_; slot != places_ + slotsFor(capacity_); ++slot) {
+            next = std::max(next, places + slotOf(slot->hash, wanted));
+            *next = *slot; // a gap, whose hash is 0, into a gap
+            next += isGap(*slot) ? 0 : 1;
+        }
+        std::free(places_);
+        places_ = places;
+        capacity_ = wanted;
+        return Stored::done;
     }
 
     Item *items_ = nullptr;

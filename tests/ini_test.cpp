@@ -147,4 +147,24 @@ TEST_F(Ini, CountsEndAt32767AndLongFilesAreReadInTime) {
     EXPECT_EQ(Ini_SetStr("f", "one more", "k", ""), -3500);
 }
 
+TEST_F(Ini, RemovedSectionsLeaveTheOthersInTheirOrder) {
+    const auto name = [](int i) { return "S" + std::to_string(i * 7919); };
+    std::string text, kept, added;
+    for (int i = 0; i < 300; ++i) {
+        const std::string section = "[" + name(i) + "]\r\nK=" + std::to_string(i) + "\r\n\r\n";
+        text += section;
+        (i % 3 == 0 ? added : kept) += section;
+    }
+    file(text);
+    EXPECT_EQ(Ini_GetSectionCount("f"), 300);
+    for (int i = 0; i < 300; i += 3)
+        Ini_RemoveSection("f", name(i).c_str());
+    EXPECT_EQ(terminal.files["f"], kept);
+    for (int i = 0; i < 300; i += 3)
+        Ini_SetLong("f", name(i).c_str(), "k", i);
+    EXPECT_EQ(terminal.files["f"], kept + added);
+    for (int i = 0; i < 300; ++i)
+        EXPECT_EQ(get(name(i), "k"), std::to_string(i));
+}
+
 } // namespace
