@@ -164,9 +164,9 @@ void FreeListNode(List *list, ListNode *node) {
     (node->next ? node->next->prev : list->tail) = node->prev;
     if (list->current == node)
         list->current = nullptr;
-    std::free(node);
     --list->count;
     --list->index;
+    std::free(node);
 }
 
 ListNode *GetListNode(List *list) {
