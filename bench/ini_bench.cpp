@@ -17,6 +17,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <deque>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -152,7 +153,10 @@ private:
 // A file of sections "section0", "section1" and so on, all with the keys "key0", "key1" and so on.
 class Sample {
 public:
-    Sample(int sections, int keys) : sections_(sections), keys_(keys) {
+    Sample(int sections, int keys, int number = 0)
+        : path_(std::filesystem::temp_directory_path() /
+                ("uti-bench-" + std::to_string(getpid()) + "-" + std::to_string(number) + ".ini")),
+          sections_(sections), keys_(keys) {
         std::ofstream file(path_);
         for (int section = 0; section < sections_; ++section) {
             file << "[section" << section << "]\n";
@@ -174,8 +178,7 @@ public:
     }
 
 private:
-    const std::string path_ =
-        std::filesystem::temp_directory_path() / ("uti-bench-" + std::to_string(getpid()) + ".ini");
+    const std::string path_;
     int sections_;
     int keys_;
 };
@@ -197,6 +200,20 @@ void get(benchmark::State &state) {
         if (!file.get(names[next]))
             state.SkipWithError("value missing");
         next = next + 1 < names.size() ? next + 1 : 0;
+    }
+}
+
+// A value of the newest of so many files in the cache.
+template <int files>
+void getAmongFiles(benchmark::State &state) {
+    std::deque<Sample> samples;
+    std::deque<Uti> cached;
+    for (int i = 0; i < files; ++i)
+        cached.emplace_back(samples.emplace_back(1, 200, i).path());
+    const Name name("section0", "key7");
+    for (auto _ : state) {
+        if (!cached.back().get(name))
+            state.SkipWithError("value missing");
     }
 }
 
@@ -223,6 +240,13 @@ BENCHMARK(parse<Uti, 1000, 20>)->Name("ini: parse of 1,000 sections|uti|1");
 BENCHMARK(parse<Inih, 1000, 20>)->Name("ini: parse of 1,000 sections|inih");
 BENCHMARK(parse<IniParser, 1000, 20>)->Name("ini: parse of 1,000 sections|iniparser");
 BENCHMARK(parse<SimpleIni, 1000, 20>)->Name("ini: parse of 1,000 sections|simpleini");
+
+BENCHMARK(parse<Uti, 1, 20000>)->Name("ini: parse of 20,000 keys in one section|uti|1.5");
+BENCHMARK(parse<Uti, 100, 200>)->Name("ini: parse of 20,000 keys in one section|uti, in 100 sections");
+
+BENCHMARK(getAmongFiles<1>)->Name("ini: get, newest of 1 file|uti|");
+BENCHMARK(getAmongFiles<10>)->Name("ini: get, newest of 10 files|uti|");
+BENCHMARK(getAmongFiles<100>)->Name("ini: get, newest of 100 files|uti|");
 
 BENCHMARK(get<Uti, 1, 200>)->Name("ini: get among 200 keys|uti|1");
 BENCHMARK(get<Inih, 1, 200>)->Name("ini: get among 200 keys|inih");

@@ -10,12 +10,17 @@
 
 #include <fcntl.h>
 #include <libintl.h>
+#include <nl_types.h>
 #include <unistd.h>
 
 #include <clocale>
+#include <concepts>
 #include <cstring>
+#include <ctime>
+#include <filesystem>
 #include <list>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -97,6 +102,61 @@ void copyWhenFull(State &state) {
     removeLogs();
 }
 
+// A logger that forms nothing: a record is its size, the number of a source, whose module and
+// wording the file was told once, the time, and the arguments as they lie in memory.
+class RawLogger {
+public:
+    uint64_t addSource(std::string_view module, std::string_view wording) {
+        put(uint64_t{0}, ++sources_, module, wording);
+        return sources_;
+    }
+
+    void put(auto... values) {
+        const std::size_t size = (sizeOf(values) + ...);
+        if (sizeof buffer_ - filled_ <= sizeof(uint32_t) + size) {
+            DoNotOptimize(write(file_, buffer_, filled_));
+            filled_ = 0;
+        }
+        append(static_cast<uint32_t>(size));
+        (append(values), ...);
+    }
+
+private:
+    static std::size_t sizeOf(std::string_view text) { return sizeof(uint32_t) + text.size(); }
+    template <std::integral Number>
+    static std::size_t sizeOf(Number) {
+        return sizeof(Number);
+    }
+
+    void append(std::string_view text) {
+        append(static_cast<uint32_t>(text.size()));
+        std::memcpy(buffer_ + filled_, text.data(), text.size());
+        filled_ += text.size();
+    }
+    template <std::integral Number>
+    void append(Number number) {
+        std::memcpy(buffer_ + filled_, &number, sizeof number);
+        filled_ += sizeof number;
+    }
+
+    int file_ = openRaw();
+    uint64_t sources_ = 0;
+    std::size_t filled_ = 0;
+    char buffer_[8192];
+};
+
+void rawArguments(State &state) {
+    RawLogger logger;
+    const uint64_t source = logger.addSource("bench", "record {} of {} with {}");
+    const char *text = "a text";
+    for (auto _ : state) {
+        DoNotOptimize(text);
+        logger.put(source, static_cast<int64_t>(time(nullptr)), int32_t{12345},
+                   std::string_view(text), int16_t{7});
+    }
+    removeLogs();
+}
+
 void rawWrites(State &state) {
     const int file = openRaw();
     const std::vector<std::string> pieces = recordPieces();
@@ -161,6 +221,35 @@ void gettextString(State &state) {
         return state.SkipWithError("no translation");
     for (auto _ : state)
         DoNotOptimize(dgettext("bench", "greeting"));
+}
+
+void catgetsString(State &state) {
+    const nl_catd catalog = catopen(UTI_BENCH_CATALOG, 0);
+    if (*catgets(catalog, 1, 1, "") == 0)
+        return state.SkipWithError("no catalog");
+    for (auto _ : state)
+        DoNotOptimize(catgets(catalog, 1, 1, ""));
+    catclose(catalog);
+}
+
+// The string of the newest of so many modules.
+template <int modules>
+void stringAmongModules(State &state) {
+    std::string name;
+    for (int i = 0; i < modules; ++i) {
+        name = "bench" + std::to_string(i);
+        std::filesystem::copy_file("bench.res", name + ".res",
+                                   std::filesystem::copy_options::overwrite_existing);
+        if (*Resource_GetString(name.c_str(), BENCH_GREETING) == 0)
+            return state.SkipWithError("no string");
+    }
+    for (auto _ : state)
+        DoNotOptimize(Resource_GetString(name.c_str(), BENCH_GREETING));
+    for (int i = 0; i < modules; ++i) {
+        name = "bench" + std::to_string(i);
+        Resource_Close(name.c_str());
+        std::filesystem::remove(name + ".res");
+    }
 }
 
 // --- containers
@@ -313,21 +402,26 @@ void tlvByHand(State &state) {
     }
 }
 
-BENCHMARK(traceBuffered)->Name("trace: binary record, buffered|uti|2.5");
+BENCHMARK(traceBuffered)->Name("trace: binary record, buffered|uti|1.5");
 BENCHMARK(copyWhenFull)->Name("trace: binary record, buffered|copy and write when full");
-BENCHMARK(traceText)->Name("trace: text record, buffered|uti|0.7");
+BENCHMARK(rawArguments)->Name("trace: binary record, buffered|raw arguments");
+BENCHMARK(traceText)->Name("trace: text record, buffered|uti|0.6");
 BENCHMARK(spdlogText)->Name("trace: text record, buffered|spdlog");
 BENCHMARK(traceUnbuffered)->Name("trace: binary record, unbuffered|uti|1.05");
 BENCHMARK(rawWrites)->Name("trace: binary record, unbuffered|raw writes");
 BENCHMARK(traceBelowLevel)->Name("trace: record below the level|uti|3");
 BENCHMARK(callThroughPointer)->Name("trace: record below the level|call through a pointer");
-BENCHMARK(storedString)->Name("resources: stored string|uti|0.1");
+BENCHMARK(storedString)->Name("resources: stored string|uti|0.31");
 BENCHMARK(gettextString)->Name("resources: stored string|dgettext");
+BENCHMARK(catgetsString)->Name("resources: stored string|catgets|1.5");
+BENCHMARK(stringAmongModules<1>)->Name("resources: stored string, newest of 1 module|uti|");
+BENCHMARK(stringAmongModules<10>)->Name("resources: stored string, newest of 10 modules|uti|");
+BENCHMARK(stringAmongModules<100>)->Name("resources: stored string, newest of 100 modules|uti|");
 BENCHMARK(storageGet)->Name("storage: get at 100 keys|uti|1.2");
 BENCHMARK(mapFind)->Name("storage: get at 100 keys|std::unordered_map");
 BENCHMARK(tlvParser)->Name("tlv: walk with values copied|uti|2.5");
 BENCHMARK(tlvByHand)->Name("tlv: walk with values copied|hand-written walk");
-BENCHMARK(listAppend)->Name("list: append 1000|uti|1.05");
+BENCHMARK(listAppend)->Name("list: append 1000|uti|0.8");
 BENCHMARK(stdListAppend)->Name("list: append 1000|std::list");
 
 } // namespace
