@@ -110,10 +110,10 @@ public:
     bool addList(Words words); // a copy, which registers may hold
 
     uint32_t count() const { return table_.used - first_; }
-    // A copy: writing an item may start another record, which may move the table.
-    Argument operator[](uint32_t index) const { return table_.entries[first_ + index]; }
-    // As long as no other record is started.
+    // Their place, until another record is started, which may move the table. Writing may start
+    // one.
     std::span<const Argument> all() const { return {table_.entries + first_, count()}; }
+    const Argument &operator[](uint32_t index) const { return table_.entries[first_ + index]; }
     // Bytes of the record behind its length prefix.
     uint64_t size() const { return size_; }
 

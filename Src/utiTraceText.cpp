@@ -72,11 +72,11 @@ int32_t writeTerminated(const char *text, uint32_t length) {
     return printing() ? tracePrintOut(text) : traceWriteOut(text, length);
 }
 
-// Writes or prints a slice of the wording. The end of it goes to the printer as it stands, what is
-// before a placeholder in pieces of its own.
-int32_t writeSlice(std::string_view slice) {
-    if (!printing() || slice.data()[slice.size()] == 0)
-        return writeTerminated(slice.data(), static_cast<uint32_t>(slice.size()));
+// Prints a slice of the wording. The end of it goes to the printer as it stands, what is before a
+// placeholder in pieces of its own.
+int32_t printSlice(std::string_view slice) {
+    if (slice.data()[slice.size()] == 0)
+        return tracePrintOut(slice.data());
 
     int32_t result;
     do {
@@ -88,6 +88,11 @@ int32_t writeSlice(std::string_view slice) {
         result = tracePrintOut(piece);
     } while (result == UTI_OK && !slice.empty());
     return result;
+}
+
+int32_t writeSlice(std::string_view slice) {
+    return printing() ? printSlice(slice)
+                      : traceWriteOut(slice.data(), static_cast<uint32_t>(slice.size()));
 }
 
 // Writes or prints a piece that `form` forms where it is told to; it returns its length. That is in
@@ -104,7 +109,7 @@ int32_t writeFormed(Form form) {
     return writeTerminated(text, length);
 }
 
-int32_t writeByteArray(const Argument &argument) {
+int32_t writeByteArray(Argument argument) { // a copy, for the time of all its pieces
     constexpr char digits[] = "0123456789ABCDEF";
     const std::string_view prefix = printing() ? "0x" : "";
     uint32_t done = 0;
