@@ -1,5 +1,5 @@
-// utiStorage.cpp: the hash table from 32-bit keys to typed values, and its export block, which is
-// drawn in docs/formats.md.
+// utiStorage.cpp: the hash table from 32-bit keys to typed values, with an index beside its buckets,
+// and its export block, which is drawn in docs/formats.md.
 #include "Src/assertions.h"
 #include "Src/heap.h"
 #include "common/bytes.h"
@@ -34,13 +34,37 @@ constexpr uint32_t bucketOf(uint32_t key) {
     return hash % STORAGE_BUCKETS;
 }
 
-// The place that points at the key's entry: a bucket or a `next` field; it holds null at the end of
-// the chain when the key is absent.
-StorageEntry **findLink(Storage storage, uint32_t key) {
-    StorageEntry **link = &(*storage)->buckets[bucketOf(key)];
-    while (*link && (*link)->key != key)
-        link = &(*link)->next;
-    return link;
+// A table as it is allocated. The buckets, whose number and order are fixed, hold every entry; once
+// there are many, an index of them all finds each in a few steps, also when all keys share a bucket.
+// It is probed linearly and at most half full. While there is none, which may be for want of memory,
+// the bucket's chain is walked.
+struct Table : StorageTable {
+    static constexpr uint32_t unusedShift = 25; // an index comes with the 64th entry
+
+    StorageEntry **slots; // null while there is no index
+    uint32_t seed;        // of its hash: no set of keys collides in every table
+    uint32_t shift;       // it has 1 << (32 - shift) slots
+
+    uint32_t lastSlot() const { return UINT32_MAX >> shift; }
+    uint32_t slotOf(uint32_t key) const { return (key ^ seed) * 0x9E3779B1 >> shift; }
+    uint32_t next(uint32_t slot) const { return (slot + 1) & lastSlot(); }
+
+    // The slot that holds the key's entry, or the empty one where it belongs.
+    uint32_t find(uint32_t key) const {
+        uint32_t slot = slotOf(key);
+        while (slots[slot] && slots[slot]->key != key)
+            slot = next(slot);
+        return slot;
+    }
+
+    void dropIndex() {
+        std::free(slots);
+        slots = nullptr;
+    }
+};
+
+Table &tableOf(Storage storage) {
+    return static_cast<Table &>(**storage);
 }
 
 void freeEntry(StorageEntry *entry) {
@@ -60,7 +84,8 @@ bool forEachEntry(Storage storage, Visit visit) {
     return true;
 }
 
-void freeAllEntries(StorageTable &table) {
+void freeAllEntries(Storage storage) {
+    Table &table = tableOf(storage);
     for (StorageEntry *&bucket : table.buckets) {
         while (StorageEntry *entry = bucket) {
             bucket = entry->next;
@@ -69,6 +94,44 @@ void freeAllEntries(StorageTable &table) {
     }
     table.count = 0;
     table.totalSize = 0;
+    table.dropIndex();
+    table.shift = Table::unusedShift;
+}
+
+// Takes a new entry into the index, which grows with the table.
+void addToIndex(Storage storage, StorageEntry *entry) {
+    Table &table = tableOf(storage);
+    if (table.count <= table.lastSlot() / 2) {
+        if (table.slots)
+            table.slots[table.find(entry->key)] = entry;
+        return;
+    }
+    --table.shift;
+    table.dropIndex();
+    const std::size_t size = (std::size_t{table.lastSlot()} + 1) * sizeof(StorageEntry *);
+    table.slots = static_cast<StorageEntry **>(std::malloc(size));
+    if (!table.slots)
+        return;
+    std::memset(table.slots, 0, size);
+    forEachEntry(storage, [&](StorageEntry &each) {
+        table.slots[table.find(each.key)] = &each;
+        return true;
+    });
+}
+
+// Takes an entry out of the index: those behind it that it kept from their place move up.
+void removeFromIndex(Table &table, uint32_t key) {
+    if (!table.slots)
+        return;
+    uint32_t hole = table.find(key);
+    for (uint32_t slot = table.next(hole); table.slots[slot]; slot = table.next(slot)) {
+        const uint32_t away = slot - table.slotOf(table.slots[slot]->key);
+        if ((away & table.lastSlot()) >= ((slot - hole) & table.lastSlot())) {
+            table.slots[hole] = table.slots[slot];
+            hole = slot;
+        }
+    }
+    table.slots[hole] = nullptr;
 }
 
 // Replaces a value's bytes; the block now belongs to the entry.
@@ -112,7 +175,10 @@ uint32_t CalcHash(uint32_t key) {
 StorageEntry *FindEntry(Storage storage, uint32_t key) {
     if (!isOpen(storage))
         return nullptr;
-    StorageEntry *entry = (*storage)->buckets[bucketOf(key)];
+    const Table &table = tableOf(storage);
+    if (table.slots)
+        return table.slots[table.find(key)];
+    StorageEntry *entry = table.buckets[bucketOf(key)];
     while (entry && entry->key != key)
         entry = entry->next;
     return entry;
@@ -136,22 +202,28 @@ int32_t Storage_Free(Storage storage) {
 int32_t Storage_Clear(Storage storage) {
     if (!isOpen(storage))
         return 0;
-    freeAllEntries(**storage);
+    freeAllEntries(storage);
     return 1;
 }
 
 int32_t Storage_Constructor(Storage cell) {
     if (!cell)
         return 0;
-    *cell = allocateZeroed<StorageTable>().release();
-    return *cell ? 1 : asserts.fail(0);
+    Table *table = allocateZeroed<Table>().release();
+    *cell = table;
+    if (!table)
+        return asserts.fail(0);
+    table->seed =
+        static_cast<uint32_t>(reinterpret_cast<uintptr_t>(table) * 0x9E3779B97F4A7C15u >> 32);
+    table->shift = Table::unusedShift;
+    return 1;
 }
 
 void Storage_Destructor(Storage cell) {
     if (!isOpen(cell))
         return;
-    freeAllEntries(**cell);
-    std::free(*cell);
+    freeAllEntries(cell);
+    std::free(&tableOf(cell));
     *cell = nullptr;
 }
 
@@ -161,17 +233,17 @@ int32_t Storage_Put(Storage storage, uint32_t key, int32_t type, const void *byt
         return 0;
 
     StorageTable &table = **storage;
-    StorageEntry **link = findLink(storage, key);
-    const uint64_t replaced = *link ? uint64_t{entryHeaderSize} + (*link)->length : 0;
+    StorageEntry *const old = FindEntry(storage, key);
+    const uint64_t replaced = old ? uint64_t{entryHeaderSize} + old->length : 0;
     if (table.totalSize - replaced + entryHeaderSize + length > UINT32_MAX)
         return 0;
 
     HeapPointer<char> data = copyBytes(bytes, length);
     if (!data)
         return asserts.fail(0);
-    if (StorageEntry *entry = *link) {
-        replaceData(table, *entry, std::move(data), length);
-        entry->type = type;
+    if (old) {
+        replaceData(table, *old, std::move(data), length);
+        old->type = type;
         return 1;
     }
 
@@ -183,6 +255,7 @@ int32_t Storage_Put(Storage storage, uint32_t key, int32_t type, const void *byt
     bucket = entry;
     ++table.count;
     table.totalSize += entryHeaderSize + length;
+    addToIndex(storage, entry);
     return 1;
 }
 
@@ -364,15 +437,17 @@ int32_t Storage_GetType(Storage storage, uint32_t key) {
 }
 
 int32_t Storage_Remove(Storage storage, uint32_t key) {
-    if (!isOpen(storage))
-        return 0;
-    StorageEntry **link = findLink(storage, key);
-    StorageEntry *entry = *link;
+    StorageEntry *entry = FindEntry(storage, key);
     if (!entry)
         return 0;
+    Table &table = tableOf(storage);
+    removeFromIndex(table, key);
+    StorageEntry **link = &table.buckets[bucketOf(key)];
+    while (*link != entry)
+        link = &(*link)->next;
     *link = entry->next;
-    --(*storage)->count;
-    (*storage)->totalSize -= entryHeaderSize + entry->length;
+    --table.count;
+    table.totalSize -= entryHeaderSize + entry->length;
     freeEntry(entry);
     return 1;
 }
