@@ -1,7 +1,6 @@
 // utiDialogsControls.cpp: the controls and the header of a dialog description. Stands on the
 // reading loop of utiDialogsFields.h.
 #include "Src/utiDialogsFields.h"
-#include "Src/utiTLVParser.h"
 
 namespace uti {
 namespace {
@@ -71,10 +70,11 @@ int32_t ParseGraphicMenu(ParserNode *node) {
     if (menus.count >= DIALOG_CONTROLS)
         return UTI_DIALOG_TOO_MANY;
     GraphicMenuEntry &menu = menus.entries[menus.count];
-    const int32_t result = walkChildren(node, [&](ParserNode &child) {
+    Reader reader;
+    const int32_t result = walkChildren(reader, node, [&](ParserNode &child) {
         return child.tag == dialog::tagMenuElement
-                   ? Parser_ParseNode(&child, ParseGraphicMenuElement)
-                   : readField(child, rows, &menu);
+                   ? reader.outside([&] { return ParseGraphicMenuElement(&child); })
+                   : readField(reader, child, rows, &menu);
     });
     if (result == UTI_OK)
         ++menus.count;

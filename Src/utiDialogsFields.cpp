@@ -5,7 +5,6 @@
 
 #include "Src/utiDialogsFonts.h"
 #include "Src/utiDialogsRecords.h"
-#include "Src/utiTLVParser.h"
 
 #include <algorithm>
 #include <cstring>
@@ -40,51 +39,85 @@ void store(char *field, Value value) {
     std::memcpy(field, &value, sizeof value);
 }
 
-} // namespace
-
-int32_t readArea(ParserNode &node, Rectangle *area) {
-    currentAreaRectangle = area;
-    isLeftTop = 1;
-    return Parser_ParseNode(&node, ParseAreaRectangle);
+int32_t readPosition(Reader &reader, const ParserNode *node) {
+    static constexpr auto rows = dialog::rowsOf(dialog::positionFields);
+    return currentPosition ? readRecord(reader, node, rows, currentPosition)
+                           : skipChildren(reader, node);
 }
 
-int32_t readField(ParserNode &child, std::span<const Row> rows, void *record) {
+int32_t readPositions(Reader &reader, const ParserNode *node) {
+    return walkChildren(reader, node, [&](ParserNode &child) {
+        if (child.tag != dialog::tagPosition || !currentAreaRectangle)
+            return reader.skip(child);
+        currentPosition = isLeftTop ? &currentAreaRectangle->left : &currentAreaRectangle->right;
+        isLeftTop = 0;
+        return readPosition(reader, &child);
+    });
+}
+
+int32_t readColor(Reader &reader, const ParserNode *node) {
+    static constexpr auto rows = dialog::rowsOf(dialog::colorFields);
+    return currentRGB ? readRecord(reader, node, rows, currentRGB) : skipChildren(reader, node);
+}
+
+int32_t readColors(Reader &reader, const ParserNode *node) {
+    uint32_t seen = 0;
+    return walkChildren(reader, node, [&](ParserNode &child) {
+        if (child.tag != dialog::tagColor || !currentGraphicColors)
+            return reader.skip(child);
+        RgbColor *const colors[] = {
+            &currentGraphicColors->activeForeground, &currentGraphicColors->passiveForeground,
+            &currentGraphicColors->activeBackground, &currentGraphicColors->passiveBackground};
+        currentRGB = seen < std::size(colors) ? colors[seen++] : nullptr;
+        return readColor(reader, &child);
+    });
+}
+
+} // namespace
+
+int32_t readArea(Reader &reader, const ParserNode &node, Rectangle *area) {
+    currentAreaRectangle = area;
+    isLeftTop = 1;
+    return readPositions(reader, &node);
+}
+
+int32_t readField(Reader &reader, ParserNode &child, std::span<const Row> rows, void *record) {
     const auto row = std::find_if(rows.begin(), rows.end(),
                                   [&](const Row &each) { return each.tag == child.tag; });
     if (row == rows.end())
-        return skipChild(child);
+        return reader.skip(child);
 
     char *field = static_cast<char *>(record) + row->offset;
-    int32_t error = UTI_OK;
+    int32_t error;
     switch (row->kind) {
     case Kind::byte:
-        store(field, Parser_GetParameterByte(&child, &error));
+        store(field, reader.get<ByteScalar>(child, error));
         return error;
     case Kind::wide:
-        store(field, uint32_t{Parser_GetParameterByte(&child, &error)});
+        store(field, uint32_t{reader.get<ByteScalar>(child, error)});
         return error;
     case Kind::word:
-        store(field, Parser_GetParameterWord(&child, &error));
+        store(field, reader.get<WordScalar>(child, error));
         return error;
     case Kind::dword:
-        store(field, Parser_GetParameterDword(&child, &error));
+        store(field, reader.get<DwordScalar>(child, error));
         return error;
     case Kind::key:
         store(field,
-              static_cast<uint8_t>(IG_GetIGKeyCode(Parser_GetParameterByte(&child, &error))));
+              static_cast<uint8_t>(IG_GetIGKeyCode(reader.get<ByteScalar>(child, error))));
         return error;
     case Kind::area:
-        return readArea(child, static_cast<Rectangle *>(static_cast<void *>(field)));
+        return readArea(reader, child, static_cast<Rectangle *>(static_cast<void *>(field)));
     case Kind::colors:
         currentGraphicColors = static_cast<ColorSet *>(static_cast<void *>(field));
-        return Parser_ParseNode(&child, ParseGraphicColors);
+        return readColors(reader, &child);
     case Kind::text:
     case Kind::lines:
     case Kind::font:
         break;
     }
 
-    const int32_t length = Parser_GetParameterBuffer(&child, field, row->limit);
+    const int32_t length = reader.copy(child, field, row->limit);
     if (length < 0)
         return length;
     if (row->kind == Kind::lines)
@@ -94,8 +127,11 @@ int32_t readField(ParserNode &child, std::span<const Row> rows, void *record) {
     return UTI_OK;
 }
 
-int32_t readRecord(ParserNode *node, std::span<const Row> rows, void *record) {
-    return walkChildren(node, [&](ParserNode &child) { return readField(child, rows, record); });
+int32_t readRecord(Reader &reader, const ParserNode *node, std::span<const Row> rows,
+                   void *record) {
+    return walkChildren(reader, node, [&](ParserNode &child) {
+        return readField(reader, child, rows, record);
+    });
 }
 
 } // namespace uti
@@ -103,35 +139,21 @@ int32_t readRecord(ParserNode *node, std::span<const Row> rows, void *record) {
 using namespace uti;
 
 int32_t ParseAreaRectangle(ParserNode *node) {
-    return walkChildren(node, [](ParserNode &child) {
-        if (child.tag != dialog::tagPosition || !currentAreaRectangle)
-            return skipChild(child);
-        currentPosition = isLeftTop ? &currentAreaRectangle->left : &currentAreaRectangle->right;
-        isLeftTop = 0;
-        return Parser_ParseNode(&child, ParseGuiPosition);
-    });
+    Reader reader;
+    return readPositions(reader, node);
 }
 
 int32_t ParseGuiPosition(ParserNode *node) {
-    static constexpr auto rows = dialog::rowsOf(dialog::positionFields);
-    return currentPosition ? readRecord(node, rows, currentPosition)
-                           : walkChildren(node, skipChild);
+    Reader reader;
+    return readPosition(reader, node);
 }
 
 int32_t ParseGraphicColors(ParserNode *node) {
-    uint32_t seen = 0;
-    return walkChildren(node, [&](ParserNode &child) {
-        if (child.tag != dialog::tagColor || !currentGraphicColors)
-            return skipChild(child);
-        RgbColor *const colors[] = {
-            &currentGraphicColors->activeForeground, &currentGraphicColors->passiveForeground,
-            &currentGraphicColors->activeBackground, &currentGraphicColors->passiveBackground};
-        currentRGB = seen < std::size(colors) ? colors[seen++] : nullptr;
-        return Parser_ParseNode(&child, ParseRGB);
-    });
+    Reader reader;
+    return readColors(reader, node);
 }
 
 int32_t ParseRGB(ParserNode *node) {
-    static constexpr auto rows = dialog::rowsOf(dialog::colorFields);
-    return currentRGB ? readRecord(node, rows, currentRGB) : walkChildren(node, skipChild);
+    Reader reader;
+    return readColor(reader, node);
 }

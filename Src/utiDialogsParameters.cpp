@@ -2,7 +2,6 @@
 // applications parse themselves. Stands on the reading loop of utiDialogsFields.h.
 #include "Src/assertions.h"
 #include "Src/utiDialogsFields.h"
-#include "Src/utiTLVParser.h"
 
 namespace uti {
 namespace {
@@ -13,9 +12,10 @@ constexpr Assertions asserts{"Src/utiDialogs"};
 template <class Entries>
 int32_t readEntry(ParserNode *node, Entries &entries, uint8_t &count,
                   std::span<const dialog::Row> rows) {
+    Reader reader;
     const bool stored = count < std::size(entries);
-    const int32_t result =
-        stored ? readRecord(node, rows, &entries[count]) : walkChildren(node, skipChild);
+    const int32_t result = stored ? readRecord(reader, node, rows, &entries[count])
+                                  : skipChildren(reader, node);
     if (result != UTI_OK)
         return asserts.fail(result);
     if (count < UINT8_MAX)
@@ -35,9 +35,10 @@ int32_t ParseDialogParameters(ParserNode *node) {
     values.timeout = currentDialogTimeout;
     values.transparency = 2;
     values.border = 1;
-    const int32_t result = walkChildren(node, [&](ParserNode &child) {
-        return child.tag == dialog::tagArea ? readArea(child, &currentDialogAreaRectangle)
-                                            : readField(child, rows, &values);
+    Reader reader;
+    const int32_t result = walkChildren(reader, node, [&](ParserNode &child) {
+        return child.tag == dialog::tagArea ? readArea(reader, child, &currentDialogAreaRectangle)
+                                            : readField(reader, child, rows, &values);
     });
     currentDialogType = values.type;
     currentDialogTimeout = values.timeout;

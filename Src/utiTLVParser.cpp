@@ -15,15 +15,15 @@ constinit ParserReadFunction Parser_DataRead = nullptr;
 constinit ParserSeekFunction Parser_SetPosition = nullptr;
 
 namespace uti {
+
+constinit uint32_t blockSize = 0;
+
 namespace {
 
 constexpr Assertions asserts{"Src/utiTLVParser"};
 
 // A read of the file has failed since the walk began.
 constinit bool readFailed = false;
-
-// Bytes of the block that the bounded memory source reads.
-constinit uint32_t blockSize = 0;
 
 constexpr bool isFieldSize(uint32_t size) {
     constexpr uint32_t sizes = 1u << 1 | 1u << 2 | 1u << 4;
@@ -57,15 +57,6 @@ uint32_t leftInBlock() {
     return bytesReadInMemory < blockSize ? blockSize - bytesReadInMemory : 0;
 }
 
-uint32_t readBlock(uintptr_t source, void *destination, uint32_t count) {
-    const uint32_t left = leftInBlock();
-    return Memory_Read(source, destination, count < left ? count : left);
-}
-
-int32_t seekBlock(uintptr_t source, uint32_t offset) {
-    return offset <= blockSize ? Memory_SetPosition(source, offset) : -1;
-}
-
 // The next `count` bytes of a source: in place when they lie in a block, else read into `buffer`.
 // Null when fewer came.
 const uint8_t *fetch(uintptr_t source, uint8_t *buffer, uint32_t count) {
@@ -75,6 +66,16 @@ const uint8_t *fetch(uintptr_t source, uint8_t *buffer, uint32_t count) {
         return bytes;
     }
     return Parser_DataRead && Parser_DataRead(source, buffer, count) >= count ? buffer : nullptr;
+}
+
+template <class Kind>
+auto getScalar(const ParserNode *node, int32_t *error) {
+    const uint8_t *data = Cursor().take(node, Kind::type, Kind::size);
+    if (!data)
+        return readScalar<Kind>(node, error);
+    if (error)
+        *error = UTI_OK;
+    return Kind::decode(data);
 }
 
 int32_t openRoot(uintptr_t source, ParserNode *node) {
@@ -88,12 +89,28 @@ int32_t openMemoryRoot(const void *address, ParserNode *node) {
     return openRoot(reinterpret_cast<uintptr_t>(address), node);
 }
 
-// The checks and the read that the scalar getters share: the data bytes of a node whose value has
-// `size` bytes of type `type`, the first of them its type code. Null leaves `error` at what the
-// getter is to report.
-template <uint32_t size>
-const uint8_t *readScalar(const ParserNode *node, uint8_t type, int32_t *error,
-                          uint8_t (&buffer)[size]) {
+} // namespace
+
+uint32_t readBlock(uintptr_t source, void *destination, uint32_t count) {
+    const uint32_t left = leftInBlock();
+    return Memory_Read(source, destination, count < left ? count : left);
+}
+
+int32_t seekBlock(uintptr_t source, uint32_t offset) {
+    return offset <= blockSize ? Memory_SetPosition(source, offset) : -1;
+}
+
+int32_t readNextSubNode(const ParserNode *parent, ParserNode *child) {
+    if (!parent || !child)
+        return asserts.fail(UTI_PARSER_NO_NODE);
+    const uint64_t end = uint64_t{parent->valueOffset} + parent->length;
+    if (end <= uint64_t{bytesRead} + tagIdSize + lengthSize)
+        return UTI_PARSER_NO_NODE;
+    return Parser_GetNextCompoundNode(parent, child);
+}
+
+const uint8_t *readScalarData(const ParserNode *node, uint8_t type, int32_t *error,
+                              uint8_t *buffer, uint32_t size) {
     int32_t unused;
     int32_t &result = error ? *error : unused;
     result = UTI_PARSER_BAD_VALUE;
@@ -119,7 +136,39 @@ const uint8_t *readScalar(const ParserNode *node, uint8_t type, int32_t *error,
     return value + 1;
 }
 
-} // namespace
+int32_t readBuffer(const ParserNode *node, void *buffer, uint32_t size) {
+    if (!node || isCompound(*node))
+        return asserts.fail(UTI_PARSER_BAD_VALUE);
+    if (node->length == 0)
+        return 0;
+    const uint32_t count = node->length - 1;
+    if (count > size || count > INT32_MAX || (!buffer && count > 0))
+        return asserts.fail(UTI_PARSER_BAD_VALUE);
+
+    uint8_t typeBuffer[1];
+    const uint8_t *type = fetch(node->source, typeBuffer, 1);
+    if (!type || (*type != 1 && *type != 2))
+        return asserts.fail(UTI_PARSER_BAD_TYPE);
+    if (count > 0) {
+        auto *destination = static_cast<uint8_t *>(buffer);
+        const uint8_t *data = fetch(node->source, destination, count);
+        if (!data)
+            return asserts.fail(UTI_PARSER_BAD_VALUE);
+        if (data != destination)
+            std::memcpy(destination, data, count);
+    }
+    bytesRead += node->length;
+    return static_cast<int32_t>(count);
+}
+
+int32_t skipValue(const ParserNode *node) {
+    const uint64_t end = node ? uint64_t{node->valueOffset} + node->length : 0;
+    if (!node || end > UINT32_MAX || !Parser_SetPosition ||
+        Parser_SetPosition(node->source, static_cast<uint32_t>(end)) != 0)
+        return asserts.fail(UTI_PARSER_BAD_VALUE);
+    bytesRead += node->length;
+    return UTI_OK;
+}
 
 bool Parser_ReadFailed() {
     return readFailed;
@@ -203,75 +252,35 @@ int32_t Parser_GetNextCompoundNode(const ParserNode *parent, ParserNode *child) 
 }
 
 int32_t Parser_GetNextSubNode(const ParserNode *parent, ParserNode *child) {
-    if (!parent || !child)
-        return asserts.fail(UTI_PARSER_NO_NODE);
-    const uint64_t end = uint64_t{parent->valueOffset} + parent->length;
-    if (end <= uint64_t{bytesRead} + tagIdSize + lengthSize)
-        return UTI_PARSER_NO_NODE;
-    return Parser_GetNextCompoundNode(parent, child);
+    int32_t result;
+    return Cursor().next(parent, child, result) ? result : readNextSubNode(parent, child);
 }
 
 int32_t Parser_GetParameterBuffer(const ParserNode *node, void *buffer, uint32_t size) {
-    if (!node || isCompound(*node))
-        return asserts.fail(UTI_PARSER_BAD_VALUE);
-    if (node->length == 0)
-        return 0;
-    const uint32_t count = node->length - 1;
-    if (count > size || count > INT32_MAX || (!buffer && count > 0))
-        return asserts.fail(UTI_PARSER_BAD_VALUE);
-
-    uint8_t typeBuffer[1];
-    const uint8_t *type = fetch(node->source, typeBuffer, 1);
-    if (!type || (*type != 1 && *type != 2))
-        return asserts.fail(UTI_PARSER_BAD_TYPE);
-    if (count > 0) {
-        auto *destination = static_cast<uint8_t *>(buffer);
-        const uint8_t *data = fetch(node->source, destination, count);
-        if (!data)
-            return asserts.fail(UTI_PARSER_BAD_VALUE);
-        if (data != destination)
-            std::memcpy(destination, data, count);
-    }
-    bytesRead += node->length;
-    return static_cast<int32_t>(count);
+    int32_t count;
+    return Cursor().copy(node, buffer, size, count) ? count : readBuffer(node, buffer, size);
 }
 
 uint8_t Parser_GetParameterByte(const ParserNode *node, int32_t *error) {
-    uint8_t buffer[2];
-    const uint8_t *value = readScalar(node, 3, error, buffer);
-    return value ? *value : uint8_t{0};
+    return getScalar<ByteScalar>(node, error);
 }
 
 uint16_t Parser_GetParameterWord(const ParserNode *node, int32_t *error) {
-    uint8_t buffer[3];
-    const uint8_t *value = readScalar(node, 4, error, buffer);
-    return value ? BufferToWord(value) : uint16_t{0};
+    return getScalar<WordScalar>(node, error);
 }
 
 uint32_t Parser_GetParameterDword(const ParserNode *node, int32_t *error) {
-    uint8_t buffer[5];
-    const uint8_t *value = readScalar(node, 5, error, buffer);
-    return value ? BufferToDword(value) : 0;
+    return getScalar<DwordScalar>(node, error);
 }
 
 double Parser_GetParameterDouble(const ParserNode *node, int32_t *error) {
-    uint8_t buffer[9];
-    const uint8_t *value = readScalar(node, 6, error, buffer);
-    return value ? BufferToDouble(value) : 0;
+    return getScalar<DoubleScalar>(node, error);
 }
 
 void Parser_GetParameterInsignificant(const ParserNode *node, int32_t *error) {
-    int32_t unused;
-    int32_t &result = error ? *error : unused;
-    result = UTI_PARSER_BAD_VALUE;
-    const uint64_t end = node ? uint64_t{node->valueOffset} + node->length : 0;
-    if (!node || end > UINT32_MAX || !Parser_SetPosition ||
-        Parser_SetPosition(node->source, static_cast<uint32_t>(end)) != 0) {
-        asserts.report();
-        return;
-    }
-    bytesRead += node->length;
-    result = UTI_OK;
+    const int32_t result = Cursor().skip(node) ? UTI_OK : skipValue(node);
+    if (error)
+        *error = result;
 }
 
 int32_t Parser_ParseNode(ParserNode *node, ParserCallback callback) {

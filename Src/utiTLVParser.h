@@ -1,17 +1,185 @@
-// utiTLVParser.h: what readers inside the library use beside the parser's exports: the walk over a
-// node's children, and keeping a walk's state over something that may start another one.
+// utiTLVParser.h: what readers inside the library use beside the parser's exports: the cursor under
+// them, the walk over a node's children, and keeping a walk's state over something that may start
+// another one.
 #pragma once
 
+#include "terminal.h"
 #include "uti.h"
 
+#include <cstring>
+
 namespace uti {
+
+// The bounded block as a source.
+extern uint32_t blockSize;
+uint32_t readBlock(uintptr_t source, void *destination, uint32_t count);
+int32_t seekBlock(uintptr_t source, uint32_t offset);
+
+// A kind of scalar: its type code, the bytes of its value, that code among them, and its converter.
+template <uint8_t typeCode, uint32_t valueSize, auto converter>
+struct Scalar {
+    static constexpr uint8_t type = typeCode;
+    static constexpr uint32_t size = valueSize;
+    static auto decode(const uint8_t *data) { return converter(data); }
+};
+
+inline uint8_t firstByte(const void *data) {
+    return *static_cast<const uint8_t *>(data);
+}
+
+using ByteScalar = Scalar<3, 2, firstByte>;
+using WordScalar = Scalar<4, 3, BufferToWord>;
+using DwordScalar = Scalar<5, 5, BufferToDword>;
+using DoubleScalar = Scalar<6, 9, BufferToDouble>;
+
+// Reading of any source, with any header sizes. The data of a scalar are in `buffer` or in place;
+// null stands for 0, with `error` or without.
+[[gnu::cold, gnu::noinline]] int32_t readNextSubNode(const ParserNode *parent, ParserNode *child);
+[[gnu::cold, gnu::noinline]] const uint8_t *readScalarData(const ParserNode *node, uint8_t type,
+                                                           int32_t *error, uint8_t *buffer,
+                                                           uint32_t size);
+[[gnu::cold, gnu::noinline]] int32_t readBuffer(const ParserNode *node, void *buffer, uint32_t size);
+[[gnu::cold, gnu::noinline]] int32_t skipValue(const ParserNode *node);
+
+template <class Kind>
+[[gnu::cold, gnu::noinline]] auto readScalar(const ParserNode *node, int32_t *error) {
+    uint8_t buffer[Kind::size];
+    const uint8_t *data = readScalarData(node, Kind::type, error, buffer, Kind::size);
+    return data ? Kind::decode(data) : decltype(Kind::decode(data)){0};
+}
+
+// The position in what nearly all walks read: a bounded block whose headers have a tag id of one
+// byte and a length of two. Nodes and values are taken in place, and the exported variables follow
+// each step. An operation tells that it was not possible, and has done nothing, for any other source
+// and for all that is wrong in the stream; the functions above are for those.
+class Cursor {
+public:
+    Cursor() { load(); }
+
+    // Takes the position from the exported variables, after others have moved it.
+    void load() {
+        position_ = bytesReadInMemory;
+        size_ = 0;
+        if (Parser_DataRead == readBlock && tagIdSize == 1 && lengthSize == 2 &&
+            bytesRead == position_) [[likely]]
+            size_ = blockSize;
+    }
+
+    // `result` becomes that of `Parser_GetNextSubNode`.
+    bool next(const ParserNode *parent, ParserNode *child, int32_t &result) {
+        constexpr uint32_t headerSize = 3;
+        if (!parent || !child || parent->source == 0 || !isAtHand(headerSize))
+            return false;
+        const uint64_t end = uint64_t{parent->valueOffset} + parent->length;
+        if (end <= uint64_t{position_} + headerSize || parent->length == 0 || !isCompound(*parent)) {
+            result = UTI_PARSER_NO_NODE;
+            return true;
+        }
+        const uint8_t *header = move(*parent, headerSize);
+        child->tag = header[0];
+        child->source = parent->source;
+        child->valueOffset = position_;
+        child->length = BufferToWord(header + 1);
+        result = UTI_OK;
+        return true;
+    }
+
+    // The data of a scalar, or null.
+    const uint8_t *take(const ParserNode *node, uint8_t type, uint32_t size) {
+        if (!node || node->length != size || !canTake(*node, size) || *at(*node) != type)
+            return nullptr;
+        return move(*node, size) + 1;
+    }
+
+    // `count` becomes the number of bytes copied.
+    bool copy(const ParserNode *node, void *buffer, uint32_t size, int32_t &count) {
+        if (!node || node->length == 0 || node->length - 1 > size || node->length > INT32_MAX ||
+            !buffer || !canTake(*node, node->length) || (*at(*node) != 1 && *at(*node) != 2))
+            return false;
+        count = static_cast<int32_t>(node->length - 1);
+        std::memcpy(buffer, move(*node, node->length) + 1, node->length - 1);
+        return true;
+    }
+
+    bool skip(const ParserNode *node) {
+        if (size_ == 0 || Parser_SetPosition != seekBlock || !node ||
+            node->valueOffset != position_ || !isAtHand(node->length))
+            return false;
+        move(*node, node->length);
+        return true;
+    }
+
+private:
+    static bool isCompound(const ParserNode &node) { return (node.tag & 0x80) != 0; }
+
+    bool isAtHand(uint32_t count) const { return uint64_t{position_} + count <= size_; }
+
+    bool canTake(const ParserNode &node, uint32_t count) const {
+        return !isCompound(node) && node.source != 0 && isAtHand(count);
+    }
+
+    const uint8_t *at(const ParserNode &node) const {
+        return reinterpret_cast<const uint8_t *>(node.source) + position_;
+    }
+
+    // Moves on and gives the bytes that were passed.
+    const uint8_t *move(const ParserNode &node, uint32_t count) {
+        const uint8_t *bytes = at(node);
+        position_ += count;
+        bytesRead = bytesReadInMemory = position_;
+        return bytes;
+    }
+
+    uint32_t position_;
+    uint32_t size_; // of the block; 0 when nothing can be taken in place
+};
+
+// A walk inside the library: the exported operations with the cursor kept from one to the next.
+class Reader {
+public:
+    // Calls what moves the position by itself.
+    template <class Call>
+    auto outside(Call call) {
+        const auto result = call();
+        cursor_.load();
+        return result;
+    }
+
+    int32_t next(const ParserNode *parent, ParserNode *child) {
+        int32_t result;
+        return cursor_.next(parent, child, result)
+                   ? result
+                   : outside([&] { return readNextSubNode(parent, child); });
+    }
+
+    template <class Kind>
+    auto get(const ParserNode &node, int32_t &error) {
+        error = UTI_OK;
+        const uint8_t *data = cursor_.take(&node, Kind::type, Kind::size);
+        return data ? Kind::decode(data) : outside([&] { return readScalar<Kind>(&node, &error); });
+    }
+
+    int32_t copy(const ParserNode &node, void *buffer, uint32_t size) {
+        int32_t count;
+        return cursor_.copy(&node, buffer, size, count)
+                   ? count
+                   : outside([&] { return readBuffer(&node, buffer, size); });
+    }
+
+    int32_t skip(const ParserNode &node) {
+        return cursor_.skip(&node) ? UTI_OK : outside([&] { return skipValue(&node); });
+    }
+
+private:
+    Cursor cursor_;
+};
 
 // Walks the children of a node: `take` consumes a child and returns 0, or an error that ends the
 // walk and is its result. A child header that cannot be read ends the walk like the last child.
 template <class Take>
-int32_t walkChildren(ParserNode *node, Take take) {
+int32_t walkChildren(Reader &reader, const ParserNode *node, Take take) {
     ParserNode child;
-    while (Parser_GetNextSubNode(node, &child) == UTI_OK) {
+    while (reader.next(node, &child) == UTI_OK) {
         const int32_t result = take(child);
         if (result != UTI_OK)
             return result;
@@ -22,12 +190,23 @@ int32_t walkChildren(ParserNode *node, Take take) {
 // True when a read of the file has failed since `Parser_GetRootNode`: a walk that ended there may
 // have missed children.
 bool Parser_ReadFailed();
+template <class Take>
+int32_t walkChildren(const ParserNode *node, Take take) {
+    Reader reader;
+    return walkChildren(reader, node,
+                        [&](ParserNode &child) { return reader.outside([&] { return take(child); }); });
+}
 
 // Skips a child. Returns 0 or the error.
 inline int32_t skipChild(const ParserNode &child) {
     int32_t error;
     Parser_GetParameterInsignificant(&child, &error);
     return error;
+}
+
+// Skips all children of a node.
+inline int32_t skipChildren(Reader &reader, const ParserNode *node) {
+    return walkChildren(reader, node, [&](ParserNode &child) { return reader.skip(child); });
 }
 
 // The parser's state at one moment; put back when this goes out of scope.
