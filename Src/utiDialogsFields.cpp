@@ -6,7 +6,6 @@
 #include "Src/utiDialogsFonts.h"
 #include "Src/utiDialogsRecords.h"
 
-#include <algorithm>
 #include <cstring>
 
 constinit Rectangle *currentAreaRectangle = nullptr;
@@ -82,29 +81,31 @@ int32_t readArea(Reader &reader, const ParserNode &node, Rectangle *area) {
 }
 
 int32_t readField(Reader &reader, ParserNode &child, std::span<const Row> rows, void *record) {
-    const auto row = std::find_if(rows.begin(), rows.end(),
-                                  [&](const Row &each) { return each.tag == child.tag; });
-    if (row == rows.end())
+    const Row *row = rows.data(), *const end = row + rows.size();
+    while (row != end && row->tag != child.tag)
+        ++row;
+    if (row == end)
         return reader.skip(child);
 
     char *field = static_cast<char *>(record) + row->offset;
     int32_t error;
     switch (row->kind) {
     case Kind::byte:
-        store(field, reader.get<ByteScalar>(child, error));
-        return error;
     case Kind::wide:
-        store(field, uint32_t{reader.get<ByteScalar>(child, error)});
+    case Kind::key: {
+        const uint8_t value = reader.get<ByteScalar>(child, error);
+        if (row->kind == Kind::wide)
+            store(field, uint32_t{value});
+        else
+            store(field, row->kind == Kind::byte ? value
+                                                 : static_cast<uint8_t>(IG_GetIGKeyCode(value)));
         return error;
+    }
     case Kind::word:
         store(field, reader.get<WordScalar>(child, error));
         return error;
     case Kind::dword:
         store(field, reader.get<DwordScalar>(child, error));
-        return error;
-    case Kind::key:
-        store(field,
-              static_cast<uint8_t>(IG_GetIGKeyCode(reader.get<ByteScalar>(child, error))));
         return error;
     case Kind::area:
         return readArea(reader, child, static_cast<Rectangle *>(static_cast<void *>(field)));

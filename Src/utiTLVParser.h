@@ -141,7 +141,7 @@ public:
     template <class Call>
     auto outside(Call call) {
         const auto result = call();
-        cursor_.load();
+        reload();
         return result;
     }
 
@@ -171,6 +171,8 @@ public:
     }
 
 private:
+    [[gnu::cold, gnu::noinline]] void reload() { cursor_.load(); }
+
     Cursor cursor_;
 };
 
