@@ -5,14 +5,11 @@
 
 #include <bit>
 #include <cstring>
-#include <span>
 
 namespace uti {
 namespace {
 
-using Bytes = std::span<const uint8_t>;
-
-constexpr uint32_t longestTag = 3;
+constexpr uint32_t twoByteTags = 0xFFFF; // three bytes are the most
 constexpr uint32_t longestLength = 4; // of the bytes behind the first one
 constexpr uint32_t searchDepth = 5;
 constexpr uint32_t smallestBuffer = 4;
@@ -28,68 +25,68 @@ struct Header {
     bool constructed;
 };
 
-// Bytes of the tag at the start of `data`; 0 for one that is cut or longer than three bytes.
-uint32_t tagSize(Bytes data) {
-    if (data.empty())
-        return 0;
-    uint32_t size = 1;
-    bool more = (data[0] & moreTagBytes) == moreTagBytes;
-    while (more) {
-        if (size >= data.size() || size == longestTag)
-            return 0;
-        more = (data[size++] & moreBit) != 0;
+// Reads a tag and a length and moves `at` to the value, which may be longer than what is left up to
+// `end`. False when they are not whole, or longer than is read.
+[[gnu::always_inline]] inline bool readHeader(Header &header, const uint8_t *&at, const uint8_t *end) {
+    if (at == end)
+        return false;
+    uint32_t tag = *at++;
+    header.constructed = (tag & constructedBit) != 0;
+    if ((tag & moreTagBytes) == moreTagBytes) {
+        do {
+            if (at == end || tag > twoByteTags)
+                return false;
+            tag = tag << 8 | *at++;
+        } while ((tag & moreBit) != 0);
     }
-    return size;
-}
+    header.tag = tag;
 
-// Reads a tag and a length and moves `data` to the value, which may be longer than the data left.
-// False when they are not whole, or longer than is read.
-bool readHeader(Header &header, Bytes &data) {
-    const uint32_t size = tagSize(data);
-    if (size == 0 || size == data.size())
+    if (at == end)
         return false;
-    header.tag = static_cast<uint32_t>(getNumber(data.data(), size, ByteOrder::big));
-    header.constructed = (data[0] & constructedBit) != 0;
-    data = data.subspan(size);
-
-    const uint8_t first = data[0];
-    const uint32_t count = first < longForm ? 0 : first - longForm;
-    if (count >= data.size() || count > longestLength)
-        return false;
-    header.length = first < longForm
-                        ? first
-                        : static_cast<uint32_t>(getNumber(data.data() + 1, count, ByteOrder::big));
-    data = data.subspan(1 + count);
+    uint32_t length = *at++;
+    if (length >= longForm) {
+        uint32_t count = length - longForm;
+        if (count > longestLength || count > static_cast<std::size_t>(end - at))
+            return false;
+        for (length = 0; count > 0; --count)
+            length = length << 8 | *at++;
+    }
+    header.length = length;
     return true;
 }
 
+// What a search looks for, and where the value goes; only a found one touches these.
+struct Search {
+    uint32_t wantedTag;
+    uint8_t *value;
+    uint32_t *valueLength; // before, the room for the value
+};
+
 // Searches one level, and `depth` levels inside its constructed objects, for the first object with
-// the tag: an object comes before those inside it. Only a found value touches the out-parameters.
-int32_t findTag(Bytes data, uint32_t wantedTag, uint32_t &valueLength, std::span<uint8_t> value,
-                uint32_t depth) {
-    if (data.empty() || value.empty())
+// the tag: an object comes before those inside it.
+int32_t findTag(const Search &search, const uint8_t *at, const uint8_t *end, uint32_t depth) {
+    if (at == end)
         return UTI_BERTLV_BAD_DATA;
 
-    while (!data.empty()) {
+    do {
         Header header;
-        if (!readHeader(header, data) || header.length > data.size())
+        if (!readHeader(header, at, end) || header.length > static_cast<std::size_t>(end - at))
             return UTI_BERTLV_BAD_DATA;
 
-        const Bytes found = data.first(header.length);
-        if (header.tag == wantedTag) {
-            if (found.size() > value.size())
+        if (header.tag == search.wantedTag) {
+            if (header.length > *search.valueLength)
                 return UTI_BERTLV_BAD_DATA;
-            std::memmove(value.data(), found.data(), found.size());
-            valueLength = header.length;
+            std::memmove(search.value, at, header.length);
+            *search.valueLength = header.length;
             return UTI_OK;
         }
         if (header.constructed && depth > 0) {
-            const int32_t inner = findTag(found, wantedTag, valueLength, value, depth - 1);
+            const int32_t inner = findTag(search, at, at + header.length, depth - 1);
             if (inner != UTI_BERTLV_NOT_FOUND)
                 return inner;
         }
-        data = data.subspan(header.length);
-    }
+        at += header.length;
+    } while (at != end);
     return UTI_BERTLV_NOT_FOUND;
 }
 
@@ -107,29 +104,28 @@ int32_t BerTlv_GetTag(const uint8_t **cursor, uint32_t *remaining, uint32_t *tag
                       const uint8_t **value) {
     if (!cursor || !*cursor || !remaining || !tag || !length || !value)
         return UTI_BERTLV_BAD_OBJECT;
-    Bytes data(*cursor, *remaining);
+    const uint8_t *at = *cursor, *const end = at + *remaining;
     Header header;
-    if (!readHeader(header, data))
+    if (!readHeader(header, at, end))
         return UTI_BERTLV_BAD_OBJECT;
 
     *tag = header.tag;
     *length = header.length;
     if (header.length > 0)
-        *value = data.empty() ? nullptr : data.data();
-    if (header.length > data.size())
+        *value = at == end ? nullptr : at;
+    if (header.length > static_cast<std::size_t>(end - at))
         return UTI_BERTLV_CUT_VALUE;
 
-    data = data.subspan(header.length);
-    *cursor = data.data();
-    *remaining = static_cast<uint32_t>(data.size());
+    *cursor = at + header.length;
+    *remaining = static_cast<uint32_t>(end - *cursor);
     return UTI_OK;
 }
 
 int32_t BerTlv_ExtractSingleTag(const uint8_t *data, uint32_t dataLength, uint32_t wantedTag,
                                 uint32_t *valueLength, uint8_t *value) {
-    if (!data || !valueLength || !value)
+    if (!data || !valueLength || !value || *valueLength == 0)
         return UTI_BERTLV_BAD_DATA;
-    return findTag({data, dataLength}, wantedTag, *valueLength, {value, *valueLength}, searchDepth);
+    return findTag({wantedTag, value, valueLength}, data, data + dataLength, searchDepth);
 }
 
 int32_t BerTlv_TagIsPrimitive(uint32_t tag, uint32_t tagLength) {
