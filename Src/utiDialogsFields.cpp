@@ -93,7 +93,7 @@ int32_t readField(Reader &reader, ParserNode &child, std::span<const Row> rows, 
     case Kind::byte:
     case Kind::wide:
     case Kind::key: {
-        const uint8_t value = reader.get<ByteScalar>(child, error);
+        const uint8_t value = reader.byte(child, error);
         if (row->kind == Kind::wide)
             store(field, uint32_t{value});
         else
@@ -102,10 +102,10 @@ int32_t readField(Reader &reader, ParserNode &child, std::span<const Row> rows, 
         return error;
     }
     case Kind::word:
-        store(field, reader.get<WordScalar>(child, error));
+        store(field, reader.word(child, error));
         return error;
     case Kind::dword:
-        store(field, reader.get<DwordScalar>(child, error));
+        store(field, reader.dword(child, error));
         return error;
     case Kind::area:
         return readArea(reader, child, static_cast<Rectangle *>(static_cast<void *>(field)));

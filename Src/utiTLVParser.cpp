@@ -68,16 +68,6 @@ const uint8_t *fetch(uintptr_t source, uint8_t *buffer, uint32_t count) {
     return Parser_DataRead && Parser_DataRead(source, buffer, count) >= count ? buffer : nullptr;
 }
 
-template <class Kind>
-auto getScalar(const ParserNode *node, int32_t *error) {
-    const uint8_t *data = Cursor().take(node, Kind::type, Kind::size);
-    if (!data)
-        return readScalar<Kind>(node, error);
-    if (error)
-        *error = UTI_OK;
-    return Kind::decode(data);
-}
-
 int32_t openRoot(uintptr_t source, ParserNode *node) {
     bytesRead = 0;
     const ParserNode stream{static_cast<uint16_t>(compoundBit()), source, 0, 1};
@@ -89,18 +79,26 @@ int32_t openMemoryRoot(const void *address, ParserNode *node) {
     return openRoot(reinterpret_cast<uintptr_t>(address), node);
 }
 
-} // namespace
+// A kind of scalar: its type code, the bytes of its value, that code among them, and its converter.
+template <uint8_t typeCode, uint32_t valueSize, auto converter>
+struct Scalar {
+    static constexpr uint8_t type = typeCode;
+    static constexpr uint32_t size = valueSize;
+    static auto decode(const uint8_t *data) { return converter(data); }
+};
 
-uint32_t readBlock(uintptr_t source, void *destination, uint32_t count) {
-    const uint32_t left = leftInBlock();
-    return Memory_Read(source, destination, count < left ? count : left);
+inline uint8_t firstByte(const void *data) {
+    return *static_cast<const uint8_t *>(data);
 }
 
-int32_t seekBlock(uintptr_t source, uint32_t offset) {
-    return offset <= blockSize ? Memory_SetPosition(source, offset) : -1;
-}
+using ByteScalar = Scalar<3, 2, firstByte>;
+using WordScalar = Scalar<4, 3, BufferToWord>;
+using DwordScalar = Scalar<5, 5, BufferToDword>;
+using DoubleScalar = Scalar<6, 9, BufferToDouble>;
 
-int32_t readNextSubNode(const ParserNode *parent, ParserNode *child) {
+// --- reading of any source, with any header sizes
+
+[[gnu::cold, gnu::noinline]] int32_t readNextSubNode(const ParserNode *parent, ParserNode *child) {
     if (!parent || !child)
         return asserts.fail(UTI_PARSER_NO_NODE);
     const uint64_t end = uint64_t{parent->valueOffset} + parent->length;
@@ -109,8 +107,9 @@ int32_t readNextSubNode(const ParserNode *parent, ParserNode *child) {
     return Parser_GetNextCompoundNode(parent, child);
 }
 
-const uint8_t *readScalarData(const ParserNode *node, uint8_t type, int32_t *error,
-                              uint8_t *buffer, uint32_t size) {
+[[gnu::cold, gnu::noinline]] const uint8_t *readScalarData(const ParserNode *node, uint8_t type,
+                                                           int32_t *error, uint8_t *buffer,
+                                                           uint32_t size) {
     int32_t unused;
     int32_t &result = error ? *error : unused;
     result = UTI_PARSER_BAD_VALUE;
@@ -136,7 +135,7 @@ const uint8_t *readScalarData(const ParserNode *node, uint8_t type, int32_t *err
     return value + 1;
 }
 
-int32_t readBuffer(const ParserNode *node, void *buffer, uint32_t size) {
+[[gnu::cold, gnu::noinline]] int32_t readBuffer(const ParserNode *node, void *buffer, uint32_t size) {
     if (!node || isCompound(*node))
         return asserts.fail(UTI_PARSER_BAD_VALUE);
     if (node->length == 0)
@@ -161,13 +160,82 @@ int32_t readBuffer(const ParserNode *node, void *buffer, uint32_t size) {
     return static_cast<int32_t>(count);
 }
 
-int32_t skipValue(const ParserNode *node) {
+[[gnu::cold, gnu::noinline]] int32_t skipValue(const ParserNode *node) {
     const uint64_t end = node ? uint64_t{node->valueOffset} + node->length : 0;
     if (!node || end > UINT32_MAX || !Parser_SetPosition ||
         Parser_SetPosition(node->source, static_cast<uint32_t>(end)) != 0)
         return asserts.fail(UTI_PARSER_BAD_VALUE);
     bytesRead += node->length;
     return UTI_OK;
+}
+
+// Null stands for 0, with an error or without.
+template <class Kind>
+[[gnu::cold, gnu::noinline]] auto readScalar(const ParserNode *node, int32_t *error) {
+    uint8_t buffer[Kind::size];
+    const uint8_t *data = readScalarData(node, Kind::type, error, buffer, Kind::size);
+    return data ? Kind::decode(data) : decltype(Kind::decode(data)){0};
+}
+
+// --- the same from a cursor where it is possible
+
+template <class Kind>
+auto getScalar(const ParserNode *node, int32_t *error) {
+    const uint8_t *data = Cursor().take(node, Kind::type, Kind::size);
+    if (!data)
+        return readScalar<Kind>(node, error);
+    if (error)
+        *error = UTI_OK;
+    return Kind::decode(data);
+}
+
+} // namespace
+
+uint32_t readBlock(uintptr_t source, void *destination, uint32_t count) {
+    const uint32_t left = leftInBlock();
+    return Memory_Read(source, destination, count < left ? count : left);
+}
+
+int32_t seekBlock(uintptr_t source, uint32_t offset) {
+    return offset <= blockSize ? Memory_SetPosition(source, offset) : -1;
+}
+
+int32_t Reader::nextOfAny(const ParserNode *parent, ParserNode *child) {
+    return outside([&] { return readNextSubNode(parent, child); });
+}
+
+template <class Kind>
+auto Reader::get(const ParserNode &node, int32_t &error) {
+    error = UTI_OK;
+    const uint8_t *data = cursor_.take(&node, Kind::type, Kind::size);
+    return data ? Kind::decode(data) : outside([&] { return readScalar<Kind>(&node, &error); });
+}
+
+uint8_t Reader::byte(const ParserNode &node, int32_t &error) {
+    return get<ByteScalar>(node, error);
+}
+
+uint16_t Reader::word(const ParserNode &node, int32_t &error) {
+    return get<WordScalar>(node, error);
+}
+
+uint32_t Reader::dword(const ParserNode &node, int32_t &error) {
+    return get<DwordScalar>(node, error);
+}
+
+int32_t Reader::copy(const ParserNode &node, void *buffer, uint32_t size) {
+    int32_t count;
+    return cursor_.copy(&node, buffer, size, count)
+               ? count
+               : outside([&] { return readBuffer(&node, buffer, size); });
+}
+
+int32_t Reader::skip(const ParserNode &node) {
+    return cursor_.skip(&node) ? UTI_OK : outside([&] { return skipValue(&node); });
+}
+
+void Reader::reload() {
+    cursor_.load();
 }
 
 bool Parser_ReadFailed() {

@@ -15,43 +15,10 @@ extern uint32_t blockSize;
 uint32_t readBlock(uintptr_t source, void *destination, uint32_t count);
 int32_t seekBlock(uintptr_t source, uint32_t offset);
 
-// A kind of scalar: its type code, the bytes of its value, that code among them, and its converter.
-template <uint8_t typeCode, uint32_t valueSize, auto converter>
-struct Scalar {
-    static constexpr uint8_t type = typeCode;
-    static constexpr uint32_t size = valueSize;
-    static auto decode(const uint8_t *data) { return converter(data); }
-};
-
-inline uint8_t firstByte(const void *data) {
-    return *static_cast<const uint8_t *>(data);
-}
-
-using ByteScalar = Scalar<3, 2, firstByte>;
-using WordScalar = Scalar<4, 3, BufferToWord>;
-using DwordScalar = Scalar<5, 5, BufferToDword>;
-using DoubleScalar = Scalar<6, 9, BufferToDouble>;
-
-// Reading of any source, with any header sizes. The data of a scalar are in `buffer` or in place;
-// null stands for 0, with `error` or without.
-[[gnu::cold, gnu::noinline]] int32_t readNextSubNode(const ParserNode *parent, ParserNode *child);
-[[gnu::cold, gnu::noinline]] const uint8_t *readScalarData(const ParserNode *node, uint8_t type,
-                                                           int32_t *error, uint8_t *buffer,
-                                                           uint32_t size);
-[[gnu::cold, gnu::noinline]] int32_t readBuffer(const ParserNode *node, void *buffer, uint32_t size);
-[[gnu::cold, gnu::noinline]] int32_t skipValue(const ParserNode *node);
-
-template <class Kind>
-[[gnu::cold, gnu::noinline]] auto readScalar(const ParserNode *node, int32_t *error) {
-    uint8_t buffer[Kind::size];
-    const uint8_t *data = readScalarData(node, Kind::type, error, buffer, Kind::size);
-    return data ? Kind::decode(data) : decltype(Kind::decode(data)){0};
-}
-
 // The position in what nearly all walks read: a bounded block whose headers have a tag id of one
 // byte and a length of two. Nodes and values are taken in place, and the exported variables follow
 // each step. An operation tells that it was not possible, and has done nothing, for any other source
-// and for all that is wrong in the stream; the functions above are for those.
+// and for all that is wrong in the stream.
 class Cursor {
 public:
     Cursor() { load(); }
@@ -59,16 +26,15 @@ public:
     // Takes the position from the exported variables, after others have moved it.
     void load() {
         position_ = bytesReadInMemory;
-        size_ = 0;
-        if (Parser_DataRead == readBlock && tagIdSize == 1 && lengthSize == 2 &&
-            bytesRead == position_) [[likely]]
-            size_ = blockSize;
+        size_ = blockSize;
+        inBlock_ = Parser_DataRead == readBlock && tagIdSize == 1 && lengthSize == 2 &&
+                   bytesRead == position_;
     }
 
     // `result` becomes that of `Parser_GetNextSubNode`.
     bool next(const ParserNode *parent, ParserNode *child, int32_t &result) {
         constexpr uint32_t headerSize = 3;
-        if (!parent || !child || parent->source == 0 || !isAtHand(headerSize))
+        if (!inBlock_ || !parent || !child || parent->source == 0 || !isAtHand(headerSize))
             return false;
         const uint64_t end = uint64_t{parent->valueOffset} + parent->length;
         if (end <= uint64_t{position_} + headerSize || parent->length == 0 || !isCompound(*parent)) {
@@ -86,15 +52,16 @@ public:
 
     // The data of a scalar, or null.
     const uint8_t *take(const ParserNode *node, uint8_t type, uint32_t size) {
-        if (!node || node->length != size || !canTake(*node, size) || *at(*node) != type)
+        if (!inBlock_ || !node || node->length != size || !canTake(*node, size) || *at(*node) != type)
             return nullptr;
         return move(*node, size) + 1;
     }
 
     // `count` becomes the number of bytes copied.
     bool copy(const ParserNode *node, void *buffer, uint32_t size, int32_t &count) {
-        if (!node || node->length == 0 || node->length - 1 > size || node->length > INT32_MAX ||
-            !buffer || !canTake(*node, node->length) || (*at(*node) != 1 && *at(*node) != 2))
+        if (!inBlock_ || !node || node->length == 0 || node->length - 1 > size ||
+            node->length > INT32_MAX || !buffer || !canTake(*node, node->length) ||
+            (*at(*node) != 1 && *at(*node) != 2))
             return false;
         count = static_cast<int32_t>(node->length - 1);
         std::memcpy(buffer, move(*node, node->length) + 1, node->length - 1);
@@ -102,7 +69,7 @@ public:
     }
 
     bool skip(const ParserNode *node) {
-        if (size_ == 0 || Parser_SetPosition != seekBlock || !node ||
+        if (!inBlock_ || Parser_SetPosition != seekBlock || !node ||
             node->valueOffset != position_ || !isAtHand(node->length))
             return false;
         move(*node, node->length);
@@ -131,12 +98,24 @@ private:
     }
 
     uint32_t position_;
-    uint32_t size_; // of the block; 0 when nothing can be taken in place
+    uint32_t size_; // of the block
+    bool inBlock_;
 };
 
 // A walk inside the library: the exported operations with the cursor kept from one to the next.
 class Reader {
 public:
+    int32_t next(const ParserNode *parent, ParserNode *child) {
+        int32_t result;
+        return cursor_.next(parent, child, result) ? result : nextOfAny(parent, child);
+    }
+
+    uint8_t byte(const ParserNode &node, int32_t &error);
+    uint16_t word(const ParserNode &node, int32_t &error);
+    uint32_t dword(const ParserNode &node, int32_t &error);
+    int32_t copy(const ParserNode &node, void *buffer, uint32_t size);
+    int32_t skip(const ParserNode &node);
+
     // Calls what moves the position by itself.
     template <class Call>
     auto outside(Call call) {
@@ -145,33 +124,11 @@ public:
         return result;
     }
 
-    int32_t next(const ParserNode *parent, ParserNode *child) {
-        int32_t result;
-        return cursor_.next(parent, child, result)
-                   ? result
-                   : outside([&] { return readNextSubNode(parent, child); });
-    }
-
-    template <class Kind>
-    auto get(const ParserNode &node, int32_t &error) {
-        error = UTI_OK;
-        const uint8_t *data = cursor_.take(&node, Kind::type, Kind::size);
-        return data ? Kind::decode(data) : outside([&] { return readScalar<Kind>(&node, &error); });
-    }
-
-    int32_t copy(const ParserNode &node, void *buffer, uint32_t size) {
-        int32_t count;
-        return cursor_.copy(&node, buffer, size, count)
-                   ? count
-                   : outside([&] { return readBuffer(&node, buffer, size); });
-    }
-
-    int32_t skip(const ParserNode &node) {
-        return cursor_.skip(&node) ? UTI_OK : outside([&] { return skipValue(&node); });
-    }
-
 private:
-    [[gnu::cold, gnu::noinline]] void reload() { cursor_.load(); }
+    int32_t nextOfAny(const ParserNode *parent, ParserNode *child);
+    template <class Kind>
+    auto get(const ParserNode &node, int32_t &error);
+    void reload();
 
     Cursor cursor_;
 };
