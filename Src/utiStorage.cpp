@@ -67,6 +67,19 @@ Table &tableOf(Storage storage) {
     return static_cast<Table &>(**storage);
 }
 
+// The key's entry, or null; `FindEntry` for the operations that need not be fast.
+[[gnu::always_inline]] inline StorageEntry *find(Storage storage, uint32_t key) {
+    if (!isOpen(storage))
+        return nullptr;
+    const Table &table = tableOf(storage);
+    if (table.slots)
+        return table.slots[table.find(key)];
+    StorageEntry *entry = table.buckets[bucketOf(key)];
+    while (entry && entry->key != key)
+        entry = entry->next;
+    return entry;
+}
+
 void freeEntry(StorageEntry *entry) {
     std::free(entry->data);
     std::free(entry);
@@ -149,17 +162,19 @@ int32_t putScalar(Storage storage, uint32_t key, StorageType type, Value value) 
 }
 
 // The entry of a key that holds at least `size` bytes of this type, or null.
-const StorageEntry *findValue(Storage storage, uint32_t key, int32_t type, uint32_t size) {
-    const StorageEntry *entry = FindEntry(storage, key);
+[[gnu::always_inline]] inline const StorageEntry *findValue(Storage storage, uint32_t key,
+                                                            int32_t type, uint32_t size) {
+    const StorageEntry *entry = find(storage, key);
     return entry && entry->type == type && entry->length >= size ? entry : nullptr;
 }
 
-template <class Value>
-int32_t getScalar(Storage storage, uint32_t key, StorageType type, Value *value) {
-    const StorageEntry *entry = findValue(storage, key, type, sizeof *value);
+// Once for all types of a size.
+template <std::size_t size>
+[[gnu::noinline]] int32_t getScalar(Storage storage, uint32_t key, StorageType type, void *value) {
+    const StorageEntry *entry = findValue(storage, key, type, size);
     if (!entry || !value)
         return 0;
-    std::memcpy(value, entry->data, sizeof *value);
+    std::memcpy(value, entry->data, size);
     return 1;
 }
 
@@ -173,15 +188,7 @@ uint32_t CalcHash(uint32_t key) {
 }
 
 StorageEntry *FindEntry(Storage storage, uint32_t key) {
-    if (!isOpen(storage))
-        return nullptr;
-    const Table &table = tableOf(storage);
-    if (table.slots)
-        return table.slots[table.find(key)];
-    StorageEntry *entry = table.buckets[bucketOf(key)];
-    while (entry && entry->key != key)
-        entry = entry->next;
-    return entry;
+    return find(storage, key);
 }
 
 Storage Storage_Create(void) {
@@ -331,43 +338,43 @@ int32_t Storage_Get(Storage storage, uint32_t key, int32_t type, void *destinati
 }
 
 int32_t Storage_GetChar(Storage storage, uint32_t key, char *value) {
-    return getScalar(storage, key, STORAGE_CHAR, value);
+    return getScalar<sizeof *value>(storage, key, STORAGE_CHAR, value);
 }
 
 int32_t Storage_GetByte(Storage storage, uint32_t key, uint8_t *value) {
-    return getScalar(storage, key, STORAGE_BYTE, value);
+    return getScalar<sizeof *value>(storage, key, STORAGE_BYTE, value);
 }
 
 int32_t Storage_GetShort(Storage storage, uint32_t key, int16_t *value) {
-    return getScalar(storage, key, STORAGE_SHORT, value);
+    return getScalar<sizeof *value>(storage, key, STORAGE_SHORT, value);
 }
 
 int32_t Storage_GetWord(Storage storage, uint32_t key, uint16_t *value) {
-    return getScalar(storage, key, STORAGE_WORD, value);
+    return getScalar<sizeof *value>(storage, key, STORAGE_WORD, value);
 }
 
 int32_t Storage_GetLong(Storage storage, uint32_t key, int32_t *value) {
-    return getScalar(storage, key, STORAGE_LONG, value);
+    return getScalar<sizeof *value>(storage, key, STORAGE_LONG, value);
 }
 
 int32_t Storage_GetDWord(Storage storage, uint32_t key, uint32_t *value) {
-    return getScalar(storage, key, STORAGE_DWORD, value);
+    return getScalar<sizeof *value>(storage, key, STORAGE_DWORD, value);
 }
 
 int32_t Storage_GetInt64(Storage storage, uint32_t key, int64_t *value) {
-    return getScalar(storage, key, STORAGE_INT64, value);
+    return getScalar<sizeof *value>(storage, key, STORAGE_INT64, value);
 }
 
 int32_t Storage_GetUInt64(Storage storage, uint32_t key, uint64_t *value) {
-    return getScalar(storage, key, STORAGE_UINT64, value);
+    return getScalar<sizeof *value>(storage, key, STORAGE_UINT64, value);
 }
 
 int32_t Storage_GetBool(Storage storage, uint32_t key, uint8_t *value) {
-    return getScalar(storage, key, STORAGE_BOOL, value);
+    return getScalar<sizeof *value>(storage, key, STORAGE_BOOL, value);
 }
 
 int32_t Storage_GetDouble(Storage storage, uint32_t key, double *value) {
-    return getScalar(storage, key, STORAGE_DOUBLE, value);
+    return getScalar<sizeof *value>(storage, key, STORAGE_DOUBLE, value);
 }
 
 int32_t Storage_GetString(Storage storage, uint32_t key, char **text, uint32_t *length) {
@@ -391,11 +398,11 @@ int32_t Storage_GetByteArray(Storage storage, uint32_t key, uint8_t **bytes, uin
 }
 
 int32_t Storage_GetDate(Storage storage, uint32_t key, TerminalDate *date) {
-    return getScalar(storage, key, STORAGE_DATE, date);
+    return getScalar<sizeof *date>(storage, key, STORAGE_DATE, date);
 }
 
 int32_t Storage_GetTime(Storage storage, uint32_t key, TerminalTime *time) {
-    return getScalar(storage, key, STORAGE_TIME, time);
+    return getScalar<sizeof *time>(storage, key, STORAGE_TIME, time);
 }
 
 int32_t Storage_GetStringCopy(Storage storage, uint32_t key, char *buffer, uint32_t size) {

@@ -1,5 +1,4 @@
-// library_bench.cpp: the trace log, strings, containers and the TLV parser, each against what one
-// would use instead. A case is named "what|who|aim"; bench/run makes ratios of them.
+// library_bench.cpp: the trace log, strings and lists, each against what one would use instead. A case is named "what|who|aim"; bench/run makes ratios of them.
 #include "bench_strings.h"
 #include "terminal.h"
 #include "uti.h"
@@ -21,7 +20,6 @@
 #include <list>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace {
@@ -254,37 +252,6 @@ void stringAmongModules(State &state) {
 
 // --- containers
 
-constexpr uint32_t keyCount = 100;
-
-void storageGet(State &state) {
-    const Storage storage = Storage_Create();
-    for (uint32_t key = 0; key < keyCount; ++key)
-        Storage_PutLong(storage, key * 7919, static_cast<int32_t>(key));
-    uint32_t key = 0;
-    int32_t value = 0;
-    for (auto _ : state) {
-        DoNotOptimize(Storage_GetLong(storage, key * 7919, &value));
-        DoNotOptimize(value);
-        key = key + 1 < keyCount ? key + 1 : 0;
-    }
-    Storage_Free(storage);
-}
-
-void mapFind(State &state) {
-    std::unordered_map<uint32_t, std::string> map; // values of any type, so owned bytes
-    for (uint32_t key = 0; key < keyCount; ++key)
-        map[key * 7919] = std::string(reinterpret_cast<const char *>(&key), sizeof key);
-    uint32_t key = 0;
-    int32_t value = 0;
-    for (auto _ : state) {
-        const auto found = map.find(key * 7919);
-        if (found != map.end())
-            std::memcpy(&value, found->second.data(), sizeof value);
-        DoNotOptimize(value);
-        key = key + 1 < keyCount ? key + 1 : 0;
-    }
-}
-
 void listAppend(State &state) {
     int item = 0;
     for (auto _ : state) {
@@ -305,103 +272,6 @@ void stdListAppend(State &state) {
     }
 }
 
-// --- TLV
-
-// A root with 60 children, a third each of bytes, words and texts of 12 bytes.
-std::string tlvStream() {
-    std::string children;
-    for (int i = 0; i < 20; ++i) {
-        children += std::string("\x03\x02\x00\x03\x07", 5);
-        children += std::string("\x04\x03\x00\x04\x34\x12", 6);
-        children += std::string("\x01\x0D\x00\x01", 4) + "twelve bytes";
-    }
-    const auto size = static_cast<uint16_t>(children.size());
-    return std::string("\x80", 1) + static_cast<char>(size) + static_cast<char>(size >> 8) +
-           children;
-}
-
-struct Values {
-    uint8_t byte;
-    uint16_t word;
-    char text[16];
-};
-
-int32_t walkWithParser(ParserNode *root, Values &values) {
-    ParserNode child;
-    while (Parser_GetNextSubNode(root, &child) == 0) {
-        int32_t error = 0;
-        switch (child.tag) {
-        case 3:
-            values.byte = Parser_GetParameterByte(&child, &error);
-            break;
-        case 4:
-            values.word = Parser_GetParameterWord(&child, &error);
-            break;
-        case 1:
-            error = std::min(Parser_GetParameterBuffer(&child, values.text, 15), 0);
-            break;
-        default:
-            Parser_GetParameterInsignificant(&child, &error);
-            break;
-        }
-        if (error != 0)
-            return error;
-    }
-    return 0;
-}
-
-void tlvParser(State &state) {
-    const std::string stream = tlvStream();
-    Values values{};
-    for (auto _ : state) {
-        ParserNode root;
-        Parser_Initialize(1, 2);
-        Parser_GetRootNodeInBlock(stream.data(), static_cast<uint32_t>(stream.size()), &root);
-        DoNotOptimize(walkWithParser(&root, values));
-        DoNotOptimize(values);
-    }
-}
-
-// The same checks by hand: bounds, lengths and type codes.
-int walkByHand(const uint8_t *at, std::size_t size, Values &values) {
-    if (size < 3 || (at[0] & 0x80) == 0)
-        return -1;
-    const uint8_t *end = at + size;
-    at += 3;
-    while (end - at > 3) {
-        const uint8_t tag = at[0];
-        const auto length = static_cast<std::size_t>(at[1] | at[2] << 8);
-        at += 3;
-        if (length > static_cast<std::size_t>(end - at))
-            return -1;
-        if (tag == 3) {
-            if (length != 2 || at[0] != 3)
-                return -1;
-            values.byte = at[1];
-        } else if (tag == 4) {
-            if (length != 3 || at[0] != 4)
-                return -1;
-            std::memcpy(&values.word, at + 1, 2);
-        } else if (tag == 1) {
-            if (length < 1 || length > 16 || (at[0] != 1 && at[0] != 2))
-                return -1;
-            std::memcpy(values.text, at + 1, length - 1);
-        }
-        at += length;
-    }
-    return 0;
-}
-
-void tlvByHand(State &state) {
-    const std::string stream = tlvStream();
-    Values values{};
-    for (auto _ : state) {
-        DoNotOptimize(
-            walkByHand(reinterpret_cast<const uint8_t *>(stream.data()), stream.size(), values));
-        DoNotOptimize(values);
-    }
-}
-
 BENCHMARK(traceBuffered)->Name("trace: binary record, buffered|uti|1.5");
 BENCHMARK(copyWhenFull)->Name("trace: binary record, buffered|copy and write when full");
 BENCHMARK(rawArguments)->Name("trace: binary record, buffered|raw arguments");
@@ -417,10 +287,6 @@ BENCHMARK(catgetsString)->Name("resources: stored string|catgets|1.5");
 BENCHMARK(stringAmongModules<1>)->Name("resources: stored string, newest of 1 module|uti|");
 BENCHMARK(stringAmongModules<10>)->Name("resources: stored string, newest of 10 modules|uti|");
 BENCHMARK(stringAmongModules<100>)->Name("resources: stored string, newest of 100 modules|uti|");
-BENCHMARK(storageGet)->Name("storage: get at 100 keys|uti|1.2");
-BENCHMARK(mapFind)->Name("storage: get at 100 keys|std::unordered_map");
-BENCHMARK(tlvParser)->Name("tlv: walk with values copied|uti|2.5");
-BENCHMARK(tlvByHand)->Name("tlv: walk with values copied|hand-written walk");
 BENCHMARK(listAppend)->Name("list: append 1000|uti|0.8");
 BENCHMARK(stdListAppend)->Name("list: append 1000|std::list");
 

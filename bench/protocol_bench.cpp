@@ -1,12 +1,14 @@
-// protocol_bench.cpp: BER-TLV objects and the modem's texts, each against the library that one
-// would take instead and a loop written by hand. A case is named "what|who|aim"; bench/run makes
-// ratios.
+// protocol_bench.cpp: TLV streams, BER-TLV objects and the modem's texts, each against the library
+// that one would take instead and a loop written by hand. A case is named "what|who|aim"; bench/run
+// makes ratios.
 #include "uti.h"
 
 #include <benchmark/benchmark.h>
 #include <iconv.h>
 #include <libtasn1.h>
+#include <pb_decode.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -15,6 +17,131 @@ namespace {
 
 using benchmark::DoNotOptimize;
 using benchmark::State;
+
+// --- TLV
+
+// A root with 60 children, a third each of bytes, words and texts of 12 bytes.
+std::string tlvStream() {
+    std::string children;
+    for (int i = 0; i < 20; ++i) {
+        children += std::string("\x03\x02\x00\x03\x07", 5);
+        children += std::string("\x04\x03\x00\x04\x34\x12", 6);
+        children += std::string("\x01\x0D\x00\x01", 4) + "twelve bytes";
+    }
+    const auto size = static_cast<uint16_t>(children.size());
+    return std::string("\x80", 1) + static_cast<char>(size) + static_cast<char>(size >> 8) +
+           children;
+}
+
+struct Values {
+    uint8_t byte;
+    uint16_t word;
+    char text[16];
+};
+
+int32_t walkWithParser(ParserNode *root, Values &values) {
+    ParserNode child;
+    while (Parser_GetNextSubNode(root, &child) == 0) {
+        int32_t error = 0;
+        switch (child.tag) {
+        case 3:
+            values.byte = Parser_GetParameterByte(&child, &error);
+            break;
+        case 4:
+            values.word = Parser_GetParameterWord(&child, &error);
+            break;
+        case 1:
+            error = std::min(Parser_GetParameterBuffer(&child, values.text, 15), 0);
+            break;
+        default:
+            Parser_GetParameterInsignificant(&child, &error);
+            break;
+        }
+        if (error != 0)
+            return error;
+    }
+    return 0;
+}
+
+void tlvParser(State &state) {
+    const std::string stream = tlvStream();
+    Values values{};
+    for (auto _ : state) {
+        ParserNode root;
+        Parser_Initialize(1, 2);
+        Parser_GetRootNodeInBlock(stream.data(), static_cast<uint32_t>(stream.size()), &root);
+        DoNotOptimize(walkWithParser(&root, values));
+        DoNotOptimize(values);
+    }
+}
+
+// The same checks by hand: bounds, lengths and type codes.
+int walkByHand(const uint8_t *at, std::size_t size, Values &values) {
+    if (size < 3 || (at[0] & 0x80) == 0)
+        return -1;
+    const uint8_t *end = at + size;
+    at += 3;
+    while (end - at > 3) {
+        const uint8_t tag = at[0];
+        const auto length = static_cast<std::size_t>(at[1] | at[2] << 8);
+        at += 3;
+        if (length > static_cast<std::size_t>(end - at))
+            return -1;
+        if (tag == 3) {
+            if (length != 2 || at[0] != 3)
+                return -1;
+            values.byte = at[1];
+        } else if (tag == 4) {
+            if (length != 3 || at[0] != 4)
+                return -1;
+            std::memcpy(&values.word, at + 1, 2);
+        } else if (tag == 1) {
+            if (length < 1 || length > 16 || (at[0] != 1 && at[0] != 2))
+                return -1;
+            std::memcpy(values.text, at + 1, length - 1);
+        }
+        at += length;
+    }
+    return 0;
+}
+
+void tlvByHand(State &state) {
+    const std::string stream = tlvStream();
+    Values values{};
+    for (auto _ : state) {
+        DoNotOptimize(
+            walkByHand(reinterpret_cast<const uint8_t *>(stream.data()), stream.size(), values));
+        DoNotOptimize(values);
+    }
+}
+
+// The same values as a message, each field twenty times; of equal fields the last one stays.
+std::string protobufStream() {
+    std::string stream;
+    for (int i = 0; i < 20; ++i)
+        stream += std::string("\x18\x07\x20\xB4\x24\x0A\x0C", 7) + "twelve bytes";
+    return stream;
+}
+
+#define Values_FIELDLIST(X, a)                                                                     \
+    X(a, STATIC, SINGULAR, STRING, text, 1)                                                        \
+    X(a, STATIC, SINGULAR, UINT32, byte, 3)                                                        \
+    X(a, STATIC, SINGULAR, UINT32, word, 4)
+#define Values_CALLBACK NULL
+#define Values_DEFAULT NULL
+PB_BIND(Values, Values, AUTO)
+
+void tlvNanopb(State &state) {
+    const std::string stream = protobufStream();
+    Values values{};
+    for (auto _ : state) {
+        pb_istream_t input = pb_istream_from_buffer(
+            reinterpret_cast<const pb_byte_t *>(stream.data()), stream.size());
+        if (!pb_decode(&input, &Values_msg, &values))
+            return state.SkipWithError("not decoded");
+        DoNotOptimize(values);
+    }
+}
 
 // --- BER-TLV: a card's answer of 250 bytes, four levels deep, the wanted object the last but one
 
@@ -263,6 +390,9 @@ void ussdByHand(State &state) {
     });
 }
 
+BENCHMARK(tlvParser)->Name("tlv: walk with values copied|uti|3.5");
+BENCHMARK(tlvByHand)->Name("tlv: walk with values copied|hand-written walk");
+BENCHMARK(tlvNanopb)->Name("tlv: walk with values copied|nanopb");
 BENCHMARK(berUti)->Name("ber-tlv: search in 250 bytes|uti|1");
 BENCHMARK(berTasn1)->Name("ber-tlv: search in 250 bytes|libtasn1");
 BENCHMARK(berByHand)->Name("ber-tlv: search in 250 bytes|hand-written loop");

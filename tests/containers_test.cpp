@@ -270,4 +270,37 @@ TEST_F(StorageTest, ComparesCopiesMergesSwaps) {
     EXPECT_EQ(Storage_Trace(storage), storage);
 }
 
+// With and without the index that many values have, which may also be missing for want of memory.
+TEST_F(StorageTest, ManyKeysAreFoundAndKeepTheirOrder) {
+    for (const auto &[crowded, losses] : {std::pair(false, false), {true, false}, {true, true}}) {
+        SCOPED_TRACE(testing::Message() << crowded << losses);
+        Storage_Clear(storage);
+        std::vector<uint32_t> order; // by bucket, the newest first
+        for (uint32_t key = 0; order.size() < 600; ++key) {
+            if (crowded && CalcHash(key) != 5)
+                continue;
+            order.insert(std::find_if(order.begin(), order.end(), [&](uint32_t each) {
+                             return CalcHash(each) >= CalcHash(key);
+                         }), key);
+            if (losses) // of value, entry and index, if there is to be one
+                fake::failCall(Call::malloc, 3);
+            EXPECT_EQ(Storage_PutDWord(storage, key, ~key), 1);
+            fake::disarm();
+        }
+        for (std::size_t i = 0; i < order.size(); i += 2) {
+            EXPECT_EQ(Storage_Remove(storage, order[i]), 1);
+            EXPECT_EQ(Storage_Remove(storage, order[i]), 0);
+            order.erase(order.begin() + static_cast<std::ptrdiff_t>(i));
+        }
+        for (const uint32_t key : order) {
+            uint32_t value = 0;
+            EXPECT_TRUE(Storage_GetDWord(storage, key, &value) && value == ~key) << key;
+        }
+        uint32_t count, *keys;
+        ASSERT_EQ(Storage_GetKeys(storage, &keys, &count), 1);
+        EXPECT_EQ(std::vector(keys, keys + count), order);
+        Storage_MemFree(keys);
+    }
+}
+
 } // namespace
