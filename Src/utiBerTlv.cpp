@@ -10,7 +10,7 @@ namespace uti {
 namespace {
 
 constexpr uint32_t twoByteTags = 0xFFFF; // three bytes are the most
-constexpr uint32_t longestLength = 4; // of the bytes behind the first one
+constexpr uint32_t longestLength = 4;    // of the bytes behind the first one
 constexpr uint32_t searchDepth = 5;
 constexpr uint32_t smallestBuffer = 4;
 
@@ -27,7 +27,8 @@ struct Header {
 
 // Reads a tag and a length and moves `at` to the value, which may be longer than what is left up to
 // `end`. False when they are not whole, or longer than is read.
-[[gnu::always_inline]] inline bool readHeader(Header &header, const uint8_t *&at, const uint8_t *end) {
+[[gnu::always_inline]] inline bool readHeader(Header &header, const uint8_t *&at,
+                                              const uint8_t *end) {
     if (at == end)
         return false;
     uint32_t tag = *at++;

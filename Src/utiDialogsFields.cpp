@@ -97,8 +97,8 @@ int32_t readField(Reader &reader, ParserNode &child, std::span<const Row> rows, 
         if (row->kind == Kind::wide)
             store(field, uint32_t{value});
         else
-            store(field, row->kind == Kind::byte ? value
-                                                 : static_cast<uint8_t>(IG_GetIGKeyCode(value)));
+            store(field,
+                  row->kind == Kind::byte ? value : static_cast<uint8_t>(IG_GetIGKeyCode(value)));
         return error;
     }
     case Kind::word:
@@ -130,9 +130,8 @@ int32_t readField(Reader &reader, ParserNode &child, std::span<const Row> rows, 
 
 int32_t readRecord(Reader &reader, const ParserNode *node, std::span<const Row> rows,
                    void *record) {
-    return walkChildren(reader, node, [&](ParserNode &child) {
-        return readField(reader, child, rows, record);
-    });
+    return walkChildren(reader, node,
+                        [&](ParserNode &child) { return readField(reader, child, rows, record); });
 }
 
 } // namespace uti

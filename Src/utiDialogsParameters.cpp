@@ -14,8 +14,8 @@ int32_t readEntry(ParserNode *node, Entries &entries, uint8_t &count,
                   std::span<const dialog::Row> rows) {
     Reader reader;
     const bool stored = count < std::size(entries);
-    const int32_t result = stored ? readRecord(reader, node, rows, &entries[count])
-                                  : skipChildren(reader, node);
+    const int32_t result =
+        stored ? readRecord(reader, node, rows, &entries[count]) : skipChildren(reader, node);
     if (result != UTI_OK)
         return asserts.fail(result);
     if (count < UINT8_MAX)

@@ -1,5 +1,5 @@
-// utiStorage.cpp: the hash table from 32-bit keys to typed values, with an index beside its buckets,
-// and its export block, which is drawn in docs/formats.md.
+// utiStorage.cpp: the hash table from 32-bit keys to typed values, with an index beside its
+// buckets, and its export block, which is drawn in docs/formats.md.
 #include "Src/assertions.h"
 #include "Src/heap.h"
 #include "common/bytes.h"
@@ -35,9 +35,9 @@ constexpr uint32_t bucketOf(uint32_t key) {
 }
 
 // A table as it is allocated. The buckets, whose number and order are fixed, hold every entry; once
-// there are many, an index of them all finds each in a few steps, also when all keys share a bucket.
-// It is probed linearly and at most half full. While there is none, which may be for want of memory,
-// the bucket's chain is walked.
+// there are many, an index of them all finds each in a few steps, also when all keys share a
+// bucket. It is probed linearly and at most half full. While there is none, which may be for want
+// of memory, the bucket's chain is walked.
 struct Table : StorageTable {
     static constexpr uint32_t unusedShift = 25; // an index comes with the 64th entry
 

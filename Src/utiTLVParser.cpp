@@ -135,7 +135,8 @@ using DoubleScalar = Scalar<6, 9, BufferToDouble>;
     return value + 1;
 }
 
-[[gnu::cold, gnu::noinline]] int32_t readBuffer(const ParserNode *node, void *buffer, uint32_t size) {
+[[gnu::cold, gnu::noinline]] int32_t readBuffer(const ParserNode *node, void *buffer,
+                                                uint32_t size) {
     if (!node || isCompound(*node))
         return asserts.fail(UTI_PARSER_BAD_VALUE);
     if (node->length == 0)

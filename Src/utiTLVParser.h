@@ -17,8 +17,8 @@ int32_t seekBlock(uintptr_t source, uint32_t offset);
 
 // The position in what nearly all walks read: a bounded block whose headers have a tag id of one
 // byte and a length of two. Nodes and values are taken in place, and the exported variables follow
-// each step. An operation tells that it was not possible, and has done nothing, for any other source
-// and for all that is wrong in the stream.
+// each step. An operation tells that it was not possible, and has done nothing, for any other
+// source and for all that is wrong in the stream.
 class Cursor {
 public:
     Cursor() { load(); }
@@ -37,7 +37,8 @@ public:
         if (!inBlock_ || !parent || !child || parent->source == 0 || !isAtHand(headerSize))
             return false;
         const uint64_t end = uint64_t{parent->valueOffset} + parent->length;
-        if (end <= uint64_t{position_} + headerSize || parent->length == 0 || !isCompound(*parent)) {
+        if (end <= uint64_t{position_} + headerSize || parent->length == 0 ||
+            !isCompound(*parent)) {
             result = UTI_PARSER_NO_NODE;
             return true;
         }
@@ -52,7 +53,8 @@ public:
 
     // The data of a scalar, or null.
     const uint8_t *take(const ParserNode *node, uint8_t type, uint32_t size) {
-        if (!inBlock_ || !node || node->length != size || !canTake(*node, size) || *at(*node) != type)
+        if (!inBlock_ || !node || node->length != size || !canTake(*node, size) ||
+            *at(*node) != type)
             return nullptr;
         return move(*node, size) + 1;
     }
@@ -152,8 +154,9 @@ bool Parser_ReadFailed();
 template <class Take>
 int32_t walkChildren(const ParserNode *node, Take take) {
     Reader reader;
-    return walkChildren(reader, node,
-                        [&](ParserNode &child) { return reader.outside([&] { return take(child); }); });
+    return walkChildren(reader, node, [&](ParserNode &child) {
+        return reader.outside([&] { return take(child); });
+    });
 }
 
 // Skips a child. Returns 0 or the error.

@@ -1,4 +1,5 @@
-// library_bench.cpp: the trace log, strings and lists, each against what one would use instead. A case is named "what|who|aim"; bench/run makes ratios of them.
+// library_bench.cpp: the trace log, strings and lists, each against what one would use instead. A
+// case is named "what|who|aim"; bench/run makes ratios of them.
 #include "bench_strings.h"
 #include "terminal.h"
 #include "uti.h"

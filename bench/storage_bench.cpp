@@ -1,6 +1,6 @@
-// storage_bench.cpp: finding a value in stores of many sizes, against a hash map of owned bytes, and
-// what a block costs whose keys all fall into one bucket. A case is named "what|who|aim"; bench/run
-// makes ratios of them.
+// storage_bench.cpp: finding a value in stores of many sizes, against a hash map of owned bytes,
+// and what a block costs whose keys all fall into one bucket. A case is named "what|who|aim";
+// bench/run makes ratios of them.
 #include "uti.h"
 
 #include <benchmark/benchmark.h>

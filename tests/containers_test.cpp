@@ -279,9 +279,10 @@ TEST_F(StorageTest, ManyKeysAreFoundAndKeepTheirOrder) {
         for (uint32_t key = 0; order.size() < 600; ++key) {
             if (crowded && CalcHash(key) != 5)
                 continue;
-            order.insert(std::find_if(order.begin(), order.end(), [&](uint32_t each) {
-                             return CalcHash(each) >= CalcHash(key);
-                         }), key);
+            order.insert(
+                std::find_if(order.begin(), order.end(),
+                             [&](uint32_t each) { return CalcHash(each) >= CalcHash(key); }),
+                key);
             if (losses) // of value, entry and index, if there is to be one
                 fake::failCall(Call::malloc, 3);
             EXPECT_EQ(Storage_PutDWord(storage, key, ~key), 1);
