@@ -3,8 +3,8 @@
 
 namespace uti {
 
-int32_t LogFile::open(const LogFileName &name, int32_t mode) {
-    handle = File_Open(name, mode);
+int32_t LogFile::open(const LogFileName &name) {
+    handle = File_Open(name, FILE_MODE_APPEND);
     if (handle >= 0)
         std::memcpy(currentName, name, sizeof currentName);
     else

@@ -21,9 +21,9 @@ struct LogFile {
     uint32_t buffered;
     uint32_t bufferSize;
 
-    // Opens `name`, for appending if nothing else is said. Returns the handle or its negative code;
-    // the file then has no current name.
-    int32_t open(const LogFileName &name, int32_t mode = FILE_MODE_APPEND);
+    // Opens `name` for appending. Returns the handle or its negative code; the file then has no
+    // current name.
+    int32_t open(const LogFileName &name);
 
     // Goes to the end of the open file and takes its length. False when that failed.
     bool goToEnd();

@@ -70,20 +70,14 @@ bool settingsAccepted(const TraceExSettings &settings) {
     return settings.maxSize >= smallestMaxSize && length > 0 && length <= longestBaseName;
 }
 
-// Opens the newest file of the set, or its first, which is not overwritten should it be there all
-// the same. Returns a negative handle on failure.
+// Opens the newest file of the set, or its first. Returns a negative handle on failure.
 int32_t openFileSet(TraceExContext &log) {
     const int32_t newest = findLogFile(FileAge::newest).index;
     log.fileIndex = newest < 0 ? 0 : newest;
 
     LogFileName name;
     formLogFileName(name, log.fileIndex);
-    if (newest >= 0)
-        return continueLogFile(name);
-    const int32_t handle = log.file.open(name);
-    if (handle >= 0 && File_GetLength(handle) > 0)
-        continueOpenFile(log.file);
-    return handle;
+    return newest < 0 ? log.file.open(name) : continueLogFile(name);
 }
 
 // Opens the output that the settings name. Returns 0 or the code of the failure.
@@ -120,9 +114,8 @@ int32_t rotate() {
     log.fileIndex = (log.fileIndex + 1) % logFileCount;
     LogFileName name;
     formLogFileName(name, log.fileIndex);
-    // One that stays is emptied, or its end would stand behind the new records.
-    const bool stays = File_Delete(name) != 0 && File_IsValid(name) == 1;
-    const int32_t handle = log.file.open(name, stays ? FILE_MODE_CREATE : FILE_MODE_APPEND);
+    File_Delete(name);
+    const int32_t handle = log.file.open(name);
     log.file.fileLength = handle < 0 ? UINT32_MAX : 0;
     return handle < 0 ? handle : UTI_OK;
 }

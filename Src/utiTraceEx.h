@@ -71,9 +71,6 @@ FoundLogFile findLogFile(FileAge age);
 // or its negative code.
 int32_t continueLogFile(const LogFileName &name);
 
-// The same for a file that is open.
-void continueOpenFile(LogFile &file);
-
 // --- text records
 
 // Writes or prints a record as a line of text. Returns 0 or the code of the first failed piece.

@@ -83,14 +83,9 @@ FoundLogFile findLogFile(FileAge age) {
 
 int32_t continueLogFile(const LogFileName &name) {
     LogFile &file = traceContext->file;
-    if (file.open(name) >= 0)
-        continueOpenFile(file);
-    return file.handle;
-}
-
-void continueOpenFile(LogFile &file) {
-    if (!file.goToEnd())
+    if (file.open(name) >= 0 && !file.goToEnd())
         file.fileLength = UINT32_MAX;
+    return file.handle;
 }
 
 } // namespace uti

@@ -1699,7 +1699,8 @@ UTI_API void Text_DrawString(const char *text, int32_t length, int32_t justify, 
  *
  *  A change of which no copy can be written, and one behind a copy that cannot be brought home, is
  *  reported and stays in the cache alone; a file whose copy cannot be brought home, or
- *  that has content and cannot be read, is not loaded and not replaced (UTI_INI_FAILED). Returns 0. */
+ *  that has content and cannot be read, is not loaded and not replaced (UTI_INI_FAILED).
+ *  Returns 0. */
 UTI_API int32_t Ini_SetSafeWrite(int32_t on);
 
 #ifdef __cplusplus

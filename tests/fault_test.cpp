@@ -28,10 +28,11 @@ struct Seen {
         text += more + ' ';
         isTold |= more.empty();
     }
-    // What was written out may be there in part.
+    // What was written out may be there in part, or stand in a file that was not to be there.
     bool isCut() const {
         return fault.kind == Call::write || fault.kind == Call::comWrite ||
-               fault.kind == Call::print;
+               fault.kind == Call::print || fault.kind == Call::remove ||
+               fault.kind == Call::isValid;
     }
 };
 

@@ -9,8 +9,8 @@
 
 namespace uti::tool {
 
-// What the application gives a dialog, as a comment above its id: the texts that the source names for
-// it. Empty for a string, and for a dialog without such texts.
+// What the application gives a dialog, as a comment above its id: the texts that the source names
+// for it. Empty for a string, and for a dialog without such texts.
 std::string textsComment(const ResourceSource &source, const StringName &name,
                          std::string_view prefix);
 

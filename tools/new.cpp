@@ -51,7 +51,8 @@ std::string changed(std::string_view text, Change change) {
 
 // What each dialog shows at first, for the test of the application.
 void takePictures(const fs::path &source, const fs::path &folder) {
-    const std::optional<ShownModule> module = readShownModule(source, source.string(), *openCodePages({}));
+    const std::optional<ShownModule> module =
+        readShownModule(source, source.string(), *openCodePages({}));
     if (!module)
         throw std::runtime_error(source.string() + " has mistakes");
     const LoadedModule loaded(*module, folder);
