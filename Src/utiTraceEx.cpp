@@ -114,10 +114,17 @@ int32_t rotate() {
     log.fileIndex = (log.fileIndex + 1) % logFileCount;
     LogFileName name;
     formLogFileName(name, log.fileIndex);
-    File_Delete(name);
+    const bool mayStay = File_Delete(name) != 0;
     const int32_t handle = log.file.open(name);
-    log.file.fileLength = handle < 0 ? UINT32_MAX : 0;
-    return handle < 0 ? handle : UTI_OK;
+    if (handle < 0) {
+        log.file.fileLength = UINT32_MAX;
+        return handle;
+    }
+    // One that could not be deleted is gone on with, or its end would stand behind the new records.
+    log.file.fileLength = 0;
+    if (mayStay && File_GetLength(handle) > 0 && !log.file.goToEnd())
+        log.file.fileLength = UINT32_MAX;
+    return UTI_OK;
 }
 
 void reportShortFlush(int32_t line) {

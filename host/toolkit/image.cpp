@@ -52,11 +52,12 @@ uint32_t wordAt(const unsigned char *row, int x) {
 }
 
 // Writes a picture beside an old one, whose place it takes when it is whole. What is no file, such
-// as a device, is written as it stands.
+// as a device or a link, is written as it stands.
 bool write(cairo_surface_t *picture, const std::string &path) {
     namespace fs = std::filesystem;
     std::error_code failure;
-    const bool stays = fs::exists(path, failure) && !fs::is_regular_file(path, failure);
+    const fs::file_status old = fs::symlink_status(path, failure);
+    const bool stays = fs::exists(old) && !fs::is_regular_file(old);
     const std::string fresh = stays ? path : path + ".new";
     const bool isWhole = cairo_surface_write_to_png(picture, fresh.c_str()) == CAIRO_STATUS_SUCCESS;
     if (stays)
