@@ -392,10 +392,10 @@ void ussdByHand(State &state) {
 
 BENCHMARK(tlvParser)->Name("tlv: walk with values copied|uti|3.5");
 BENCHMARK(tlvByHand)->Name("tlv: walk with values copied|hand-written walk");
-BENCHMARK(tlvNanopb)->Name("tlv: walk with values copied|nanopb");
+BENCHMARK(tlvNanopb)->Name("tlv: walk with values copied|nanopb|0.5");
 BENCHMARK(berUti)->Name("ber-tlv: search in 250 bytes|uti|1");
 BENCHMARK(berTasn1)->Name("ber-tlv: search in 250 bytes|libtasn1");
-BENCHMARK(berByHand)->Name("ber-tlv: search in 250 bytes|hand-written loop");
+BENCHMARK(berByHand)->Name("ber-tlv: search in 250 bytes|hand-written loop|1.1");
 BENCHMARK(smsUti)->Name("sms: UCS-2 digits to text|uti|1");
 BENCHMARK(smsIconv)->Name("sms: UCS-2 digits to text|iconv");
 BENCHMARK(smsByHand)->Name("sms: UCS-2 digits to text|hand-written loop");
