@@ -305,11 +305,11 @@ void monitor(Seen &seen, uint32_t mode) {
     const std::string big(900, 'x');
     const MonitorExSettings settings{mode, "t", 0};
     std::string promised;
-    int32_t opened = seen.result(MonitorExOpen(&settings));
+    seen.result(MonitorExOpen(&settings));
     for (std::size_t i = 0; i < records; ++i) {
         if (i == 12) {
             MonitorExClose();
-            opened |= seen.result(MonitorExOpen(&settings));
+            seen.result(MonitorExOpen(&settings));
         }
         const int32_t result = MonitorExWrite(static_cast<uint32_t>(i), String, big.c_str(), 0);
         promised += result == 0 || result == UTI_MONITOR_OVER_LIMIT ? '0' : '-';
@@ -353,11 +353,11 @@ const struct {
             {"igForm_Add", down},
             {"igStatic_Create", down},
             {"igMenuBox_GetSelected", down}})},
-    {"pictures and fonts", 162, showPictures},
+    {"pictures and fonts", 162, &showPictures},
     {"settings", 412, [](Seen &seen) { useIni(seen, false); }},
     {"settings, written safely", 788, [](Seen &seen) { useIni(seen, true); }},
-    {"strings, with external ones", 866, fetchStrings},
-    {"storage and list", 160, fillContainers},
+    {"strings, with external ones", 866, &fetchStrings},
+    {"storage and list", 160, &fillContainers},
     {"trace to files", 1212, [](Seen &seen) { trace(seen, TRACE_OUTPUT_FILE, 0); }},
     {"trace to files as text", 762, [](Seen &seen) { trace(seen, TRACE_OUTPUT_FILE, 1); }},
     {"trace through a buffer", 238, [](Seen &seen) { trace(seen, TRACE_OUTPUT_BUFFERED, 0); }},
