@@ -151,6 +151,7 @@ int32_t walkChildren(Reader &reader, const ParserNode *node, Take take) {
 // True when a read of the file has failed since `Parser_GetRootNode`: a walk that ended there may
 // have missed children.
 bool Parser_ReadFailed();
+
 template <class Take>
 int32_t walkChildren(const ParserNode *node, Take take) {
     Reader reader;
