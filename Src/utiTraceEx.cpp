@@ -105,7 +105,7 @@ void freeContext() {
 }
 
 // Goes on to the next file of the set, which is started anew. Returns 0 or a negative handle; the
-// file then counts as full, so the next record rotates on.
+// length is then kept, so the next record rotates on.
 int32_t rotate() {
     TraceExContext &log = *traceContext;
     TraceExFlush();
@@ -114,16 +114,10 @@ int32_t rotate() {
     log.fileIndex = (log.fileIndex + 1) % logFileCount;
     LogFileName name;
     formLogFileName(name, log.fileIndex);
-    const bool mayStay = File_Delete(name) != 0;
-    const int32_t handle = log.file.open(name);
-    if (handle < 0) {
-        log.file.fileLength = UINT32_MAX;
-        return handle;
-    }
-    // One that could not be deleted is gone on with, or its end would stand behind the new records.
+    File_Delete(name);
+    if (log.file.open(name) < 0)
+        return log.file.handle;
     log.file.fileLength = 0;
-    if (mayStay && File_GetLength(handle) > 0 && !log.file.goToEnd())
-        log.file.fileLength = UINT32_MAX;
     return UTI_OK;
 }
 
