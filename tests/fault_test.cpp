@@ -236,8 +236,8 @@ std::string takeRecords(std::string all, const Pieces &clean, const std::string 
 }
 
 // A record is only torn where the very call that writes it out has failed, and only missing where
-// that is so or the file for the buffer could not be opened; then whoever wrote it was told or, of a
-// buffer, there is a report.
+// that is so or the file for the buffer could not be opened; then whoever wrote it was told or, of
+// a buffer, there is a report.
 void expectRecords(Seen &seen, const std::string &all, const Pieces &clean,
                    const std::string &promised, bool isBuffered) {
     std::string missing;

@@ -49,13 +49,14 @@ private:
                 addControl(control, form_ ? form_->header() : host::Rect{});
             else if (control.tag == dialog::tagDialogParameters)
                 addControl(control, whole);
+        const CodePage &codePage = module_.codePageOf(dialog_.language);
         forEachControl(source,
                        [&](dialog::Tag kind, const SourceControl &control, const auto &entry) {
                            const host::Rect area = areaOf(static_cast<int32_t>(entry.handle));
                            addControl(control, area);
                            widgets_[kind].push_back(area);
                            if constexpr (requires { entry.name; })
-                               labels_.emplace(entry.name, area);
+                               labels_.emplace(codePage.toUtf8(entry.name), area);
                        });
     }
 
