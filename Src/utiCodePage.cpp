@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr uti::Assertions asserts{"Src/utiCodePage"};
+constexpr uti::Assertions<"Src/utiCodePage"> asserts;
 
 using Table = std::array<char, 256>;
 

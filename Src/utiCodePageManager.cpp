@@ -12,7 +12,7 @@
 namespace uti {
 namespace {
 
-constexpr Assertions asserts{"Src/utiCodePageManager"};
+constexpr Assertions<"Src/utiCodePageManager"> asserts;
 
 constexpr uint16_t noCodePage = 0xFFFF;
 constexpr std::size_t languageLength = 2;

@@ -8,7 +8,7 @@
 namespace uti {
 namespace {
 
-constexpr Assertions asserts{"Src/utiDialogs"};
+constexpr Assertions<"Src/utiDialogs"> asserts;
 
 struct NodeParser {
     dialog::Tag tag;

@@ -14,7 +14,7 @@
 namespace uti {
 namespace {
 
-constexpr Assertions asserts{"Src/utiDialogs"};
+constexpr Assertions<"Src/utiDialogs"> asserts;
 
 constexpr DialogKind edit{.type = DIALOG_EDIT};
 

@@ -16,7 +16,7 @@ constinit const char *fontTable[FONT_SLOTS] = {"6x8",    "12x16",    "16x24",
 namespace uti {
 namespace {
 
-constexpr Assertions asserts{"Src/utiDialogs"};
+constexpr Assertions<"Src/utiDialogs"> asserts;
 
 constexpr uint32_t messageFontNotLoaded = 12291;
 constexpr uint32_t messageFontTableFull = 12292;

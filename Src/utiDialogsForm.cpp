@@ -17,7 +17,7 @@ constinit int32_t currentForm = -1;
 
 namespace {
 
-constexpr Assertions asserts{"Src/utiDialogs"};
+constexpr Assertions<"Src/utiDialogs"> asserts;
 
 constexpr int32_t lineOfUnknownInput = 637;
 constexpr int32_t lineOfUnknownJustify = 1000;

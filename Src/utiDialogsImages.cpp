@@ -12,7 +12,7 @@
 namespace uti {
 namespace {
 
-constexpr Assertions asserts{"Src/utiDialogs"};
+constexpr Assertions<"Src/utiDialogs"> asserts;
 
 constexpr int32_t pictureNotSettled = -2102; // passed on without the offset, like a bad image
 

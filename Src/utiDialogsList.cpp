@@ -11,7 +11,7 @@
 namespace uti {
 namespace {
 
-constexpr Assertions asserts{"Src/utiDialogs"};
+constexpr Assertions<"Src/utiDialogs"> asserts;
 
 constexpr DialogKind list{.type = DIALOG_LIST};
 

@@ -17,7 +17,7 @@
 namespace uti {
 namespace {
 
-constexpr Assertions asserts{"Src/utiDialogs"};
+constexpr Assertions<"Src/utiDialogs"> asserts;
 
 constexpr uint32_t pollMilliseconds = 100;
 constexpr uint32_t shortMessageTicks = 1000;

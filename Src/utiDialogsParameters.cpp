@@ -6,7 +6,7 @@
 namespace uti {
 namespace {
 
-constexpr Assertions asserts{"Src/utiDialogs"};
+constexpr Assertions<"Src/utiDialogs"> asserts;
 
 // Reads a node into the next entry of an array; nodes past its end are counted and skipped.
 template <class Entries>

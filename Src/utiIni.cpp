@@ -11,7 +11,7 @@ constinit NamedArray<IniFileInfo> iniFiles;
 
 namespace {
 
-constexpr Assertions asserts{"Src/utiIni"};
+constexpr Assertions<"Src/utiIni"> asserts;
 
 constexpr std::string_view lineEnd = "\r\n";
 constexpr std::string_view escapePattern = "&#00;"; // 0 stands for any digit

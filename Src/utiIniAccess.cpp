@@ -8,7 +8,7 @@
 namespace uti {
 namespace {
 
-constexpr Assertions asserts{"Src/utiIni"};
+constexpr Assertions<"Src/utiIni"> asserts;
 
 bool hasText(const char *text) {
     return text && *text;

@@ -16,7 +16,7 @@ namespace uti {
 
 namespace {
 
-constexpr Assertions asserts{"Src/utiIni"};
+constexpr Assertions<"Src/utiIni"> asserts;
 
 constexpr std::size_t markSize = 20;
 

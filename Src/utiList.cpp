@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr uti::Assertions asserts{"Src/utiList"};
+constexpr uti::Assertions<"Src/utiList"> asserts;
 
 void *itemOf(const ListNode *node) {
     return node ? node->data : nullptr;

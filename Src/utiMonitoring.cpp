@@ -13,7 +13,7 @@
 namespace uti {
 namespace {
 
-constexpr Assertions asserts{"Src/utiMonitoring"};
+constexpr Assertions<"Src/utiMonitoring"> asserts;
 
 constexpr int32_t smallestMaxSize = 65536;
 constexpr uint32_t bufferSize = 8192;

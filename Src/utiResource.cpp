@@ -22,7 +22,7 @@ namespace uti {
 
 namespace {
 
-constexpr Assertions asserts{"Src/utiResource"};
+constexpr Assertions<"Src/utiResource"> asserts;
 
 constexpr std::size_t languageSize = sizeof CurrentLanguage;
 

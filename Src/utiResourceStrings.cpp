@@ -18,7 +18,7 @@ namespace uti {
 
 namespace {
 
-constexpr Assertions asserts{"Src/utiResource"};
+constexpr Assertions<"Src/utiResource"> asserts;
 
 constexpr std::size_t languageLength = 2;
 constexpr uint32_t storedLimit = 2048;

@@ -13,7 +13,7 @@
 namespace uti {
 namespace {
 
-constexpr Assertions asserts{"Src/utiStorage"};
+constexpr Assertions<"Src/utiStorage"> asserts;
 constexpr uint32_t entryHeaderSize = 12;
 
 // Bytes of a value by type code; strings have their own length.

@@ -20,7 +20,7 @@ constinit uint32_t blockSize = 0;
 
 namespace {
 
-constexpr Assertions asserts{"Src/utiTLVParser"};
+constexpr Assertions<"Src/utiTLVParser"> asserts;
 
 // A read of the file has failed since the walk began.
 constinit bool readFailed = false;

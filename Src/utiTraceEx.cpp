@@ -19,7 +19,7 @@ constinit TraceExContext *traceContext = nullptr;
 
 namespace {
 
-constexpr Assertions asserts{"Src/utiTraceEx"};
+constexpr Assertions<"Src/utiTraceEx"> asserts;
 
 constexpr int32_t smallestMaxSize = 256;
 constexpr int32_t defaultMaxSize = 65536;

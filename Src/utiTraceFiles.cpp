@@ -10,7 +10,7 @@ namespace uti {
 
 namespace {
 
-constexpr Assertions asserts{"Src/utiTraceEx"};
+constexpr Assertions<"Src/utiTraceEx"> asserts;
 
 Stamp stampOfFile(const char *name) {
     Stamp stamp{};
