@@ -94,7 +94,7 @@ void unloadModule(ResourceModule *module) {
 using namespace uti;
 
 int32_t Resource_Initialize(const char *module) {
-    if (CurrentModule && ModuleList && module && isSameName(CurrentModuleName, module)) [[likely]]
+    if (isCurrentModule(module))
         return UTI_OK;
     if (!isModuleName(module))
         return asserts.fail(UTI_RESOURCE_BAD_NAME);

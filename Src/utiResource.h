@@ -27,13 +27,19 @@ inline constexpr uint16_t sectionsInFile = 6;
 } // namespace resource
 
 // The first item of a list that `matches` takes, the list's cursor on it; null when there is none,
-// and for a null list.
+// with the cursor past the end, and for a null list.
 template <class Item, class Matches>
 Item *findItem(List *list, Matches matches) {
-    void *item = list ? list->First(list) : nullptr;
-    while (item && !matches(*static_cast<Item *>(item)))
-        item = list->Next(list);
-    return static_cast<Item *>(item);
+    if (!list)
+        return nullptr;
+    list->index = 0;
+    for (list->current = list->head; list->current; list->current = list->current->next) {
+        auto *item = static_cast<Item *>(list->current->data);
+        if (matches(*item))
+            return item;
+        ++list->index;
+    }
+    return nullptr;
 }
 
 // Destroys a list, if there is one, with its items.
@@ -51,10 +57,12 @@ void destroyItems(List *&list, FreeItem freeItem) {
 
 bool isModuleName(const char *module);
 
-// Whether a field holds this name, behind what it holds before it. Names are so short that a call
-// would take longer.
+// Whether a field holds this name, behind what it holds before it. Every string that is asked for
+// comes by here, and names are so short that a call would take longer.
 template <std::size_t size>
-bool isSameName(const char (&field)[size], const char *name, std::size_t before = 0) {
+[[gnu::always_inline]] inline bool isSameName(const char (&field)[size], const char *name,
+                                              std::size_t before = 0) {
+#pragma GCC unroll 14
     for (std::size_t i = before; i < size; ++i) {
         if (field[i] != *name)
             return false;
@@ -66,6 +74,11 @@ bool isSameName(const char (&field)[size], const char *name, std::size_t before 
 
 // Reads EXTRES and default_lang and makes the module list on first use. False when memory is short.
 bool prepareModules();
+
+// Whether a module is the current one, so that it need not be made that.
+inline bool isCurrentModule(const char *module) {
+    return CurrentModule && ModuleList && module && isSameName(CurrentModuleName, module);
+}
 
 // The two-letter language of the environment variable default_lang in lower case, else "ru".
 void readDefaultLanguage(char (&language)[3]);

@@ -6,10 +6,9 @@
 #include "Src/platform.h"
 #include "Src/text.h"
 #include "Src/utiResource.h"
+#include "Src/utiStorage.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <iterator>
 
 constinit List *ResourceStorageList = nullptr;
 constinit char ResourceEmptyStr[1] = {};
@@ -27,16 +26,21 @@ constexpr bool isLanguageCode(const char *language) {
     return language && language[0] != 0 && language[1] != 0 && language[2] == 0;
 }
 
-// The names of a module and of the module that overrides it, its own name with "_ext" behind, and
-// whether that one is to be asked at all. With two of them both are copies: a caller may pass
-// `CurrentModuleName`, which changes when the other module becomes current. A name that is too long
-// stays so in both.
+// Whether the module that overrides this one is to be asked as well. What the environment says of
+// that is read before the very first lookup.
+bool mayBeOverridden(const char *module) {
+    if (!ModuleList && isModuleName(module)) [[unlikely]]
+        prepareModules();
+    return module && CheckExternalResources == 1;
+}
+
+// The names of a module and of the module that overrides it, its own name with "_ext" behind. Both
+// are copies where it is to be asked: a caller may pass `CurrentModuleName`, which changes when the
+// other module becomes current. A name that is too long stays so in both.
 class ModuleNames {
 public:
     explicit ModuleNames(const char *module) : plain_(module) {
-        if (!ModuleList && isModuleName(module))
-            prepareModules();
-        if (!module || CheckExternalResources != 1) [[likely]]
+        if (!mayBeOverridden(module)) [[likely]]
             return;
         setField(plainText_, {module, strnlen(module, sizeof plainText_)});
         plain_ = plainText_;
@@ -62,7 +66,7 @@ std::string_view emptyString() {
 }
 
 // The entry of a module and a language, of which two characters count; null when there is none.
-ResourceStoredStrings *findStored(const char *module, const char *language) {
+[[gnu::noinline]] ResourceStoredStrings *findStored(const char *module, const char *language) {
     return findItem<ResourceStoredStrings>(ResourceStorageList, [&](ResourceStoredStrings &item) {
         return std::memcmp(item.key, language, languageLength) == 0 &&
                isSameName(item.key, module, languageLength);
@@ -94,28 +98,33 @@ ResourceStoredStrings *findOrAddStored(const char *module, const char *language)
 }
 
 // The stored copy of a string, its terminator not counted. A view without an address: not stored.
-std::string_view findInLanguage(const char *module, const char *language, uint32_t id) {
+[[gnu::always_inline]] inline std::string_view findInLanguage(const char *module,
+                                                              const char *language, uint32_t id) {
     const ResourceStoredStrings *stored = findStored(module, language);
     if (!stored)
         return {};
-    if (!stored->strings)
+    if (!stored->strings) [[unlikely]]
         return asserts.fail(std::string_view{});
-    char *text;
-    uint32_t length;
-    if (!Storage_GetString(stored->strings, id, &text, &length))
+    const StorageEntry *entry = findEntry(stored->strings, id);
+    if (!entry || entry->type != STORAGE_STRING)
         return {};
-    return {text, length - 1};
+    return {static_cast<const char *>(entry->data), entry->length - 1};
+}
+
+[[gnu::cold, gnu::noinline]] std::string_view findInDefaultLanguage(const char *module,
+                                                                    uint32_t id) {
+    char language[3];
+    readDefaultLanguage(language);
+    return findInLanguage(module, language, id);
 }
 
 // The same in the default language when that is no language code.
-std::string_view findStoredString(const char *module, const char *language, uint32_t id) {
-    if (!module || !ResourceStorageList)
+[[gnu::always_inline]] inline std::string_view findStoredString(const char *module,
+                                                                const char *language, uint32_t id) {
+    if (!module || !ResourceStorageList) [[unlikely]]
         return {};
-    if (isLanguageCode(language)) [[likely]]
-        return findInLanguage(module, language, id);
-    char defaultLanguage[3];
-    readDefaultLanguage(defaultLanguage);
-    return findInLanguage(module, defaultLanguage, id);
+    return isLanguageCode(language) ? findInLanguage(module, language, id)
+                                    : findInDefaultLanguage(module, id);
 }
 
 // Reads the bytes of a string into a free small slot of the current module.
@@ -183,10 +192,17 @@ std::string_view readLargeString(const char *module, uint16_t id, uint16_t lengt
 }
 
 // `resource_GetString` with the string's length.
-std::string_view getModuleString(const char *module, uint32_t stringId) {
+[[gnu::noinline]] std::string_view getModuleString(const char *module, uint32_t stringId) {
     const auto id = static_cast<uint16_t>(stringId);
     const std::string_view stored = findStoredString(module, CurrentLanguage, id);
     return stored.data() ? stored : readString(module, id);
+}
+
+// The string of the module that overrides this one, else its own.
+[[gnu::cold, gnu::noinline]] std::string_view getOverriddenString(const char *module, uint32_t id) {
+    const ModuleNames names(module);
+    const std::string_view text = getModuleString(names.external(), id);
+    return *text.data() != 0 ? text : getModuleString(names.plain(), id);
 }
 
 void freeLargeString(ResourceLargeString &string) {
@@ -210,13 +226,9 @@ void freeStoredStrings(const char *module) {
 } // namespace
 
 std::string_view getResourceString(const char *module, uint32_t id) {
-    const ModuleNames names(module);
-    if (names.external()) {
-        const std::string_view text = getModuleString(names.external(), id);
-        if (*text.data() != 0)
-            return text;
-    }
-    return getModuleString(names.plain(), id);
+    if (mayBeOverridden(module)) [[unlikely]]
+        return getOverriddenString(module, id);
+    return getModuleString(module, id);
 }
 
 } // namespace uti
@@ -268,18 +280,18 @@ const char *Resource_GetStringEx(const char *module, const char *language, uint3
 }
 
 void resource_Release(const char *module, uint32_t stringId) {
-    if (Resource_Initialize(module) != UTI_OK) {
+    if (!isCurrentModule(module) && Resource_Initialize(module) != UTI_OK) {
         asserts.report();
         return;
     }
     const auto id = static_cast<uint16_t>(stringId);
-    const auto bearsId = [&](const ResourceSmallString &slot) { return slot.id == id; };
-    ResourceSmallString *slot = std::begin(CurrentModule->smallStrings);
-    ResourceSmallString *const end = std::end(CurrentModule->smallStrings);
-    while ((slot = std::find_if(slot, end, bearsId)) != end) {
+#pragma GCC unroll 5
+    for (ResourceSmallString &slot : CurrentModule->smallStrings) {
+        if (slot.id != id) [[likely]]
+            continue;
         // A free slot may bear the same id, above all 0.
-        const bool used = slot->text[0] != 0;
-        *slot++ = {};
+        const bool used = slot.text[0] != 0;
+        slot = {};
         if (used)
             break;
     }
@@ -295,9 +307,10 @@ void resource_Release(const char *module, uint32_t stringId) {
 }
 
 void Resource_Release(const char *module, uint32_t id) {
+    if (!mayBeOverridden(module)) [[likely]]
+        return resource_Release(module, id);
     const ModuleNames names(module);
-    if (names.external())
-        resource_Release(names.external(), id);
+    resource_Release(names.external(), id);
     resource_Release(names.plain(), id);
 }
 

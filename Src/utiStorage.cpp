@@ -1,5 +1,6 @@
 // utiStorage.cpp: the hash table from 32-bit keys to typed values, with an index beside its
 // buckets, and its export block, which is drawn in docs/formats.md.
+#include "Src/utiStorage.h"
 #include "Src/assertions.h"
 #include "Src/heap.h"
 #include "common/bytes.h"
@@ -21,63 +22,13 @@ constexpr uint8_t scalarSizes[] = {
     1, 1, 2, 2, 4, 4, 8, 8, 1, 8, 0, sizeof(TerminalDate), sizeof(TerminalTime)};
 static_assert(sizeof(TerminalDate) == 6 && sizeof(TerminalTime) == 3);
 
-bool isOpen(Storage storage) {
-    return storage && *storage;
-}
-
-// The hash of a key; `CalcHash` for the operations in here.
+// The hash of a key.
 constexpr uint32_t bucketOf(uint32_t key) {
     uint32_t hash = key + ~(key << 9);
     hash ^= std::rotr(hash, 14);
     hash *= 17;
     hash ^= std::rotr(hash, 10);
     return hash % STORAGE_BUCKETS;
-}
-
-// A table as it is allocated. The buckets, whose number and order are fixed, hold every entry; once
-// there are many, an index of them all finds each in a few steps, also when all keys share a
-// bucket. It is probed linearly and at most half full. While there is none, which may be for want
-// of memory, the bucket's chain is walked.
-struct Table : StorageTable {
-    static constexpr uint32_t unusedShift = 25; // an index comes with the 64th entry
-
-    StorageEntry **slots; // null while there is no index
-    uint32_t seed;        // of its hash: no set of keys collides in every table
-    uint32_t shift;       // it has 1 << (32 - shift) slots
-
-    uint32_t lastSlot() const { return UINT32_MAX >> shift; }
-    uint32_t slotOf(uint32_t key) const { return (key ^ seed) * 0x9E3779B1 >> shift; }
-    uint32_t next(uint32_t slot) const { return (slot + 1) & lastSlot(); }
-
-    // The slot that holds the key's entry, or the empty one where it belongs.
-    uint32_t find(uint32_t key) const {
-        uint32_t slot = slotOf(key);
-        while (slots[slot] && slots[slot]->key != key)
-            slot = next(slot);
-        return slot;
-    }
-
-    void dropIndex() {
-        std::free(slots);
-        slots = nullptr;
-    }
-};
-
-Table &tableOf(Storage storage) {
-    return static_cast<Table &>(**storage);
-}
-
-// The key's entry, or null; `FindEntry` for the operations that need not be fast.
-[[gnu::always_inline]] inline StorageEntry *find(Storage storage, uint32_t key) {
-    if (!isOpen(storage))
-        return nullptr;
-    const Table &table = tableOf(storage);
-    if (table.slots)
-        return table.slots[table.find(key)];
-    StorageEntry *entry = table.buckets[bucketOf(key)];
-    while (entry && entry->key != key)
-        entry = entry->next;
-    return entry;
 }
 
 void freeEntry(StorageEntry *entry) {
@@ -164,7 +115,7 @@ int32_t putScalar(Storage storage, uint32_t key, StorageType type, Value value) 
 // The entry of a key that holds at least `size` bytes of this type, or null.
 [[gnu::always_inline]] inline const StorageEntry *findValue(Storage storage, uint32_t key,
                                                             int32_t type, uint32_t size) {
-    const StorageEntry *entry = find(storage, key);
+    const StorageEntry *entry = findEntry(storage, key);
     return entry && entry->type == type && entry->length >= size ? entry : nullptr;
 }
 
@@ -179,6 +130,14 @@ template <std::size_t size>
 }
 
 } // namespace
+
+[[gnu::noinline]] StorageEntry *findInBucket(const StorageTable &table, uint32_t key) {
+    StorageEntry *entry = table.buckets[bucketOf(key)];
+    while (entry && entry->key != key)
+        entry = entry->next;
+    return entry;
+}
+
 } // namespace uti
 
 using namespace uti;
@@ -188,7 +147,7 @@ uint32_t CalcHash(uint32_t key) {
 }
 
 StorageEntry *FindEntry(Storage storage, uint32_t key) {
-    return find(storage, key);
+    return findEntry(storage, key);
 }
 
 Storage Storage_Create(void) {

@@ -1,0 +1,59 @@
+// utiStorage.h: the table behind a Storage and the way to a key's entry in it, for readers inside
+// the library.
+#pragma once
+
+#include "uti.h"
+
+#include <cstdlib>
+
+namespace uti {
+
+inline bool isOpen(Storage storage) {
+    return storage && *storage;
+}
+
+// A table as it is allocated. The buckets, whose number and order are fixed, hold every entry; an
+// index of them all finds each in a few steps, also when all keys share a bucket. It is probed
+// linearly and at most half full. While there is none, for want of entries or of memory, the
+// bucket's chain is walked.
+struct Table : StorageTable {
+    static constexpr uint32_t unusedShift = 31; // an index comes with the first entry
+
+    StorageEntry **slots; // null while there is no index
+    uint32_t seed;        // of its hash: no set of keys collides in every table
+    uint32_t shift;       // it has 1 << (32 - shift) slots
+
+    uint32_t lastSlot() const { return UINT32_MAX >> shift; }
+    uint32_t slotOf(uint32_t key) const { return (key ^ seed) * 0x9E3779B1 >> shift; }
+    uint32_t next(uint32_t slot) const { return (slot + 1) & lastSlot(); }
+
+    // The slot that holds the key's entry, or the empty one where it belongs.
+    uint32_t find(uint32_t key) const {
+        uint32_t slot = slotOf(key);
+        while (slots[slot] && slots[slot]->key != key)
+            slot = next(slot);
+        return slot;
+    }
+
+    void dropIndex() {
+        std::free(slots);
+        slots = nullptr;
+    }
+};
+
+inline Table &tableOf(Storage storage) {
+    return static_cast<Table &>(**storage);
+}
+
+// The same by the chain of the key's bucket, for a table without an index.
+StorageEntry *findInBucket(const StorageTable &table, uint32_t key);
+
+// The key's entry, or null; `FindEntry` for those that need not be fast.
+[[gnu::always_inline]] inline StorageEntry *findEntry(Storage storage, uint32_t key) {
+    if (!isOpen(storage))
+        return nullptr;
+    const Table &table = tableOf(storage);
+    return table.slots ? table.slots[table.find(key)] : findInBucket(table, key);
+}
+
+} // namespace uti
