@@ -119,7 +119,7 @@ public:
 
 private:
     // The next entry, zeroed; null when the table cannot grow.
-    Argument *add(uint32_t type) {
+    [[gnu::always_inline]] Argument *add(uint32_t type) {
         if (table_.used == table_.capacity && !table_.grow())
             return nullptr;
         Argument &argument = table_.entries[table_.used++];

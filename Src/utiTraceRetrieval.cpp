@@ -122,9 +122,11 @@ int32_t TraceExGetLog(char *out, int32_t size) {
     if (oldest.index < 0)
         buffer.setMessage("LOG FILE NOT FOUND");
 
-    for (int32_t i = 0; i < oldest.count; ++i) {
+    for (int32_t i = 0, index = oldest.index; i < oldest.count; ++i, ++index) {
+        if (index == oldest.count)
+            index = 0;
         LogFileName name;
-        formLogFileName(name, (oldest.index + i) % oldest.count);
+        formLogFileName(name, index);
         if (File_IsValid(name) != 1 || addFile(name, buffer, report) == Gathering::ends)
             break;
     }

@@ -6,7 +6,6 @@
 #include "Src/utiTraceEx.h"
 
 #include <bit>
-#include <charconv>
 #include <cstdio>
 
 namespace uti {
@@ -23,8 +22,17 @@ constexpr uint32_t pieceBytes = 16;
 // buffer many times over.
 
 char *putDecimal(char *out, int32_t number) {
-    constexpr std::size_t longest = sizeof "-2147483648" - 1;
-    return std::to_chars(out, out + longest, number).ptr;
+    auto left = static_cast<uint32_t>(number);
+    if (number < 0) {
+        *out++ = '-';
+        left = 0 - left;
+    }
+    char *end = out + 1;
+    for (uint32_t rest = left; rest > 9; rest /= 10)
+        ++end;
+    for (char *at = end; at != out; left /= 10)
+        *--at = static_cast<char>('0' + left % 10);
+    return end;
 }
 
 // As "%02d" does.
