@@ -45,19 +45,25 @@ constexpr bool isDecimal(char character) {
     return character >= '0' && character <= '9';
 }
 
-// The bytes of the code units up to the last one that has a byte.
+// The bytes of the code units: those of one byte are themselves, and of the others only the Russian
+// letters have one.
 constexpr char unknownCharacter = '?';
-constexpr std::array<char, 0x452> windows1251 = [] {
-    std::array<char, 0x452> bytes{};
+constexpr unsigned firstRussian = 0x401;
+constexpr std::array<char, 0x452 - firstRussian> russian = [] {
+    std::array<char, 0x452 - firstRussian> bytes{};
     bytes.fill(unknownCharacter);
-    for (unsigned unit = 0; unit <= 0xFF; ++unit)
-        bytes[unit] = static_cast<char>(unit);
     for (unsigned unit = 0x410; unit <= 0x44F; ++unit)
-        bytes[unit] = static_cast<char>(unit - 0x350);
-    bytes[0x401] = static_cast<char>(0xA8);
-    bytes[0x451] = static_cast<char>(0xB8);
+        bytes[unit - firstRussian] = static_cast<char>(unit - 0x350);
+    bytes.front() = static_cast<char>(0xA8);
+    bytes.back() = static_cast<char>(0xB8);
     return bytes;
 }();
+
+constexpr char windows1251(unsigned unit) {
+    if (unit <= 0xFF)
+        return static_cast<char>(unit);
+    return unit - firstRussian < russian.size() ? russian[unit - firstRussian] : unknownCharacter;
+}
 
 // Turns four upper-case hexadecimal digits a character into one byte each, in place, and returns
 // the number of characters: 0 when there are none, or when it is no such text, which is then lost
@@ -74,7 +80,7 @@ std::size_t decodeUcs2Hex(std::span<char> text) {
         if ((a | b | c | d) > 0xF)
             return 0;
         const unsigned unit = a << 12 | b << 8 | c << 4 | d;
-        text[i] = unit < windows1251.size() ? windows1251[unit] : unknownCharacter;
+        text[i] = windows1251(unit);
     }
     return count;
 }
