@@ -21,12 +21,13 @@ inline constexpr std::size_t longestValue = 254;
 enum class Stored { done, refused, full, noMemory };
 
 inline uint16_t hashOf(std::string_view name) {
-    uint64_t hash = name.size();
-    const auto mix = [&hash](uint64_t part) {
-        hash = (hash ^ part) * 0x9E3779B97F4A7C15u;
-        hash ^= hash >> 32;
+    using Part = std::size_t; // what the machine mixes at once
+    Part hash = name.size();
+    const auto mix = [&hash](Part part) {
+        hash = (hash ^ part) * static_cast<Part>(0x9E3779B97F4A7C15u);
+        hash ^= hash >> 4 * sizeof hash;
     };
-    uint64_t part;
+    Part part;
     for (; name.size() >= sizeof part; name.remove_prefix(sizeof part)) {
         std::memcpy(&part, name.data(), sizeof part);
         mix(part);
@@ -35,7 +36,7 @@ inline uint16_t hashOf(std::string_view name) {
     for (const char c : name)
         part = part << 8 | static_cast<uint8_t>(c);
     mix(part);
-    return static_cast<uint16_t>(hash >> 48);
+    return static_cast<uint16_t>(hash >> (8 * sizeof hash - 16));
 }
 
 // Items in the order of their arrival, each with an owned `text` and a `name()` like no other's. A
@@ -53,8 +54,7 @@ public:
     // The item with this name, or null.
     Item *find(std::string_view name) const {
         if (count_ <= fewItems) {
-            Item *found =
-                std::find_if(begin(), end(), [&](const Item &item) { return item.name() == name; });
+            Item *found = std::ranges::find(begin(), end(), name, &Item::name);
             return found == end() ? nullptr : found;
         }
         const uint16_t hash = hashOf(name);
