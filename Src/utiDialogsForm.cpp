@@ -208,9 +208,8 @@ int32_t createIpEdit(GraphicIpEditEntry &entry) {
 // Creates the widgets of a record in its order. False at the first that fails.
 template <class Parameters, class Create>
 bool createAll(Parameters &parameters, Create create) {
-    const auto entries = entriesOf(parameters);
-    return std::all_of(entries.begin(), entries.end(),
-                       [&](auto &entry) { return create(entry) >= 0; });
+    return std::ranges::all_of(entriesOf(parameters),
+                               [&](auto &entry) { return create(entry) >= 0; });
 }
 
 bool createWidgets() {

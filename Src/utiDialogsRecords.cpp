@@ -55,6 +55,17 @@ bool equal(const RgbColor &a, const RgbColor &b) {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
 
+void overrideColors(ColorSet &colors, const ColorSet &request) {
+    if (!equal(request.activeBackground, request.activeForeground)) {
+        colors.activeForeground = request.activeForeground;
+        colors.activeBackground = request.activeBackground;
+    }
+    if (!equal(request.passiveBackground, request.passiveForeground)) {
+        colors.passiveForeground = request.passiveForeground;
+        colors.passiveBackground = request.passiveBackground;
+    }
+}
+
 // Calls `take` with every text of the records and those that are kept beside them.
 template <class Take>
 void forEachText(Take take) {
@@ -102,19 +113,9 @@ void freeLastTexts() {
 }
 
 void Dialogs_OverrideColors(ColorSet colors) {
-    const bool active = !equal(colors.activeBackground, colors.activeForeground);
-    const bool passive = !equal(colors.passiveBackground, colors.passiveForeground);
     forEachControlRecord([&](auto &record) {
-        for (auto &entry : entriesOf(record)) {
-            if (active) {
-                entry.colors.activeForeground = colors.activeForeground;
-                entry.colors.activeBackground = colors.activeBackground;
-            }
-            if (passive) {
-                entry.colors.passiveForeground = colors.passiveForeground;
-                entry.colors.passiveBackground = colors.passiveBackground;
-            }
-        }
+        for (auto &entry : entriesOf(record))
+            overrideColors(entry.colors, colors);
     });
 }
 
@@ -162,7 +163,7 @@ void setValue(char *&valueBuffer, std::string_view text) {
 }
 
 void keepText(char *text) {
-    char **place = std::find(std::begin(keptTexts), std::end(keptTexts), nullptr);
+    char **place = std::ranges::find(keptTexts, nullptr);
     if (place != std::end(keptTexts))
         *place = text;
 }
