@@ -57,6 +57,10 @@ bool isModuleName(const char *module) {
     return module && strnlen(module, RESOURCE_NAME_LENGTH + 1) <= RESOURCE_NAME_LENGTH;
 }
 
+bool isModule(const ResourceModule &loaded, const char *module) {
+    return isSameName(loaded.name, module);
+}
+
 bool prepareModules() {
     if (ModuleList)
         return true;
@@ -102,7 +106,7 @@ int32_t Resource_Initialize(const char *module) {
         return asserts.fail(UTI_RESOURCE_NO_MEMORY);
 
     ResourceModule *loaded = findItem<ResourceModule>(
-        ModuleList, [&](ResourceModule &item) { return isSameName(item.name, module); });
+        ModuleList, [&](ResourceModule &item) { return isModule(item, module); });
     if (loaded) {
         CurrentModule = loaded;
         setField(CurrentModuleName, module);

@@ -72,6 +72,9 @@ template <std::size_t size>
     return false;
 }
 
+// Whether a record is that of a module; once, where nothing hangs on its speed.
+bool isModule(const ResourceModule &loaded, const char *module);
+
 // Reads EXTRES and default_lang and makes the module list on first use. False when memory is short.
 bool prepareModules();
 

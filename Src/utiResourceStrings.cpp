@@ -111,20 +111,25 @@ ResourceStoredStrings *findOrAddStored(const char *module, const char *language)
     return {static_cast<const char *>(entry->data), entry->length - 1};
 }
 
-[[gnu::cold, gnu::noinline]] std::string_view findInDefaultLanguage(const char *module,
-                                                                    uint32_t id) {
-    char language[3];
-    readDefaultLanguage(language);
+// The same in the default language when that is no language code.
+[[gnu::noinline]] std::string_view findInAnyLanguage(const char *module, const char *language,
+                                                     uint32_t id) {
+    if (!module || !ResourceStorageList)
+        return {};
+    char defaultLanguage[3];
+    if (!isLanguageCode(language)) {
+        readDefaultLanguage(defaultLanguage);
+        language = defaultLanguage;
+    }
     return findInLanguage(module, language, id);
 }
 
-// The same in the default language when that is no language code.
-[[gnu::always_inline]] inline std::string_view findStoredString(const char *module,
-                                                                const char *language, uint32_t id) {
-    if (!module || !ResourceStorageList) [[unlikely]]
-        return {};
-    return isLanguageCode(language) ? findInLanguage(module, language, id)
-                                    : findInDefaultLanguage(module, id);
+// The same in the current language, which every string that is asked for comes by.
+[[gnu::always_inline]] inline std::string_view findInCurrentLanguage(const char *module,
+                                                                     uint32_t id) {
+    if (!module || !ResourceStorageList || !isLanguageCode(CurrentLanguage)) [[unlikely]]
+        return findInAnyLanguage(module, CurrentLanguage, id);
+    return findInLanguage(module, CurrentLanguage, id);
 }
 
 // Reads the bytes of a string into a free small slot of the current module.
@@ -194,7 +199,7 @@ std::string_view readLargeString(const char *module, uint16_t id, uint16_t lengt
 // `resource_GetString` with the string's length.
 [[gnu::noinline]] std::string_view getModuleString(const char *module, uint32_t stringId) {
     const auto id = static_cast<uint16_t>(stringId);
-    const std::string_view stored = findStoredString(module, CurrentLanguage, id);
+    const std::string_view stored = findInCurrentLanguage(module, id);
     return stored.data() ? stored : readString(module, id);
 }
 
@@ -236,7 +241,7 @@ std::string_view getResourceString(const char *module, uint32_t id) {
 using namespace uti;
 
 const char *resource_FindStoredString(const char *module, const char *language, uint32_t id) {
-    return findStoredString(module, language, static_cast<uint16_t>(id)).data();
+    return findInAnyLanguage(module, language, static_cast<uint16_t>(id)).data();
 }
 
 int32_t resource_StoreString(const char *module, uint32_t id, const void *bytes, uint32_t length) {
@@ -339,9 +344,8 @@ void Resource_Close(const char *module) {
     setField(name, {module, strnlen(module, sizeof name)});
     const ModuleNames names(name);
     const auto isMeant = [&](ResourceModule &loaded) {
-        return loaded.handle >= 0 &&
-               (isSameName(loaded.name, names.plain()) ||
-                (names.external() && isSameName(loaded.name, names.external())));
+        return loaded.handle >= 0 && (isModule(loaded, names.plain()) ||
+                                      (names.external() && isModule(loaded, names.external())));
     };
     while (auto *loaded = findItem<ResourceModule>(ModuleList, isMeant)) {
         // Of several records with this name it is this one whose strings are to be released.

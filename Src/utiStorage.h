@@ -4,9 +4,13 @@
 
 #include "uti.h"
 
+#include <concepts>
 #include <cstdlib>
 
 namespace uti {
+
+// Bytes of an entry in the export block, without its value.
+inline constexpr uint32_t entryHeaderSize = 12;
 
 inline bool isOpen(Storage storage) {
     return storage && *storage;
@@ -54,6 +58,18 @@ StorageEntry *findInBucket(const StorageTable &table, uint32_t key);
         return nullptr;
     const Table &table = tableOf(storage);
     return table.slots ? table.slots[table.find(key)] : findInBucket(table, key);
+}
+
+// Calls `visit` for every entry by bucket and chain, as long as it returns true.
+template <std::predicate<StorageEntry &> Visit>
+bool forEachEntry(Storage storage, Visit visit) {
+    for (StorageEntry *bucket : (*storage)->buckets) {
+        for (StorageEntry *entry = bucket; entry; entry = entry->next) {
+            if (!visit(*entry))
+                return false;
+        }
+    }
+    return true;
 }
 
 } // namespace uti

@@ -343,7 +343,7 @@ uint32_t Parser_GetParameterDword(const ParserNode *node, int32_t *error) {
 }
 
 double Parser_GetParameterDouble(const ParserNode *node, int32_t *error) {
-    return getScalar<DoubleScalar>(node, error);
+    return readScalar<DoubleScalar>(node, error);
 }
 
 void Parser_GetParameterInsignificant(const ParserNode *node, int32_t *error) {
