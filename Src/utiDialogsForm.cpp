@@ -305,12 +305,16 @@ int32_t addToForm(int32_t handle) {
 }
 
 void removeForm(int32_t display) {
+    bool isGone = true;
     if (currentForm > 0) {
-        igUI_Del(display, currentForm);
+        isGone = igUI_Del(display, currentForm) >= 0;
         currentForm = -1;
         ++dialogTurn;
     }
-    freeLastTexts();
+    if (isGone)
+        freeLastTexts();
+    else
+        leaveLastTexts();
 }
 
 int32_t IG_CreateForm(const char *caption, uint32_t transparency, uint32_t positionType,

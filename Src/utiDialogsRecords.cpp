@@ -106,10 +106,13 @@ void Dialogs_ResetControls() {
 }
 
 void freeLastTexts() {
-    for (char *&text : lastTexts) {
+    for (char *text : lastTexts)
         std::free(text);
-        text = nullptr;
-    }
+    leaveLastTexts();
+}
+
+void leaveLastTexts() {
+    std::ranges::fill(lastTexts, nullptr);
 }
 
 void Dialogs_OverrideColors(ColorSet colors) {

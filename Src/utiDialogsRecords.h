@@ -40,6 +40,9 @@ void Dialogs_ResetControls();
 // Frees the texts of the dialog before, whose form is gone.
 void freeLastTexts();
 
+// Leaves them to its form, which the toolkit could not delete and goes on drawing.
+void leaveLastTexts();
+
 // Gives all controls the request's colours; a pair of equal colours leaves the description's.
 void Dialogs_OverrideColors(ColorSet colors);
 

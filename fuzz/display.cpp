@@ -47,6 +47,9 @@ public:
             const int x = static_cast<int>(in_.below(250)), y = static_cast<int>(in_.below(330));
             return Event{.kind = pen[choice - 6], .at = {x, y}};
         }
+        // What no time-out ends is cancelled in the end.
+        if (!isHere && ++idle_ % 400 == 0)
+            return Event{.kind = Event::Kind::key, .key = IG_KEY_ESCAPE};
         pass(isHere ? in_.below(1200) : milliseconds);
         return std::nullopt;
     }
@@ -54,6 +57,7 @@ public:
 private:
     const std::string bytes_;
     Input in_;
+    uint32_t idle_ = 0;
 };
 
 } // namespace
