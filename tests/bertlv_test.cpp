@@ -85,16 +85,25 @@ TEST(BerTlv, AppendTag) {
 }
 
 TEST(BerTlv, NullsAreRefused) {
-    uint8_t buffer[8] = {0x82, 1, 2};
-    const uint8_t *cursor = buffer, *none = nullptr;
-    uint32_t size = 8;
-    EXPECT_EQ(BerTlv_GetTag(&cursor, &size, &size, &size, nullptr), -1);
-    EXPECT_EQ(BerTlv_GetTag(&none, &size, &size, &size, &cursor), -1);
-    EXPECT_EQ(BerTlv_GetTag(nullptr, nullptr, nullptr, nullptr, &cursor), -1);
-    EXPECT_EQ(BerTlv_ExtractSingleTag(nullptr, 3, 0x82, &size, buffer), -3);
-    EXPECT_EQ(BerTlv_ExtractSingleTag(buffer, 3, 0x82, nullptr, nullptr), -3);
-    EXPECT_EQ(BerTlv_AppendTag(0x82, 1, nullptr, buffer, &size), -1);
-    EXPECT_EQ(BerTlv_AppendTag(0x82, 1, buffer, nullptr, nullptr), -1);
+    uint8_t buffer[8] = {0x82, 1, 2}, out[8];
+    const uint8_t *none = nullptr;
+    for (int i = 0; i < 6; ++i) { // each pointer alone
+        SCOPED_TRACE(i);
+        const auto unless = [&](int at, auto *pointer) { return at == i ? nullptr : pointer; };
+        const uint8_t *cursor = buffer;
+        uint32_t size = 8, left = 8, room = 8;
+        EXPECT_EQ(BerTlv_GetTag(i == 5 ? &none : unless(0, &cursor), unless(1, &left),
+                                unless(2, &size), unless(3, &size), unless(4, &cursor)),
+                  -1);
+        EXPECT_EQ(BerTlv_ExtractSingleTag(unless(0, buffer), 3, 0x82, unless(1, &room),
+                                          unless(2, out)),
+                  i < 3 ? -3 : 0);
+        EXPECT_EQ(BerTlv_AppendTag(0x82, 1, unless(3, buffer), unless(4, out), unless(5, &size)),
+                  i < 3 ? 0 : -1);
+    }
+    uint32_t size = 0;
+    EXPECT_EQ(BerTlv_ExtractSingleTag(buffer, 3, 0x82, &size, out), -3);
+    size = 8;
     EXPECT_EQ(BerTlv_AppendTag(0x82, 0, buffer, buffer, &size), -1);
 }
 

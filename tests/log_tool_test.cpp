@@ -285,6 +285,8 @@ TEST_F(LogToolTest, ChoosesRecordsAndForms) {
     TraceExDebug("b", 3, 0);
     TraceExError("m", 3, Long, 5, 0);
     write("text.log", "\r\n26-11-16 11:49:35 [m] a line");
+    write("\xC1\xBF\xED\xA0\x80.log", "?");
+    write("odd.log", records("\1").replace(23, 1, "/"));
     write("b.res", "no resources");
     const struct {
         const char *arguments;
@@ -312,6 +314,8 @@ TEST_F(LogToolTest, ChoosesRecordsAndForms) {
         {"- --res / <t.log", 0, "1 2 3 3 ", ""},
         {"text.log", 1, "", "30 bytes passed over; they look like lines of text"},
         {"--monitor t.log", 1, "", "they look like a trace log, which is read without --monitor\n"},
+        {"\xC1\xBF\xED\xA0\x80.log", 1, "", "\xEF\xBF\xBD.log: error: "},
+        {"odd.log", 0, "1 ", "uti: no wording for /: no resource file can have this name\n"},
         {"--follow text.log", 1, "", "error: its bytes are no binary log; they look like lines of"},
         {"--follow /dev/null", 2, "", "uti: --follow needs a file; /dev/null is none\n"},
         {"--level none t", 2, "", "--level"},
@@ -332,6 +336,16 @@ TEST_F(LogToolTest, ChoosesRecordsAndForms) {
     }
     EXPECT_EQ(run("--module b --res / t"), 0);
     EXPECT_EQ(err, "uti: no wording for b: there is no b.res in /\n") << "told once";
+    for (const char *moment : {"11", "11:49:6", "11:49x", "11-16", "2026-13-01", "2026-11-32",
+                               "2026-11", "2026-11-16x11:49"})
+        EXPECT_EQ(run(concat("--since ", moment, " t")), 2) << moment;
+
+    // What overrides a module gives the wording, whatever the module's own file is.
+    fs::copy_file("m.res", "b_ext.res");
+    setenv("EXTRES", "1", 1);
+    EXPECT_EQ(run("--lang en --module b t"), 1);
+    unsetenv("EXTRES");
+    EXPECT_NE(out.find("[b] rest\n"), out.npos) << out;
 }
 
 TEST_F(LogToolTest, FollowsOverRotations) {
@@ -392,6 +406,12 @@ TEST_F(LogToolTest, FollowsOverRotations) {
     for (int i = 0; i < 1000 && !reader.err().ends_with("not binary records\n"); ++i)
         usleep(10'000);
     EXPECT_NE(reader.err().find("damaged; waiting for a record; they look like"), err.npos);
+
+    // What cannot be read ends it.
+    fs::remove("t7.log");
+    fs::create_directory("t7.log");
+    EXPECT_EQ(reader.wait(), 2);
+    EXPECT_NE(reader.err().find("uti: cannot read t7.log: Is a directory\n"), err.npos);
 }
 
 } // namespace

@@ -107,15 +107,32 @@ TEST_F(Parser, NullAndCompoundNodesAreRefused) {
     EXPECT_EQ(error, -3001);
     Parser_GetParameterInsignificant(nullptr, &error);
     EXPECT_EQ(error, -3001);
+    EXPECT_EQ(Parser_GetParameterWord(nullptr, nullptr), 0);
+    Parser_GetParameterInsignificant(nullptr, nullptr);
     EXPECT_EQ(Parser_GetNextSubNode(nullptr, &inner), -3000);
+    EXPECT_EQ(Parser_GetNextSubNode(&root, nullptr), -3000);
+    EXPECT_EQ(Parser_GetNextCompoundNode(nullptr, &inner), -3000);
     EXPECT_EQ(Parser_GetNextCompoundNode(&root, nullptr), -3000);
     EXPECT_EQ(Parser_ParseNode(nullptr, ParseHeader), -3003);
+    EXPECT_EQ(Parser_ParseNode(&root, nullptr), -3003);
+    EXPECT_EQ(Parser_ParseNodeEx(nullptr, nullptr, 1), -3003);
     EXPECT_EQ(Parser_ParseNodeEx(&root, nullptr, 1), -3003);
     EXPECT_EQ(bytesRead, inner.valueOffset) << "nothing was read";
     const ParserNode primitive{5, root.source, 0, 3}, empty{0x80, root.source, 0, 0};
     EXPECT_EQ(Parser_GetNextCompoundNode(&primitive, &inner), -3000);
     EXPECT_EQ(Parser_GetNextCompoundNode(&empty, &inner), -3000);
     EXPECT_EQ(Memory_Read(0, buffer, 4), 0u);
+
+    // A source that is missing, wholly or in part.
+    const ParserNode value{5, root.source, bytesRead, 3};
+    EXPECT_EQ(Parser_GetParameterBuffer(&value, nullptr, 4), -3001);
+    Parser_SetPosition = nullptr;
+    Parser_GetParameterInsignificant(&value, &error);
+    EXPECT_EQ(error, -3001);
+    Parser_DataRead = nullptr;
+    EXPECT_EQ(Parser_GetParameterBuffer(&value, buffer, 4), -3002);
+    EXPECT_EQ(Parser_GetNextSubNode(&root, &inner), -3004);
+    EXPECT_EQ(Parser_GetRootNodeInBlock(nullptr, 9, &inner), -3004);
 }
 
 TEST_F(Parser, WalkVisitsSkipsAndEnds) {
@@ -203,6 +220,9 @@ TEST_F(Parser, StreamsThatEndEarly) {
     tagIdSize = 200; // an application wrote where it must not
     EXPECT_EQ(TLV_ReadHeader(value.source, nullptr), -3004);
     TlvHeader header;
+    EXPECT_EQ(TLV_ReadHeader(value.source, &header), -3004);
+    EXPECT_EQ(Parser_GetRootNodeInBlock(block.data(), block.size(), &root), -3000);
+    tagIdSize = 4, lengthSize = 3;
     EXPECT_EQ(TLV_ReadHeader(value.source, &header), -3004);
 }
 
