@@ -110,12 +110,10 @@ bool iniBringHome(const char *fileName) {
     const HeapPointer<char> copy = copyName(fileName);
     if (!copy)
         return asserts.fail(false);
-    if (File_IsValid(copy.get()) != 1)
-        return true;
-
+    // Only when it neither opens nor is known there is none: a call that fails hides no copy.
     FileText text;
     if (!readFile(copy.get(), text))
-        return asserts.fail(false);
+        return File_IsValid(copy.get()) != 1 || asserts.fail(false);
     const std::string_view content = contentOf(text.view());
     if (!content.empty() && !writeWhole(fileName, content))
         return asserts.fail(false);

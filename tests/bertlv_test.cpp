@@ -95,9 +95,9 @@ TEST(BerTlv, NullsAreRefused) {
         EXPECT_EQ(BerTlv_GetTag(i == 5 ? &none : unless(0, &cursor), unless(1, &left),
                                 unless(2, &size), unless(3, &size), unless(4, &cursor)),
                   -1);
-        EXPECT_EQ(BerTlv_ExtractSingleTag(unless(0, buffer), 3, 0x82, unless(1, &room),
-                                          unless(2, out)),
-                  i < 3 ? -3 : 0);
+        EXPECT_EQ(
+            BerTlv_ExtractSingleTag(unless(0, buffer), 3, 0x82, unless(1, &room), unless(2, out)),
+            i < 3 ? -3 : 0);
         EXPECT_EQ(BerTlv_AppendTag(0x82, 1, unless(3, buffer), unless(4, out), unless(5, &size)),
                   i < 3 ? 0 : -1);
     }

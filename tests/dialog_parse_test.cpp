@@ -201,6 +201,26 @@ TEST_F(Parse, AreasAndColours) {
         EXPECT_EQ(caption.justify, 6u) << "the walk went on behind it";
         EXPECT_EQ(isLeftTop, &row == rows) << "until a position is met";
     }
+
+    // The nodes inside alone: without a place to store to they are passed over.
+    for (const bool isPlaced : {false, true}) {
+        Rectangle rectangle{};
+        ColorSet set{};
+        RgbColor color{};
+        currentAreaRectangle = isPlaced ? &rectangle : nullptr;
+        isLeftTop = 1;
+        EXPECT_EQ(parse(ParseAreaRectangle, position(1, 2)), 0);
+        currentPosition = isPlaced ? &rectangle.right : nullptr;
+        EXPECT_EQ(parse(ParseGuiPosition, word(4, 3) + word(5, 4)), 0);
+        currentGraphicColors = isPlaced ? &set : nullptr;
+        EXPECT_EQ(parse(ParseGraphicColors, green), 0);
+        currentRGB = isPlaced ? &color : nullptr;
+        EXPECT_EQ(parse(ParseRGB, byte(3, 3)), 0);
+        EXPECT_EQ(rectangle.left + 10 * rectangle.top + 100 * rectangle.right +
+                      1000 * rectangle.bottom + 10000 * set.activeForeground.green +
+                      100000 * color.blue,
+                  isPlaced ? 324321 : 0);
+    }
 }
 
 TEST_F(Parse, LineFeedsOfTheEditRecord) {

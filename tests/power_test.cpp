@@ -109,9 +109,14 @@ TEST_F(Power, SafelyWrittenIniLosesNothing) {
 // Every call for files and memory fails, once and from then on; then power goes, at any moment of
 // one more change. No setting that was there before the fault is lost.
 TEST_F(Power, SafelyWrittenIniSurvivesFaultsAndThenPower) {
+    Ini_SetSafeWrite(1);
+    terminal.files["f"] = before;
+    std::string file = before, copy = "an incomplete copy", complete;
+    for (const Disk &disk : statesOf([] { Ini_SetStr("f", "s", "b", "two"); }))
+        if (const auto found = disk.find("f~"); found != disk.end())
+            complete = std::max(complete, found->second);
     const auto prepare = [&] {
-        Ini_SetSafeWrite(1);
-        terminal.files = {{"f", before}, {"f~", "an incomplete copy"}};
+        terminal.files = {{"f", file}, {"f~", copy}};
         Ini_RemoveFileInfoFromCache("f");
     };
     const auto run = [](fake::Fault) { Ini_SetStr("f", "s", "b", "2"); };
@@ -128,6 +133,8 @@ TEST_F(Power, SafelyWrittenIniSurvivesFaultsAndThenPower) {
         Ini_RemoveFileInfoFromCache("f");
     };
     EXPECT_GE(fake::forEachFault(prepare, run, check), 106);
+    file = "[S]\r\nA=o", copy = complete; // which the change brings home first
+    EXPECT_GE(fake::forEachFault(prepare, run, check), 112);
 }
 
 // A record is promised with its 0. Of the promised ones only those go that the rotation takes, and

@@ -89,6 +89,8 @@ TEST_F(Resources, RefusedNamesPrepareNothing) {
         EXPECT_EQ(Resource_GetString(name, 1), ResourceEmptyStr);
         Resource_Release(name, 1);
         Resource_ReleaseAll(name);
+        EXPECT_EQ(Resource_LoadInfo(name), -3052);
+        Resource_Close(name);
     }
     EXPECT_EQ(ModuleList, nullptr);
     EXPECT_STREQ(CurrentLanguage, "fr");
@@ -111,6 +113,7 @@ TEST_F(Resources, LanguagesOfASection) {
     EXPECT_EQ(toHex({reinterpret_cast<char *>(infos), 12}),
               toHex(hex("656E00000100 727500000200")));
     EXPECT_EQ(Resource_GetLanguages("m", 0, infos, 1), -3051);
+    EXPECT_EQ(Resource_GetLanguages("m", 0, nullptr, 2), -3051);
     for (const uint32_t section : {6u, 15u, 1000u})
         EXPECT_EQ(Resource_GetLanguages("m", section, infos, 3), 0);
     EXPECT_EQ(Resource_GetLanguages("none", 0, infos, 3), -3052);
