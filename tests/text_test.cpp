@@ -35,6 +35,9 @@ TEST_F(Text, AssertionIsBuiltIn) {
     EXPECT_EQ(TraceExAssert("P", 52), 0);
     EXPECT_EQ(terminal.serial, "\r\n26-11-16 11:49:35 [ASSERT] ASSERT File: P  Line: 52");
     EXPECT_EQ(terminal.calls, "") << "the resources were not asked";
+    terminal.now.date.day = 17; // and nothing else
+    EXPECT_EQ(TraceExError(nullptr, 1, 0), 0);
+    EXPECT_TRUE(terminal.serial.ends_with("\r\n26-11-17 11:49:35 [] ")) << terminal.serial;
 }
 
 TEST_F(Text, MissingWordingGivesTheFailureAndTheHeader) {
