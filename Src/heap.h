@@ -17,8 +17,9 @@ using HeapPointer = std::unique_ptr<T, HeapDeleter>;
 // A zeroed record of a plain type, or null when memory is short.
 template <class T>
 HeapPointer<T> allocateZeroed() {
-    void *block = std::malloc(sizeof(T));
-    return HeapPointer<T>(block ? static_cast<T *>(std::memset(block, 0, sizeof(T))) : nullptr);
+    constexpr std::size_t size = sizeof(T); // NOLINT(bugprone-sizeof-expression): also of a pointer
+    void *block = std::malloc(size);
+    return HeapPointer<T>(block ? static_cast<T *>(std::memset(block, 0, size)) : nullptr);
 }
 
 // `count` bytes as they are, or null when memory is short.

@@ -48,7 +48,7 @@ namespace {
 // At most one pattern for each edit and label, and the text of an IP edit.
 constinit char *keptTexts[2 * DIALOG_CONTROLS + 1] = {};
 // The texts of the dialog before; its form goes on reading them until it is taken down.
-constinit char *lastTexts[4 * DIALOG_CONTROLS + std::size(keptTexts)] = {};
+constinit char *lastTexts[std::size_t{4} * DIALOG_CONTROLS + std::size(keptTexts)] = {};
 constinit bool firstReset = true;
 
 bool equal(const RgbColor &a, const RgbColor &b) {

@@ -62,7 +62,7 @@ private:
 };
 
 std::string_view emptyString() {
-    return {ResourceEmptyStr, 0};
+    return {ResourceEmptyStr, sizeof ResourceEmptyStr - 1};
 }
 
 // The entry of a module and a language, of which two characters count; null when there is none.
@@ -166,7 +166,7 @@ std::string_view readLargeString(const char *module, uint16_t id, uint16_t lengt
     *record = {id, text.get(), length};
     if (!strings->AddTail(strings, record.get()))
         return asserts.fail(emptyString());
-    record.release();
+    static_cast<void>(record.release()); // the list has it now
     resource_StoreString(module, id, text.get(), length);
     return {text.release(), length};
 }

@@ -86,7 +86,7 @@ struct Model : Items<Items<std::string>> {
         std::replace(text.begin(), text.end(), '\r', '\n');
         std::istringstream lines(text);
         for (std::string line; std::getline(lines, line);)
-            model.read(line.c_str(), section);
+            model.read(line.substr(0, line.find('\0')), section);
         return model;
     }
     std::string text() const {

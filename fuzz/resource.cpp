@@ -32,7 +32,7 @@ Sections readSections(Input &in) {
 const std::string *find(const Sections &sections, const std::string &language, uint32_t id) {
     static const std::string none;
     for (const auto &[number, blocks] : sections) {
-        const support::Language *found = number >= 3 ? &blocks[0] : nullptr;
+        const support::Language *found = number >= 3 ? &blocks.front() : nullptr;
         for (const support::Language &block : blocks)
             found = block.code == language ? &block : found;
         if (found && number == static_cast<int>(id >> 12))

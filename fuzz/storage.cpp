@@ -41,7 +41,7 @@ std::string exported(Storage storage) {
     void *block = nullptr;
     uint32_t size = 0;
     REQUIRE(Storage_Export(storage, &block, &size) == 1);
-    const std::string bytes(static_cast<char *>(block), size);
+    std::string bytes(static_cast<char *>(block), size);
     Storage_MemFree(block);
     return bytes;
 }

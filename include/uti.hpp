@@ -1171,7 +1171,7 @@ inline Answer<std::string, Result> edit(const Dialog &dialog, const Edit &edit =
     request.fillSymbol = static_cast<uint8_t>(edit.fillSymbol);
     request.limits = edit.limits ? &*edit.limits : nullptr;
     request.keyPressed = edit.keyPressed ? detail::Run::keyPressed : nullptr;
-    const int32_t result = DialogEdit_DoModal(&request, &buffer[0], room + 1);
+    const int32_t result = DialogEdit_DoModal(&request, buffer.data(), room + 1);
     if (result < 0)
         return Result::of(result);
     buffer.resize(std::strlen(buffer.c_str()));
@@ -1190,8 +1190,8 @@ inline Answer<std::size_t, Result> choose(const Dialog &dialog, std::initializer
 template <class Range>
 Answer<std::size_t, Result> choose(const Dialog &dialog, const Range &range) {
     std::vector<Item> items;
-    for (const auto &each : range)
-        items.emplace_back(each);
+    for (const auto &each : range) // which need not tell its size
+        items.emplace_back(each);  // NOLINT(performance-inefficient-vector-operation)
     return detail::choose(dialog, std::move(items));
 }
 
@@ -1641,8 +1641,8 @@ namespace gsm {
 /** The text of a USSD response (`UTILS_ParseUSSDResponse`), or nothing and `UTI_GSM_FAILED`. */
 inline Answer<std::string> ussd(std::string response) {
     std::string text(513, '\0');
-    const int32_t length =
-        UTILS_ParseUSSDResponse(&response[0], detail::length32(response.size()), &text[0], 513);
+    const int32_t length = UTILS_ParseUSSDResponse(
+        response.data(), detail::length32(response.size()), text.data(), 513);
     if (length < 0)
         return length;
     text.resize(static_cast<std::size_t>(length));
@@ -1653,7 +1653,7 @@ inline Answer<std::string> ussd(std::string response) {
 inline Answer<std::string> sms(std::string_view data) {
     std::string text(650, '\0');
     const int32_t length = UTILS_ParseSMSData(data.empty() ? "" : data.data(),
-                                              detail::length32(data.size()), &text[0], 650);
+                                              detail::length32(data.size()), text.data(), 650);
     if (length < 0)
         return length;
     text.resize(static_cast<std::size_t>(length));

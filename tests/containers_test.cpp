@@ -116,7 +116,7 @@ protected:
         void *block = nullptr;
         uint32_t size = 0;
         EXPECT_EQ(Storage_Export(from, &block, &size), 1);
-        const std::string bytes(static_cast<char *>(block), size);
+        std::string bytes(static_cast<char *>(block), size);
         Storage_MemFree(block);
         return bytes;
     }

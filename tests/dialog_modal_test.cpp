@@ -464,7 +464,7 @@ TEST_F(Modal, EditReturnsTheTextAndRunsAgainWhileItIsTooShort) {
         int32_t result;
         std::string after; // all of the buffer
         int runs;
-        std::string calls = "";
+        std::string calls{};
         int32_t terminal = 0;
     } rows[] = {
         {description(0), "", 6, {{13}}, 0, "\0\0\0\0\0\0"s, 1},
@@ -633,7 +633,8 @@ TEST_F(Modal, EventsInTheirOrder) {
         NeedToBreakFunction = breakOff;
         RefreshDialogFunction = row.sources & refreshes ? refresh : nullptr;
         KeyPostProcessingFunction = row.sources & takesKeys ? takeKey : nullptr;
-        EndDialog = currentStartTime = 0;
+        EndDialog = 0;
+        currentStartTime = 0;
         terminal.ticks = 500;
         terminal.lastKey = row.last;
         uint8_t key = row.key;

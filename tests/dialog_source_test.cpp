@@ -39,7 +39,7 @@ std::string findingsIn(const std::string &source) {
 
 ResourceFile compiled(const std::string &source) {
     Diagnostics diagnostics("f", source);
-    const ResourceFile file = readResourceSource(diagnostics).file;
+    ResourceFile file = readResourceSource(diagnostics).file;
     EXPECT_FALSE(diagnostics.hasErrors()) << source << findingsIn(source);
     return file;
 }

@@ -10,7 +10,7 @@
 #include <signal.h>
 #include <string.h>
 
-#define REAL(name) ((__typeof__(&name))(uintptr_t)dlsym(RTLD_NEXT, #name))
+#define REAL(name) ((__typeof__(&(name)))(uintptr_t)dlsym(RTLD_NEXT, #name))
 
 /* Keeps what a created file held. */
 int32_t File_Open(const char *path, int32_t mode) {

@@ -147,9 +147,9 @@ TEST_F(Resources, ForeignLanguageLeavesTheCurrentOne) {
 }
 
 TEST_F(Resources, ShortStringsTakeSlotsAndLongOnesTheList) {
-    std::vector<std::string> texts;
-    for (int i = 0; i < 22; ++i)
-        texts.push_back("text " + std::to_string(i));
+    std::vector<std::string> texts(22);
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        texts[i] = "text " + std::to_string(i);
     terminal.files["s.res"] = resourceFile(1, {{0, {{"en", 0, texts}}}});
     const char *first = nullptr;
     for (uint32_t id = 0; id < 20; ++id) {

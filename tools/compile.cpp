@@ -161,6 +161,7 @@ int checkSources(const CheckOptions &options, FormRules formRules) {
     std::vector<Unit> units = readUnits(options.sources, Warnings::allowed, missing);
     checkUnits(units, formRules, missing);
     std::vector<const Diagnostics *> files;
+    files.reserve(units.size());
     for (const Unit &unit : units)
         files.push_back(&unit.diagnostics);
     if (options.format == "json")

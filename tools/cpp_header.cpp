@@ -34,7 +34,7 @@ std::string conversionsOf(std::string_view text) {
             skip("0123456789");
         }
         skip("hlLjztq");
-        const char conversion = text.empty() ? 0 : text[0];
+        const char conversion = text.empty() ? '\0' : text[0];
         if (conversion == 's' || conversion == 'c')
             classes += conversion;
         else if (conversion != 0 && std::string_view("diuxXo").find(conversion) != text.npos)
@@ -108,10 +108,10 @@ std::string textsComment(const ResourceSource &source, const StringName &name,
     };
     const auto addAll = [&](std::string_view what, const std::vector<TextChoice> &choices) {
         for (const TextChoice &choice : choices)
-            all += concat(&choice != &choices[0] ? ", "
-                          : all.empty()          ? ""
-                                                 : "; ",
-                          &choice != &choices[0] ? "" : what, spelled(choice, source, prefix));
+            all += concat(&choice != &choices.front() ? ", "
+                          : all.empty()               ? ""
+                                                      : "; ",
+                          &choice != &choices.front() ? "" : what, spelled(choice, source, prefix));
     };
     add("caption ", dialog->texts.caption);
     add("text ", dialog->texts.text);

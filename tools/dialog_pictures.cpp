@@ -112,7 +112,7 @@ private:
 
 } // namespace
 
-std::optional<ShownModule> readShownModule(const fs::path &file, std::string path,
+std::optional<ShownModule> readShownModule(const fs::path &file, const std::string &path,
                                            const CodePages &codePages) {
     ShownModule module{path, file.stem().string(), {}, {}, {}, {}, {}, {}};
     module.codePages = codePages;

@@ -32,8 +32,8 @@ struct ShownModule {
 
 // Reads a source (.toml) or a resource file (.res), which must be named after its module and whose
 // texts are in `codePages`; tells on standard error what is wrong with it. Throws like `readInput`.
-std::optional<ShownModule> readShownModule(const std::filesystem::path &file, std::string path,
-                                           const CodePages &codePages);
+std::optional<ShownModule> readShownModule(const std::filesystem::path &file,
+                                           const std::string &path, const CodePages &codePages);
 
 // A dialog in one language, with one of its choices of texts.
 struct ShownDialog {

@@ -455,7 +455,7 @@ std::string DialogReader::readText(const Field &field, const toml::node &value) 
     if (pieces.size() > DIALOG_KEY_SCHEME)
         diagnostics_.error(begin(value), field.name, " has ", pieces.size(), " texts; it may have ",
                            +DIALOG_KEY_SCHEME);
-    const std::string bytes = join(pieces, pieceSeparator);
+    std::string bytes = join(pieces, pieceSeparator);
     if (bytes.size() > field.row.limit)
         diagnostics_.error(begin(value), field.name, " takes ", bytes.size(),
                            " bytes; it may take ", field.row.limit);
@@ -558,7 +558,7 @@ std::string DialogReader::readElements(const toml::node &value) {
 
 std::string DialogReader::readHexNodes(const toml::node &value, std::string_view key) {
     const auto *text = expect<TomlText>(value, key, diagnostics_);
-    const std::string bytes = text ? decodeHex(*text, diagnostics_) : "";
+    std::string bytes = text ? decodeHex(*text, diagnostics_) : "";
     if (!splitNodes(bytes))
         diagnostics_.error(begin(value), key,
                            " must be whole nodes: tag, length in 2 bytes, value");

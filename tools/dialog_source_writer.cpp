@@ -284,7 +284,7 @@ bool haveSameKeys(const Tables &tables, const Tables &others) {
 // One value for all languages, or each language's own.
 std::string mergeValues(const Variant &variant, std::size_t table, std::size_t line) {
     const auto valueIn = [&](const Tables &tables) { return tables[table].lines[line].value; };
-    const std::string first = valueIn(variant.tables[0]);
+    std::string first = valueIn(variant.tables[0]);
     if (std::ranges::all_of(variant.tables,
                             [&](const Tables &each) { return valueIn(each) == first; }))
         return first;

@@ -36,7 +36,7 @@ LibraryAnswers::~LibraryAnswers() {
 
 std::string LibraryAnswers::text(const std::string &language, uint16_t id) const {
     Resource_SetLanguage(language.c_str());
-    const std::string answer(getResourceString(module, id));
+    std::string answer(getResourceString(module, id));
     Resource_Release(module, id);
     return answer;
 }

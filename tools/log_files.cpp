@@ -271,8 +271,10 @@ std::optional<Log> findLog(const std::string &name, bool monitoring, Scope scope
 
 FollowedLog::FollowedLog(Log &&log)
     : kind_(log.kind), names_(std::move(log.names)), number_(log.files.back().number()) {
-    for (LogFile &file : log.files)
-        files_.emplace(file.number(), std::make_shared<LogFile>(std::move(file)));
+    for (LogFile &file : log.files) {
+        const int number = file.number(); // before the file is moved away
+        files_.emplace(number, std::make_shared<LogFile>(std::move(file)));
+    }
 }
 
 // The files with something new in them, those behind the present one first: a rotation replaces the

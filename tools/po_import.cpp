@@ -82,7 +82,7 @@ std::string Importer::readHeader() {
 
     const Place place = inHeader("Language:");
     const std::string field = po_.field("Language");
-    const std::string language = field.substr(0, field.find_first_of("_-@"));
+    std::string language = field.substr(0, field.find_first_of("_-@"));
     if (field.empty())
         return wrong(place,
                      "the header names no language: \"Language: ", source_.languages.back().code,
@@ -197,7 +197,7 @@ std::string importPo(const ResourceSource &source, const Diagnostics &sourceText
                      Diagnostics &diagnostics, std::vector<Translation> &translations,
                      PoCounts &counts) {
     Importer importer(source, sourceText, po, diagnostics);
-    const std::string language = importer.readHeader();
+    std::string language = importer.readHeader();
     if (language.empty())
         return language;
     for (const PoEntry &entry : po.entries) {

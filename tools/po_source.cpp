@@ -61,7 +61,7 @@ bool isAlone(std::string_view text, std::size_t at) {
 
 // A text in the quotes that another one has there, if they can hold it.
 std::string respelled(std::string_view old, const std::string &text, std::string_view lineEnd) {
-    const std::string plain = quote(text);
+    std::string plain = quote(text);
     const bool isLong = old.starts_with("\"\"\"") || old.starts_with("'''");
     const bool isLiteral = old.starts_with('\'');
     if (!isLong && !isLiteral)

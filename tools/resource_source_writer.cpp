@@ -17,6 +17,7 @@ constexpr std::size_t longestLine = 100;
 
 std::vector<Language> languagesOf(const std::vector<LanguageTable> &tables) {
     std::vector<Language> languages;
+    languages.reserve(tables.size());
     for (const LanguageTable &table : tables)
         languages.push_back(table.language);
     return languages;

@@ -152,9 +152,10 @@ private:
     bool refresh() {
         return attempt([&] {
             std::optional<Content> content = read();
-            if (content)
-                adopt(*std::move(content));
-            return content.has_value();
+            if (!content)
+                return false;
+            adopt(*std::move(content));
+            return true;
         });
     }
 

@@ -12,7 +12,7 @@ constexpr Color ground = rgb(0x80, 0x80, 0x80), paper = rgb(0xFF, 0xFF, 0xFF),
                 mark = rgb(0xE0, 0x00, 0x00), frame = rgb(0x00, 0x60, 0xE0);
 
 Color pixelOf(const Image &image, int x, int y) {
-    return image.pixels[static_cast<std::size_t>(y * image.size.width + x)];
+    return image.pixels[image.size.index(x, y)];
 }
 
 template <class Visit>

@@ -80,8 +80,8 @@ Keypad::Keypad(Fonts &fonts, Size display, int scale)
                display.height * scale};
 
     Rect row{inset, screen_.bottom() + frame + 2 * gap, width, 0};
-    for (uint8_t number = 0; number < std::size(rowHeights); ++number) {
-        row.height = scaled(rowHeights[number]);
+    for (int number = 0; const int rowHeight : rowHeights) {
+        row.height = scaled(rowHeight);
         const int count = static_cast<int>(std::ranges::count(table, number, &Cap::row));
         int nth = 0;
         for (Cap cap : table) {
@@ -93,6 +93,7 @@ Keypad::Keypad(Fonts &fonts, Size display, int scale)
             caps_.push_back(cap);
         }
         row.y += row.height + gap;
+        ++number;
     }
     size_ = {width + 2 * inset, row.y - gap + inset};
 }

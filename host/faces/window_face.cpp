@@ -165,18 +165,18 @@ void WindowFace::close() {
 
 void WindowFace::put(const Surface &from, const Rect &part, Point to, int scale) {
     const auto rowOf = [this](int y) {
-        return static_cast<uint8_t *>(shown_->pixels) + y * shown_->pitch;
+        return static_cast<uint8_t *>(shown_->pixels) + std::ptrdiff_t{y} * shown_->pitch;
     };
     const Rect place{to.x + part.x * scale, to.y + part.y * scale, part.width * scale,
                      part.height * scale};
     for (int y = 0; y < part.height; ++y) {
         const Color *pixels = from.row(part.y + y) + part.x;
-        uint8_t *first = rowOf(place.y + y * scale) + place.x * 4;
+        uint8_t *first = rowOf(place.y + y * scale) + std::ptrdiff_t{place.x} * 4;
         auto *out = static_cast<uint32_t *>(static_cast<void *>(first));
         for (int x = 0; x < part.width; ++x)
             out = std::fill_n(out, scale, toRgb24(pixels[x]));
         for (int copy = 1; copy < scale; ++copy)
-            std::copy_n(first, place.width * 4, first + copy * shown_->pitch);
+            std::copy_n(first, place.width * 4, first + std::ptrdiff_t{copy} * shown_->pitch);
     }
     present(place);
 }

@@ -30,7 +30,7 @@ public:
     // left `open` is not called, so nothing is created or cut for a file that cannot be had.
     template <class Open>
     int32_t open(HandleKind kind, Open open) {
-        std::size_t index = 0;
+        uint32_t index = 0;
         while (index < capacity && slots_[index].descriptor >= 0)
             ++index;
         if (index == capacity)

@@ -161,9 +161,9 @@ void Font::fillCell() {
     const FT_Long units = face_->units_per_EM;
     const FT_Long advance = std::max<FT_Long>(face_->max_advance_width, 1);
     const bool spread = cell_.width > 0 && FT_IS_FIXED_WIDTH(face_);
-    for (FT_Long vertical = cell_.height * 64; vertical >= 64; vertical -= 16) {
+    for (FT_Long vertical = FT_Long{cell_.height} * 64; vertical >= 64; vertical -= 16) {
         const FT_Long horizontal =
-            spread ? cell_.width * 64 * units / advance * spreadPercent / 100 : vertical;
+            spread ? FT_Long{cell_.width} * 64 * units / advance * spreadPercent / 100 : vertical;
         FT_Size_RequestRec request{FT_SIZE_REQUEST_TYPE_NOMINAL, horizontal, vertical, 0, 0};
         FT_Request_Size(face_, &request);
 
@@ -196,7 +196,7 @@ Font::Glyph &Font::glyph(char character) {
     render(wanted, character);
     uint8_t *const first = wanted.coverage.get();
     if (ink_ == Ink::negative)
-        std::transform(first, first + wanted.width * cell_.height, first,
+        std::transform(first, first + Size{wanted.width, cell_.height}.area(), first,
                        [](uint8_t covered) { return static_cast<uint8_t>(255 - covered); });
     return wanted;
 }
@@ -214,7 +214,7 @@ void Font::render(Glyph &glyph, char character) {
         shown ? std::clamp(fromFixed(face_->glyph->advance.x), 0, largestCell) : cell_.width;
     glyph.width = cell_.width > 0 ? cell_.width : advance;
     glyph.coverage = std::make_unique<uint8_t[]>(
-        static_cast<std::size_t>(std::max(glyph.width * cell_.height, 1)));
+        std::max<std::size_t>(Size{glyph.width, cell_.height}.area(), 1));
     if (!shown)
         return;
 
@@ -236,7 +236,7 @@ void Font::addMissingDots(Glyph &io) {
         return;
     Glyph ie;
     render(ie, *like);
-    const auto count = static_cast<std::size_t>(io.width * cell_.height);
+    const std::size_t count = Size{io.width, cell_.height}.area();
     if (io.width == ie.width &&
         std::equal(io.coverage.get(), io.coverage.get() + count, ie.coverage.get()))
         for (const int x : {io.width / 6, io.width / 2})
@@ -248,7 +248,7 @@ int Font::inkHeight(std::string_view text) {
     for (const char character : text) {
         const Glyph &drawn = glyph(character);
         for (int row = cell_.height; row > height; --row) {
-            const uint8_t *first = drawn.coverage.get() + (row - 1) * drawn.width;
+            const uint8_t *first = drawn.coverage.get() + std::ptrdiff_t{row - 1} * drawn.width;
             if (std::any_of(first, first + drawn.width, [](uint8_t ink) { return ink != 0; }))
                 height = row;
         }
@@ -271,7 +271,7 @@ const Color *Font::pixels(Sheet &sheet, char character) {
         return cell.get();
 
     const Glyph &source = glyph(character);
-    const auto count = static_cast<std::size_t>(source.width * cell_.height);
+    const std::size_t count = Size{source.width, cell_.height}.area();
     cell = std::make_unique<Color[]>(std::max<std::size_t>(count, 1));
     for (std::size_t i = 0; i < count; ++i)
         cell[i] = mix(sheet.ink, sheet.ground, source.coverage[i]);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 
 namespace uti::host {
 
@@ -14,6 +15,14 @@ struct Point {
 struct Size {
     int width = 0;
     int height = 0;
+
+    // How many pixels it has.
+    constexpr std::size_t area() const { return index(0, height); }
+    // Where a pixel is among those that are stored row by row.
+    constexpr std::size_t index(int x, int y) const {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+               static_cast<std::size_t>(x);
+    }
 };
 
 // A width or height of 0 or less makes a rectangle empty.

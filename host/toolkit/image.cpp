@@ -45,7 +45,7 @@ bool hasAllowedSize(const std::string &path) {
     return width > 0 && width <= largestSide && height > 0 && height <= largestSide;
 }
 
-uint32_t wordAt(const unsigned char *row, int x) {
+uint32_t wordAt(const unsigned char *row, std::ptrdiff_t x) {
     uint32_t word;
     std::memcpy(&word, row + 4 * x, sizeof word);
     return word;
@@ -82,7 +82,8 @@ bool save(Size size, const std::string &path, PixelAt pixelAt) {
     for (int y = 0; y < size.height; ++y)
         for (int x = 0; x < size.width; ++x) {
             const uint32_t word = pixelAt(x, y);
-            std::memcpy(data + std::ptrdiff_t{y} * stride + 4 * x, &word, sizeof word);
+            std::memcpy(data + std::ptrdiff_t{y} * stride + std::ptrdiff_t{x} * 4, &word,
+                        sizeof word);
         }
     cairo_surface_mark_dirty(picture.get());
     return write(picture.get(), path);
@@ -127,9 +128,8 @@ bool saveImage(const Surface &surface, const std::string &path) {
 }
 
 bool saveCoverage(const std::vector<uint8_t> &coverage, Size size, const std::string &path) {
-    return save(size, path, [&](int x, int y) {
-        return (255u - coverage[static_cast<std::size_t>(y * size.width + x)]) * 0x010101u;
-    });
+    return save(size, path,
+                [&](int x, int y) { return (255u - coverage[size.index(x, y)]) * 0x010101u; });
 }
 
 } // namespace uti::host

@@ -77,8 +77,8 @@ private:
         return static_cast<std::size_t>(top() / cellSize().height * columns_);
     }
     std::size_t endOfSight() const {
-        const auto most = static_cast<std::size_t>(rowsInSight() * columns_);
-        return std::min(firstInSight() + most, items_.size());
+        const int most = rowsInSight() * columns_;
+        return std::min(firstInSight() + static_cast<std::size_t>(most), items_.size());
     }
     const Image *imageOf(const Item &item) const {
         return style_ & IG_MENU_IMAGES ? stage.images.find(item.image) : nullptr;

@@ -39,9 +39,11 @@ std::vector<uint8_t> drawDisc(int radius, int thickness) {
     const unsigned char *data = cairo_image_surface_get_data(picture.get());
     const int stride = cairo_image_surface_get_stride(picture.get());
     std::vector<uint8_t> disc;
-    for (int y = 0; data && y < side; ++y)
-        disc.insert(disc.end(), data + y * stride, data + y * stride + side);
-    disc.resize(static_cast<std::size_t>(side * side));
+    for (int y = 0; data && y < side; ++y) {
+        const unsigned char *row = data + std::ptrdiff_t{y} * stride;
+        disc.insert(disc.end(), row, row + side);
+    }
+    disc.resize(Size{side, side}.area());
     return disc;
 }
 
@@ -57,7 +59,8 @@ const std::vector<uint8_t> &disc(int radius, int thickness) {
 template <int width>
 void copyCell(Color *out, int stride, const Color *pixels, int height) {
     for (int y = 0; y < height; ++y)
-        std::memcpy(out + y * stride, pixels + y * width, width * sizeof *out);
+        std::memcpy(out + std::ptrdiff_t{y} * stride, pixels + std::ptrdiff_t{y} * width,
+                    width * sizeof *out);
 }
 
 void blend(Color *out, const uint8_t *coverage, int count, Color color) {
@@ -134,13 +137,14 @@ void Painter::outline(const Rect &area, int radius, int thickness, Color color) 
 
 void Painter::corners(const Rect &area, int radius, int thickness, Color color) {
     const std::vector<uint8_t> &coverage = disc(radius, std::min(thickness, radius));
+    const Size whole{2 * radius, 2 * radius};
     for (const int right : {0, 1})
         for (const int bottom : {0, 1}) {
             const Rect place{right ? area.right() - radius : area.x,
                              bottom ? area.bottom() - radius : area.y, radius, radius};
             forEachRow(place, [&](Color *out, int x, int y, int count) {
-                const int row = y + bottom * radius, column = x + right * radius;
-                blend(out, coverage.data() + row * 2 * radius + column, count, color);
+                const std::size_t first = whole.index(x + right * radius, y + bottom * radius);
+                blend(out, coverage.data() + first, count, color);
             });
         }
 }
@@ -183,7 +187,7 @@ void Painter::copy(const Rect &area, const Color *pixels) {
         }
     }
     forEachRow(area, [&](Color *out, int x, int y, int count) {
-        std::memcpy(out, pixels + y * area.width + x,
+        std::memcpy(out, pixels + area.size().index(x, y),
                     static_cast<std::size_t>(count) * sizeof *out);
     });
 }
@@ -193,7 +197,7 @@ void Painter::image(Point at, const Image &image) {
     if (image.coverage.empty())
         return copy(place, image.pixels.data());
     forEachRow(place, [&](Color *out, int x, int y, int count) {
-        const auto first = static_cast<std::size_t>(y * image.size.width + x);
+        const std::size_t first = image.size.index(x, y);
         const Color *pixels = image.pixels.data() + first;
         for (int i = 0; i < count; ++i)
             blend(out + i, image.coverage.data() + first + i, 1, pixels[i]);
@@ -202,7 +206,7 @@ void Painter::image(Point at, const Image &image) {
 
 void Painter::mask(const Rect &area, const uint8_t *coverage, Color color) {
     forEachRow(area, [&](Color *out, int x, int y, int count) {
-        blend(out, coverage + y * area.width + x, count, color);
+        blend(out, coverage + area.size().index(x, y), count, color);
     });
 }
 

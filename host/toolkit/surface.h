@@ -34,14 +34,12 @@ constexpr uint32_t toRgb24(Color color) {
 
 class Surface {
 public:
-    explicit Surface(Size size)
-        : size_(size),
-          pixels_(static_cast<std::size_t>(size.width) * static_cast<std::size_t>(size.height)) {}
+    explicit Surface(Size size) : size_(size), pixels_(size.area()) {}
 
     Size size() const { return size_; }
     Rect area() const { return {0, 0, size_.width, size_.height}; }
-    Color *row(int y) { return pixels_.data() + y * size_.width; }
-    const Color *row(int y) const { return pixels_.data() + y * size_.width; }
+    Color *row(int y) { return pixels_.data() + size_.index(0, y); }
+    const Color *row(int y) const { return pixels_.data() + size_.index(0, y); }
 
 private:
     Size size_;

@@ -96,7 +96,7 @@ using namespace fake;
 int32_t File_Open(const char *path, int32_t mode) {
     note("open " + std::string(path) + " " + std::to_string(mode));
     auto &files = terminal().files;
-    if (fails(Call::open) || (mode == FILE_MODE_READ && !files.count(path)))
+    if (fails(Call::open) || (mode == FILE_MODE_READ && !files.contains(path)))
         return -7;
     if (mode == FILE_MODE_CREATE)
         terminal().deleted += std::exchange(files[path], {});
@@ -172,7 +172,7 @@ int32_t File_GetTime(const char *path, TerminalDate *date, TerminalTime *time) {
 }
 
 int32_t File_IsValid(const char *path) {
-    return !fails(Call::isValid) && terminal().files.count(path) ? 1 : 0;
+    return !fails(Call::isValid) && terminal().files.contains(path) ? 1 : 0;
 }
 
 int32_t File_Delete(const char *path) {
