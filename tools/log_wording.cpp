@@ -60,8 +60,7 @@ void LogWording::addFile(Module &module, const std::string &name) {
         const auto add = [&, number = section](const LanguageTable &table) {
             const Spelling spelling(codePages_.of(table.language.code), form_);
             for (const auto &[index, string] : table.strings) {
-                const std::string text =
-                    string.substr(0, string.find('\0')); // where a wording ends
+                const std::string text = string.substr(0, string.find('\0')); // cut at a zero
                 if (!text.empty())
                     module.wordings.try_emplace(stringId(number, index), text, spelling);
             }
