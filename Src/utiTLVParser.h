@@ -36,9 +36,8 @@ public:
         constexpr uint32_t headerSize = 3;
         if (!inBlock_ || !parent || !child || parent->source == 0 || !isAtHand(headerSize))
             return false;
-        const uint64_t end = uint64_t{parent->valueOffset} + parent->length;
-        if (end <= uint64_t{position_} + headerSize || parent->length == 0 ||
-            !isCompound(*parent)) {
+        if (!isCompound(*parent) || parent->length == 0 ||
+            uint64_t{parent->valueOffset} + parent->length <= uint64_t{position_} + headerSize) {
             result = UTI_PARSER_NO_NODE;
             return true;
         }
