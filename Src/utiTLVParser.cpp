@@ -79,20 +79,6 @@ int32_t openMemoryRoot(const void *address, ParserNode *node) {
     return openRoot(reinterpret_cast<uintptr_t>(address), node);
 }
 
-// A kind of scalar: its type code, the bytes of its value, that code among them, and its converter.
-template <uint8_t typeCode, uint32_t valueSize, auto converter>
-struct Scalar {
-    static constexpr uint8_t type = typeCode;
-    static constexpr uint32_t size = valueSize;
-    static auto decode(const uint8_t *data) { return converter(data); }
-};
-
-inline uint8_t firstByte(const void *data) {
-    return *static_cast<const uint8_t *>(data);
-}
-
-using ByteScalar = Scalar<3, 2, firstByte>;
-using WordScalar = Scalar<4, 3, BufferToWord>;
 using DwordScalar = Scalar<5, 5, BufferToDword>;
 using DoubleScalar = Scalar<6, 9, BufferToDouble>;
 
@@ -205,23 +191,16 @@ int32_t Reader::nextOfAny(const ParserNode *parent, ParserNode *child) {
     return outside([&] { return readNextSubNode(parent, child); });
 }
 
-template <class Kind>
-auto Reader::get(const ParserNode &node, int32_t &error) {
-    error = UTI_OK;
-    const uint8_t *data = cursor_.take(&node, Kind::type, Kind::size);
-    return data ? Kind::decode(data) : outside([&] { return readScalar<Kind>(&node, &error); });
+uint8_t Reader::byteOfAny(const ParserNode &node, int32_t &error) {
+    return outside([&] { return readScalar<ByteScalar>(&node, &error); });
 }
 
-uint8_t Reader::byte(const ParserNode &node, int32_t &error) {
-    return get<ByteScalar>(node, error);
-}
-
-uint16_t Reader::word(const ParserNode &node, int32_t &error) {
-    return get<WordScalar>(node, error);
+uint16_t Reader::wordOfAny(const ParserNode &node, int32_t &error) {
+    return outside([&] { return readScalar<WordScalar>(&node, &error); });
 }
 
 uint32_t Reader::dword(const ParserNode &node, int32_t &error) {
-    return get<DwordScalar>(node, error);
+    return outside([&] { return readScalar<DwordScalar>(&node, &error); });
 }
 
 int32_t Reader::copy(const ParserNode &node, void *buffer, uint32_t size) {

@@ -15,6 +15,21 @@ extern uint32_t blockSize;
 uint32_t readBlock(uintptr_t source, void *destination, uint32_t count);
 int32_t seekBlock(uintptr_t source, uint32_t offset);
 
+// A kind of scalar: its type code, the bytes of its value, that code among them, and its converter.
+template <uint8_t typeCode, uint32_t valueSize, auto converter>
+struct Scalar {
+    static constexpr uint8_t type = typeCode;
+    static constexpr uint32_t size = valueSize;
+    static auto decode(const uint8_t *data) { return converter(data); }
+};
+
+inline uint8_t firstByte(const void *data) {
+    return *static_cast<const uint8_t *>(data);
+}
+
+using ByteScalar = Scalar<3, 2, firstByte>;
+using WordScalar = Scalar<4, 3, BufferToWord>;
+
 // The position in what nearly all walks read: a bounded block whose headers have a tag id of one
 // byte and a length of two. Nodes and values are taken in place, and the exported variables follow
 // each step. An operation tells that it was not possible, and has done nothing, for any other
@@ -111,8 +126,15 @@ public:
         return cursor_.next(parent, child, result) ? result : nextOfAny(parent, child);
     }
 
-    uint8_t byte(const ParserNode &node, int32_t &error);
-    uint16_t word(const ParserNode &node, int32_t &error);
+    // Nearly all numbers of a description are of these two kinds.
+    uint8_t byte(const ParserNode &node, int32_t &error) {
+        const uint8_t *data = take<ByteScalar>(node, error);
+        return data ? ByteScalar::decode(data) : byteOfAny(node, error);
+    }
+    uint16_t word(const ParserNode &node, int32_t &error) {
+        const uint8_t *data = take<WordScalar>(node, error);
+        return data ? WordScalar::decode(data) : wordOfAny(node, error);
+    }
     uint32_t dword(const ParserNode &node, int32_t &error);
     int32_t copy(const ParserNode &node, void *buffer, uint32_t size);
     int32_t skip(const ParserNode &node);
@@ -126,9 +148,15 @@ public:
     }
 
 private:
-    int32_t nextOfAny(const ParserNode *parent, ParserNode *child);
     template <class Kind>
-    auto get(const ParserNode &node, int32_t &error);
+    const uint8_t *take(const ParserNode &node, int32_t &error) {
+        error = UTI_OK;
+        return cursor_.take(&node, Kind::type, Kind::size);
+    }
+
+    int32_t nextOfAny(const ParserNode *parent, ParserNode *child);
+    uint8_t byteOfAny(const ParserNode &node, int32_t &error);
+    uint16_t wordOfAny(const ParserNode &node, int32_t &error);
     void reload();
 
     Cursor cursor_;

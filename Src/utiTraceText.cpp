@@ -243,7 +243,8 @@ uint32_t formatValue(const Argument &argument, char *out) {
 }
 
 int32_t traceWriteText(const char *module, uint16_t messageId, const RecordItems &items) {
-    const char *builtIn = builtInWording(module ? module : "", messageId);
+    const Argument &name = items[4];
+    const char *builtIn = builtInWording({name.data, name.length}, messageId);
     const char *format = builtIn ? builtIn : Resource_GetString(module, messageId);
 
     int32_t result = writeHeader(items);

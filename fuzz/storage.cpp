@@ -40,7 +40,8 @@ struct Model {
 std::string exported(Storage storage) {
     void *block = nullptr;
     uint32_t size = 0;
-    REQUIRE(Storage_Export(storage, &block, &size) == 1);
+    const int32_t result = Storage_Export(storage, &block, &size);
+    REQUIRE_UNLESS_STRUCK(result == 1);
     std::string bytes(static_cast<char *>(block), size);
     Storage_MemFree(block);
     return bytes;
@@ -122,7 +123,8 @@ void fuzz::run(Input &in) {
         REQUIRE_UNLESS_STRUCK(result == expected);
     }
     for (int i = 0; i < 2 && storages[i]; ++i) {
-        REQUIRE_UNLESS_STRUCK(exported(storages[i]) == models[i].block());
+        const bool isSame = exported(storages[i]) == models[i].block(); // which may be struck now
+        REQUIRE_UNLESS_STRUCK(isSame);
         Storage_Free(storages[i]);
     }
 }
