@@ -111,7 +111,9 @@ template <std::size_t size>
 
 } // namespace
 
-[[gnu::noinline]] StorageEntry *findInBucket(const StorageTable &table, uint32_t key) {
+[[gnu::noinline]] StorageEntry *findAnywhere(const Table &table, uint32_t key) {
+    if (table.slots)
+        return table.slots[table.find(key)];
     StorageEntry *entry = table.buckets[bucketOf(key)];
     while (entry && entry->key != key)
         entry = entry->next;

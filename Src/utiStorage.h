@@ -49,15 +49,20 @@ inline Table &tableOf(Storage storage) {
     return static_cast<Table &>(**storage);
 }
 
-// The same by the chain of the key's bucket, for a table without an index.
-StorageEntry *findInBucket(const StorageTable &table, uint32_t key);
+// The key's entry, or null, wherever it is.
+StorageEntry *findAnywhere(const Table &table, uint32_t key);
 
-// The key's entry, or null; `FindEntry` for those that need not be fast.
+// The same, at once where nearly all stand; `FindEntry` for those that need not be fast.
 [[gnu::always_inline]] inline StorageEntry *findEntry(Storage storage, uint32_t key) {
     if (!isOpen(storage))
         return nullptr;
     const Table &table = tableOf(storage);
-    return table.slots ? table.slots[table.find(key)] : findInBucket(table, key);
+    if (table.slots) [[likely]] {
+        StorageEntry *entry = table.slots[table.slotOf(key)];
+        if (entry && entry->key == key) [[likely]]
+            return entry;
+    }
+    return findAnywhere(table, key);
 }
 
 // Calls `visit` for every entry by bucket and chain, as long as it returns true.
