@@ -275,7 +275,7 @@ void stdListAppend(State &state) {
 
 BENCHMARK(traceBuffered)->Name("trace: binary record, buffered|uti|1.5");
 BENCHMARK(copyWhenFull)->Name("trace: binary record, buffered|copy and write when full");
-BENCHMARK(rawArguments)->Name("trace: binary record, buffered|raw arguments");
+BENCHMARK(rawArguments)->Name("trace: binary record, buffered|raw arguments|-");
 BENCHMARK(traceText)->Name("trace: text record, buffered|uti|0.6");
 BENCHMARK(spdlogText)->Name("trace: text record, buffered|spdlog");
 BENCHMARK(traceUnbuffered)->Name("trace: binary record, unbuffered|uti|1.05");

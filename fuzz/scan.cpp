@@ -1,5 +1,5 @@
 // Logs of any bytes as `uti log` reads them: every byte counted once, in whatever pieces they come,
-// and the same found in all of them.
+// and the same found in all of them, but for what reading a log that grows cannot know yet.
 #include "fuzz/harness.h"
 
 #include "tests/state.h"
