@@ -39,24 +39,25 @@ void freeAllEntries(Storage storage) {
     table.count = 0;
     table.totalSize = 0;
     table.dropIndex();
-    table.shift = Table::unusedShift;
 }
 
 // Takes a new entry into the index, which grows with the table.
 void addToIndex(Storage storage, StorageEntry *entry) {
     Table &table = tableOf(storage);
     if (table.count <= table.lastSlot() / 2) {
-        if (table.slots)
-            table.slots[table.find(entry->key)] = entry;
+        table.slots[table.find(entry->key)] = entry;
         return;
     }
-    --table.shift;
     table.dropIndex();
-    const std::size_t size = (std::size_t{table.lastSlot()} + 1) * sizeof(StorageEntry *);
-    table.slots = static_cast<StorageEntry **>(std::malloc(size));
-    if (!table.slots)
+    uint32_t shift = table.shift - 1;
+    while (table.count > (UINT32_MAX >> shift) / 2)
+        --shift;
+    const std::size_t size = ((std::size_t{UINT32_MAX} >> shift) + 1) * sizeof(StorageEntry *);
+    auto **slots = static_cast<StorageEntry **>(std::malloc(size));
+    if (!slots)
         return;
-    std::memset(table.slots, 0, size);
+    table.slots = static_cast<StorageEntry **>(std::memset(slots, 0, size));
+    table.shift = shift;
     forEachEntry(storage, [&](StorageEntry &each) {
         table.slots[table.find(each.key)] = &each;
         return true;
@@ -65,7 +66,7 @@ void addToIndex(Storage storage, StorageEntry *entry) {
 
 // Takes an entry out of the index: those behind it that it kept from their place move up.
 void removeFromIndex(Table &table, uint32_t key) {
-    if (!table.slots)
+    if (!table.hasIndex())
         return;
     uint32_t hole = table.find(key);
     for (uint32_t slot = table.next(hole); table.slots[slot]; slot = table.next(slot)) {
@@ -111,8 +112,10 @@ template <std::size_t size>
 
 } // namespace
 
+constinit StorageEntry *Table::none[2] = {};
+
 [[gnu::noinline]] StorageEntry *findAnywhere(const Table &table, uint32_t key) {
-    if (table.slots)
+    if (table.hasIndex())
         return table.slots[table.find(key)];
     StorageEntry *entry = table.buckets[bucketOf(key)];
     while (entry && entry->key != key)
@@ -163,7 +166,7 @@ int32_t Storage_Constructor(Storage cell) {
         return asserts.fail(0);
     table->seed =
         static_cast<uint32_t>(reinterpret_cast<uintptr_t>(table) * 0x9E3779B97F4A7C15u >> 32);
-    table->shift = Table::unusedShift;
+    table->startWithoutIndex();
     return 1;
 }
 

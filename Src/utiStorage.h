@@ -21,11 +21,11 @@ inline bool isOpen(Storage storage) {
 // linearly and at most half full. While there is none, for want of entries or of memory, the
 // bucket's chain is walked.
 struct Table : StorageTable {
-    static constexpr uint32_t unusedShift = 31; // an index comes with the first entry
+    StorageEntry **slots; // `none` while there is no index
+    uint32_t seed;        // of the index's hash: no set of keys collides in every table
+    uint32_t shift;       // the index has 1 << (32 - shift) slots
 
-    StorageEntry **slots; // null while there is no index
-    uint32_t seed;        // of its hash: no set of keys collides in every table
-    uint32_t shift;       // it has 1 << (32 - shift) slots
+    bool hasIndex() const { return slots != none; }
 
     uint32_t lastSlot() const { return UINT32_MAX >> shift; }
     uint32_t slotOf(uint32_t key) const { return (key ^ seed) * 0x9E3779B1 >> shift; }
@@ -39,10 +39,19 @@ struct Table : StorageTable {
         return slot;
     }
 
-    void dropIndex() {
-        std::free(slots);
-        slots = nullptr;
+    void startWithoutIndex() {
+        slots = none;
+        shift = 31;
     }
+
+    void dropIndex() {
+        if (hasIndex())
+            std::free(slots);
+        startWithoutIndex();
+    }
+
+private:
+    static StorageEntry *none[2]; // nothing is ever put in
 };
 
 inline Table &tableOf(Storage storage) {
@@ -52,16 +61,19 @@ inline Table &tableOf(Storage storage) {
 // The key's entry, or null, wherever it is.
 StorageEntry *findAnywhere(const Table &table, uint32_t key);
 
-// The same, at once where nearly all stand; `FindEntry` for those that need not be fast.
+// The same in an open Storage where nearly all stand; null tells nothing.
+[[gnu::always_inline]] inline StorageEntry *findAtOnce(const Table &table, uint32_t key) {
+    StorageEntry *entry = table.slots[table.slotOf(key)];
+    return entry && entry->key == key ? entry : nullptr;
+}
+
+// The key's entry, or null; `FindEntry` for those that need not be fast.
 [[gnu::always_inline]] inline StorageEntry *findEntry(Storage storage, uint32_t key) {
     if (!isOpen(storage))
         return nullptr;
     const Table &table = tableOf(storage);
-    if (table.slots) [[likely]] {
-        StorageEntry *entry = table.slots[table.slotOf(key)];
-        if (entry && entry->key == key) [[likely]]
-            return entry;
-    }
+    if (StorageEntry *entry = findAtOnce(table, key)) [[likely]]
+        return entry;
     return findAnywhere(table, key);
 }
 
