@@ -29,16 +29,21 @@ inline constexpr uint16_t sectionsInFile = 6;
 // The first item of a list that `matches` takes, the list's cursor on it; null when there is none,
 // with the cursor past the end, and for a null list.
 template <class Item, class Matches>
-Item *findItem(List *list, Matches matches) {
+[[gnu::always_inline]] inline Item *findItem(List *list, Matches matches) {
     if (!list)
         return nullptr;
-    list->index = 0;
-    for (list->current = list->head; list->current; list->current = list->current->next) {
-        auto *item = static_cast<Item *>(list->current->data);
-        if (matches(*item))
+    int32_t index = 0;
+    for (ListNode *node = list->head; node; node = node->next) {
+        auto *item = static_cast<Item *>(node->data);
+        if (matches(*item)) {
+            list->current = node;
+            list->index = index;
             return item;
-        ++list->index;
+        }
+        ++index;
     }
+    list->current = nullptr;
+    list->index = index;
     return nullptr;
 }
 

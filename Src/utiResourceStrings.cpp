@@ -8,6 +8,7 @@
 #include "Src/utiResource.h"
 #include "Src/utiStorage.h"
 
+#include <bit>
 #include <cstdio>
 
 constinit List *ResourceStorageList = nullptr;
@@ -65,12 +66,62 @@ std::string_view emptyString() {
     return {ResourceEmptyStr, sizeof ResourceEmptyStr - 1};
 }
 
+// The key of an entry of the lasting store, two letters and a name with zeros behind it, in words:
+// an entry costs a comparison or two. One of a name that is too long for a key has no zero at its
+// end and is equal to none.
+class StoreKey {
+public:
+    [[gnu::always_inline]] StoreKey(const char *language, const char *module)
+        : words_{at(language[0], 0) | at(language[1], 1)} {
+#pragma GCC unroll 14
+        for (unsigned i = languageLength; i < sizeof words_; ++i) {
+            if (*module == 0)
+                break;
+            words_[i / sizeof(Word)] |= at(*module++, i % sizeof(Word));
+        }
+    }
+
+    [[gnu::always_inline]] bool isThatOf(const ResourceStoredStrings &entry) const {
+        static_assert(sizeof entry.key == sizeof words_);
+        Word words[count];
+        std::memcpy(words, entry.key, sizeof words);
+#pragma GCC unroll 4
+        for (unsigned i = 0; i < count; ++i) {
+            if (words[i] != words_[i])
+                return false;
+        }
+        return true;
+    }
+
+    void write(ResourceStoredStrings &entry) const {
+        std::memcpy(entry.key, words_, sizeof words_);
+    }
+
+private:
+    using Word = std::size_t;
+    static constexpr unsigned count = sizeof(ResourceStoredStrings::key) / sizeof(Word);
+
+    // A letter where it lies in the memory of a word.
+    static constexpr Word at(char letter, unsigned place) {
+        const bool upwards = std::endian::native == std::endian::little;
+        return Word{static_cast<uint8_t>(letter)}
+               << 8 * (upwards ? place : sizeof(Word) - 1 - place);
+    }
+
+    Word words_[count];
+};
+
 // The entry of a module and a language, of which two characters count; null when there is none.
+[[gnu::always_inline]] inline ResourceStoredStrings *findStoredHere(const char *module,
+                                                                    const char *language) {
+    const StoreKey key(language, module);
+    return findItem<ResourceStoredStrings>(
+        ResourceStorageList, [&](ResourceStoredStrings &item) { return key.isThatOf(item); });
+}
+
+// The same where a call counts little.
 [[gnu::noinline]] ResourceStoredStrings *findStored(const char *module, const char *language) {
-    return findItem<ResourceStoredStrings>(ResourceStorageList, [&](ResourceStoredStrings &item) {
-        return std::memcmp(item.key, language, languageLength) == 0 &&
-               isSameName(item.key, module, languageLength);
-    });
+    return findStoredHere(module, language);
 }
 
 // The same entry, created when there is none; null when memory is short.
@@ -85,8 +136,7 @@ ResourceStoredStrings *findOrAddStored(const char *module, const char *language)
     HeapPointer<ResourceStoredStrings> entry = allocateZeroed<ResourceStoredStrings>();
     if (!entry)
         return asserts.fail(nullptr);
-    std::memcpy(entry->key, language, languageLength);
-    std::strcpy(entry->key + languageLength, module);
+    StoreKey(language, module).write(*entry);
     entry->strings = Storage_Create();
     if (!entry->strings)
         return nullptr;
@@ -97,39 +147,40 @@ ResourceStoredStrings *findOrAddStored(const char *module, const char *language)
     return entry.release();
 }
 
-// The stored copy of a string, its terminator not counted. A view without an address: not stored.
-[[gnu::always_inline]] inline std::string_view findInLanguage(const char *module,
-                                                              const char *language, uint32_t id) {
-    const ResourceStoredStrings *stored = findStored(module, language);
-    if (!stored)
-        return {};
-    if (!stored->strings) [[unlikely]]
-        return asserts.fail(std::string_view{});
-    const StorageEntry *entry = findEntry(stored->strings, id);
-    if (!entry || entry->type != STORAGE_STRING)
-        return {};
-    return {static_cast<const char *>(entry->data), entry->length - 1};
-}
-
-// The same in the default language when that is no language code.
-[[gnu::noinline]] std::string_view findInAnyLanguage(const char *module, const char *language,
-                                                     uint32_t id) {
+// The stored copy in a language, or in the default one when that is no language code.
+[[gnu::noinline]] const StorageEntry *findInLanguage(const char *module, const char *language,
+                                                     uint16_t id) {
     if (!module || !ResourceStorageList)
-        return {};
+        return nullptr;
     char defaultLanguage[3];
     if (!isLanguageCode(language)) {
         readDefaultLanguage(defaultLanguage);
         language = defaultLanguage;
     }
-    return findInLanguage(module, language, id);
+    const ResourceStoredStrings *stored = findStored(module, language);
+    if (!stored)
+        return nullptr;
+    if (!stored->strings)
+        return asserts.fail(nullptr);
+    const StorageEntry *entry = findEntry(stored->strings, id);
+    return entry && entry->type == STORAGE_STRING ? entry : nullptr;
 }
 
-// The same in the current language, which every string that is asked for comes by.
-[[gnu::always_inline]] inline std::string_view findInCurrentLanguage(const char *module,
-                                                                     uint32_t id) {
-    if (!module || !ResourceStorageList || !isLanguageCode(CurrentLanguage)) [[unlikely]]
-        return findInAnyLanguage(module, CurrentLanguage, id);
-    return findInLanguage(module, CurrentLanguage, id);
+// The stored copy in the current language where no detour leads to it, as nearly every string that
+// is asked for is found; null tells nothing.
+[[gnu::always_inline]] inline const StorageEntry *findAtOnce(const char *module, uint32_t id) {
+    if (!module || CheckExternalResources == 1 || CurrentLanguage[languageLength] != 0) [[unlikely]]
+        return nullptr;
+    const ResourceStoredStrings *stored = findStoredHere(module, CurrentLanguage);
+    if (!stored || !isOpen(stored->strings)) [[unlikely]]
+        return nullptr;
+    const StorageEntry *entry = findAtOnce(tableOf(stored->strings), static_cast<uint16_t>(id));
+    return entry && entry->type == STORAGE_STRING ? entry : nullptr;
+}
+
+// A stored copy, its terminator not counted.
+std::string_view textOf(const StorageEntry &entry) {
+    return {static_cast<const char *>(entry.data), entry.length - 1};
 }
 
 // Reads the bytes of a string into a free small slot of the current module.
@@ -199,15 +250,24 @@ std::string_view readLargeString(const char *module, uint16_t id, uint16_t lengt
 // `resource_GetString` with the string's length.
 [[gnu::noinline]] std::string_view getModuleString(const char *module, uint32_t stringId) {
     const auto id = static_cast<uint16_t>(stringId);
-    const std::string_view stored = findInCurrentLanguage(module, id);
-    return stored.data() ? stored : readString(module, id);
+    const StorageEntry *stored = findInLanguage(module, CurrentLanguage, id);
+    return stored ? textOf(*stored) : readString(module, id);
 }
 
-// The string of the module that overrides this one, else its own.
-[[gnu::cold, gnu::noinline]] std::string_view getOverriddenString(const char *module, uint32_t id) {
+// The string of the module that overrides this one, if it may be, else its own.
+[[gnu::noinline]] std::string_view getString(const char *module, uint32_t id) {
     const ModuleNames names(module);
-    const std::string_view text = getModuleString(names.external(), id);
-    return *text.data() != 0 ? text : getModuleString(names.plain(), id);
+    if (names.external()) {
+        const std::string_view text = getModuleString(names.external(), id);
+        if (*text.data() != 0)
+            return text;
+    }
+    return getModuleString(names.plain(), id);
+}
+
+// The same for the export, which so has nothing to do behind this call.
+[[gnu::noinline]] const char *getAddress(const char *module, uint32_t id) {
+    return getString(module, id).data();
 }
 
 void freeLargeString(ResourceLargeString &string) {
@@ -231,9 +291,8 @@ void freeStoredStrings(const char *module) {
 } // namespace
 
 std::string_view getResourceString(const char *module, uint32_t id) {
-    if (mayBeOverridden(module)) [[unlikely]]
-        return getOverriddenString(module, id);
-    return getModuleString(module, id);
+    const StorageEntry *stored = findAtOnce(module, id);
+    return stored ? textOf(*stored) : getString(module, id);
 }
 
 } // namespace uti
@@ -241,7 +300,8 @@ std::string_view getResourceString(const char *module, uint32_t id) {
 using namespace uti;
 
 const char *resource_FindStoredString(const char *module, const char *language, uint32_t id) {
-    return findInAnyLanguage(module, language, static_cast<uint16_t>(id)).data();
+    const StorageEntry *stored = findInLanguage(module, language, static_cast<uint16_t>(id));
+    return stored ? textOf(*stored).data() : nullptr;
 }
 
 int32_t resource_StoreString(const char *module, uint32_t id, const void *bytes, uint32_t length) {
@@ -267,7 +327,8 @@ const char *resource_GetString(const char *module, uint32_t id) {
 }
 
 const char *Resource_GetString(const char *module, uint32_t id) {
-    return getResourceString(module, id).data();
+    const StorageEntry *stored = findAtOnce(module, id);
+    return stored ? textOf(*stored).data() : getAddress(module, id);
 }
 
 const char *Resource_GetStringEx(const char *module, const char *language, uint32_t id) {

@@ -696,7 +696,7 @@ typedef struct ResourceModule {
 
 /** The strings of one language and module that were read already. */
 typedef struct ResourceStoredStrings {
-    char key[16];    /**< two letters and the module name */
+    char key[16];    /**< two letters, the module name and zeros */
     Storage strings; /**< string id to bytes and a zero */
 } ResourceStoredStrings;
 
