@@ -9,8 +9,7 @@
 namespace uti {
 namespace {
 
-constexpr uint32_t twoByteTags = 0xFFFF; // three bytes are the most
-constexpr uint32_t longestLength = 4;    // of the bytes behind the first one
+constexpr uint32_t longestLength = 4; // of the bytes behind the first one
 constexpr uint32_t searchDepth = 5;
 constexpr uint32_t smallestBuffer = 4;
 
@@ -25,26 +24,33 @@ struct Header {
     bool constructed;
 };
 
-// Reads a tag and a length and moves `at` to the value, which may be longer than what is left up to
-// `end`. False when they are not whole, or longer than is read.
+// Reads a tag of up to three bytes and a length, and moves `at` to the value, which may be longer
+// than what is left up to `end`. False when they are not whole, or longer than is read. Each branch
+// knows where its length stands: the next object waits for that byte alone.
 [[gnu::always_inline]] inline bool readHeader(Header &header, const uint8_t *&at,
                                               const uint8_t *end) {
-    if (at == end)
+    const auto left = static_cast<std::size_t>(end - at);
+    if (left < 2)
         return false;
-    uint32_t tag = *at++;
+    uint32_t tag = at[0];
+    uint32_t length = at[1];
     header.constructed = (tag & constructedBit) != 0;
-    if ((tag & moreTagBytes) == moreTagBytes) {
-        do {
-            if (at == end || tag > twoByteTags)
-                return false;
-            tag = tag << 8 | *at++;
-        } while ((tag & moreBit) != 0);
+    if ((tag & moreTagBytes) != moreTagBytes) {
+        at += 2;
+    } else if (left < 3) {
+        return false;
+    } else if ((at[1] & moreBit) == 0) {
+        tag = tag << 8 | length;
+        length = at[2];
+        at += 3;
+    } else {
+        if (left < 4 || (at[2] & moreBit) != 0)
+            return false; // a tag of four bytes
+        tag = tag << 16 | length << 8 | at[2];
+        length = at[3];
+        at += 4;
     }
     header.tag = tag;
-
-    if (at == end)
-        return false;
-    uint32_t length = *at++;
     if (length >= longForm) {
         uint32_t count = length - longForm;
         if (count > longestLength || count > static_cast<std::size_t>(end - at))
