@@ -30,6 +30,31 @@ inline uint8_t firstByte(const void *data) {
 using ByteScalar = Scalar<3, 2, firstByte>;
 using WordScalar = Scalar<4, 3, BufferToWord>;
 
+template <std::size_t size>
+void copyEnds(uint8_t *to, const uint8_t *from, uint32_t count) {
+    uint8_t first[size], last[size];
+    std::memcpy(first, from, size);
+    std::memcpy(last, from + count - size, size);
+    std::memcpy(to, first, size);
+    std::memcpy(to + count - size, last, size);
+}
+
+inline constexpr uint32_t shortSize = 32;
+
+// Copies up to `shortSize` bytes: by two moves that may overlap, where a call would take as long as
+// all the rest of a node.
+inline void copyShort(uint8_t *to, const uint8_t *from, uint32_t count) {
+    if (count >= shortSize / 2)
+        copyEnds<shortSize / 2>(to, from, count);
+    else if (count >= 8)
+        copyEnds<8>(to, from, count);
+    else if (count >= 4)
+        copyEnds<4>(to, from, count);
+    else
+        for (uint32_t i = 0; i < count; ++i)
+            to[i] = from[i];
+}
+
 // The position in what nearly all walks read: a bounded block whose headers have a tag id of one
 // byte and a length of two. Nodes and values are taken in place, and the exported variables follow
 // each step. An operation tells that it was not possible, and has done nothing, for any other
@@ -41,7 +66,7 @@ public:
     // Takes the position from the exported variables, after others have moved it.
     void load() {
         position_ = bytesReadInMemory;
-        size_ = blockSize;
+        left_ = position_ <= blockSize ? blockSize - position_ : 0;
         inBlock_ = Parser_DataRead == readBlock && tagIdSize == 1 && lengthSize == 2 &&
                    bytesRead == position_;
     }
@@ -73,14 +98,16 @@ public:
         return move(*node, size) + 1;
     }
 
-    // `count` becomes the number of bytes copied.
+    // `count` becomes the number of bytes copied. For short data only.
     bool copy(const ParserNode *node, void *buffer, uint32_t size, int32_t &count) {
-        if (!inBlock_ || !node || node->length == 0 || node->length - 1 > size ||
-            node->length > INT32_MAX || !buffer || !canTake(*node, node->length) ||
+        if (!inBlock_ || !node || !buffer)
+            return false;
+        const uint32_t bytes = node->length - 1; // an empty node has far too many
+        if (bytes > shortSize || bytes > size || !canTake(*node, node->length) ||
             (*at(*node) != 1 && *at(*node) != 2))
             return false;
-        count = static_cast<int32_t>(node->length - 1);
-        std::memcpy(buffer, move(*node, node->length) + 1, node->length - 1);
+        copyShort(static_cast<uint8_t *>(buffer), move(*node, node->length) + 1, bytes);
+        count = static_cast<int32_t>(bytes);
         return true;
     }
 
@@ -95,7 +122,8 @@ public:
 private:
     static bool isCompound(const ParserNode &node) { return (node.tag & 0x80) != 0; }
 
-    bool isAtHand(uint32_t count) const { return uint64_t{position_} + count <= size_; }
+    // Whether so many bytes, of which there is at least one, are left.
+    bool isAtHand(uint32_t count) const { return count - 1 < left_; }
 
     bool canTake(const ParserNode &node, uint32_t count) const {
         return !isCompound(node) && node.source != 0 && isAtHand(count);
@@ -109,12 +137,13 @@ private:
     const uint8_t *move(const ParserNode &node, uint32_t count) {
         const uint8_t *bytes = at(node);
         position_ += count;
+        left_ -= count;
         bytesRead = bytesReadInMemory = position_;
         return bytes;
     }
 
     uint32_t position_;
-    uint32_t size_; // of the block
+    uint32_t left_; // in the block
     bool inBlock_;
 };
 
