@@ -93,6 +93,23 @@ TEST_F(Parser, ValuesOfEveryType) {
     }
 }
 
+TEST_F(Parser, TextsOfEveryLengthAreCopiedExactly) {
+    std::string text;
+    for (uint32_t length = 0; length <= 70; ++length) {
+        const ExactBlock block(child(0x80, child(1, typed(1, text)) + child(2, "")));
+        const ParserNode root = openRoot(block);
+        ParserNode value{}, next{};
+        ASSERT_EQ(Parser_GetNextSubNode(&root, &value), 0);
+        std::string room(length + 2, '.');
+        EXPECT_EQ(Parser_GetParameterBuffer(&value, room.data() + 1, length), signed(length));
+        EXPECT_EQ(room, "." + text + ".");
+        EXPECT_EQ(bytesRead, block.size() - 3);
+        EXPECT_EQ(bytesReadInMemory, bytesRead);
+        EXPECT_EQ(Parser_GetNextSubNode(&root, &next), -3000);
+        text += static_cast<char>('0' + length);
+    }
+}
+
 TEST_F(Parser, NullAndCompoundNodesAreRefused) {
     const ExactBlock block(child(0x80, child(0x81, child(5, hex("03 01"))) + "pad"));
     ParserNode root = openRoot(block), inner{};
