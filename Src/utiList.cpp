@@ -138,8 +138,21 @@ void Remove(List *list) {
 }
 
 void RemoveAll(List *list) {
-    while (list->tail)
-        list->FreeListNode(list, list->tail);
+    if (list->FreeListNode != FreeListNode) {
+        while (list->tail)
+            list->FreeListNode(list, list->tail);
+        return;
+    }
+    // The same for the operation that is ours, without mending links that all go.
+    ListNode *node = list->tail;
+    list->index -= list->count;
+    list->count = 0;
+    list->head = list->tail = list->current = nullptr;
+    while (node) {
+        ListNode *prev = node->prev;
+        std::free(node);
+        node = prev;
+    }
 }
 
 ListNode *NewListNode(List *list, ListNode *prev, ListNode *next, void *item) {

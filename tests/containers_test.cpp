@@ -103,6 +103,17 @@ TEST_F(ListTest, OperationsCallOneAnotherThroughTheTable) {
     EXPECT_EQ(list->Last(list), items[0]);
     EXPECT_STREQ(static_cast<char *>(list->Prev(list)), "mine");
     EXPECT_STREQ(static_cast<char *>(GetDataInPosition(list, 1)), "mine");
+
+    static int freed;
+    freed = 0;
+    list->FreeListNode = [](List *of, ListNode *node) {
+        ++freed;
+        FreeListNode(of, node);
+    };
+    operate('t', items[1]);
+    list->RemoveAll(list);
+    EXPECT_EQ(freed, 2);
+    EXPECT_EQ(list->GetCount(list), 0);
 }
 
 class StorageTest : public support::Terminal {
