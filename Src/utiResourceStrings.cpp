@@ -83,11 +83,11 @@ public:
 
     [[gnu::always_inline]] bool isThatOf(const ResourceStoredStrings &entry) const {
         static_assert(sizeof entry.key == sizeof words_);
-        Word words[count];
-        std::memcpy(words, entry.key, sizeof words);
 #pragma GCC unroll 4
         for (unsigned i = 0; i < count; ++i) {
-            if (words[i] != words_[i])
+            Word word;
+            std::memcpy(&word, entry.key + i * sizeof word, sizeof word);
+            if (word != words_[i])
                 return false;
         }
         return true;
