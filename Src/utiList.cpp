@@ -11,6 +11,31 @@ void *itemOf(const ListNode *node) {
     return node ? node->data : nullptr;
 }
 
+// A node that no list has yet; null for a null item or when memory is short.
+[[gnu::always_inline]] inline ListNode *makeNode(void *item) {
+    if (!item)
+        return nullptr;
+    auto *node = static_cast<ListNode *>(std::malloc(sizeof(ListNode)));
+    if (!node)
+        return asserts.fail(node);
+    node->data = item;
+    return node;
+}
+
+// Puts a node, if there is one, between two others, or null at an end.
+[[gnu::always_inline]] inline ListNode *link(List *list, ListNode *node, ListNode *prev,
+                                             ListNode *next) {
+    if (!node)
+        return nullptr;
+    node->next = next;
+    node->prev = prev;
+    (prev ? prev->next : list->head) = node;
+    (next ? next->prev : list->tail) = node;
+    ++list->count;
+    ++list->index;
+    return node;
+}
+
 } // namespace
 
 List *List_Create(void) {
@@ -120,7 +145,11 @@ ListNode *AddHead(List *list, void *item) {
 }
 
 ListNode *AddTail(List *list, void *item) {
-    return list->current = list->NewListNode(list, list->tail, nullptr, item);
+    if (list->NewListNode != NewListNode) [[unlikely]]
+        return list->current = list->NewListNode(list, list->tail, nullptr, item);
+    // The same for the operation that is ours: lists grow here above all.
+    ListNode *node = makeNode(item);
+    return list->current = link(list, node, list->tail, nullptr);
 }
 
 ListNode *InsertAfter(List *list, void *item) {
@@ -156,18 +185,7 @@ void RemoveAll(List *list) {
 }
 
 ListNode *NewListNode(List *list, ListNode *prev, ListNode *next, void *item) {
-    if (!item)
-        return nullptr;
-    ListNode *node = uti::allocateZeroed<ListNode>().release();
-    if (!node)
-        return asserts.fail(node);
-
-    *node = {next, prev, item};
-    (prev ? prev->next : list->head) = node;
-    (next ? next->prev : list->tail) = node;
-    ++list->count;
-    ++list->index;
-    return node;
+    return link(list, makeNode(item), prev, next);
 }
 
 void FreeListNode(List *list, ListNode *node) {

@@ -168,10 +168,11 @@ ResourceStoredStrings *findOrAddStored(const char *module, const char *language)
 
 // The stored copy in the current language where no detour leads to it, as nearly every string that
 // is asked for is found; null tells nothing.
+template <auto find>
 [[gnu::always_inline]] inline const StorageEntry *findAtOnce(const char *module, uint32_t id) {
     if (!module || CheckExternalResources == 1 || CurrentLanguage[languageLength] != 0) [[unlikely]]
         return nullptr;
-    const ResourceStoredStrings *stored = findStoredHere(module, CurrentLanguage);
+    const ResourceStoredStrings *stored = find(module, CurrentLanguage);
     if (!stored || !isOpen(stored->strings)) [[unlikely]]
         return nullptr;
     const StorageEntry *entry = findAtOnce(tableOf(stored->strings), static_cast<uint16_t>(id));
@@ -291,7 +292,7 @@ void freeStoredStrings(const char *module) {
 } // namespace
 
 std::string_view getResourceString(const char *module, uint32_t id) {
-    const StorageEntry *stored = findAtOnce(module, id);
+    const StorageEntry *stored = findAtOnce<findStored>(module, id);
     return stored ? textOf(*stored) : getString(module, id);
 }
 
@@ -327,7 +328,7 @@ const char *resource_GetString(const char *module, uint32_t id) {
 }
 
 const char *Resource_GetString(const char *module, uint32_t id) {
-    const StorageEntry *stored = findAtOnce(module, id);
+    const StorageEntry *stored = findAtOnce<findStoredHere>(module, id);
     return stored ? textOf(*stored).data() : getAddress(module, id);
 }
 

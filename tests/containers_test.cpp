@@ -104,14 +104,19 @@ TEST_F(ListTest, OperationsCallOneAnotherThroughTheTable) {
     EXPECT_STREQ(static_cast<char *>(list->Prev(list)), "mine");
     EXPECT_STREQ(static_cast<char *>(GetDataInPosition(list, 1)), "mine");
 
-    static int freed;
-    freed = 0;
+    static int made, freed;
+    made = freed = 0;
+    list->NewListNode = [](List *of, ListNode *prev, ListNode *next, void *item) {
+        ++made;
+        return NewListNode(of, prev, next, item);
+    };
     list->FreeListNode = [](List *of, ListNode *node) {
         ++freed;
         FreeListNode(of, node);
     };
     operate('t', items[1]);
     list->RemoveAll(list);
+    EXPECT_EQ(made, 1);
     EXPECT_EQ(freed, 2);
     EXPECT_EQ(list->GetCount(list), 0);
 }
