@@ -21,7 +21,9 @@ constexpr uint8_t longForm = 0x80;
 struct Header {
     uint32_t tag;
     uint32_t length;
-    bool constructed;
+    uint32_t firstByte; // of the tag
+
+    bool isConstructed() const { return (firstByte & constructedBit) != 0; }
 };
 
 // Reads a tag of up to three bytes and a length, and moves `at` to the value, which may be longer
@@ -34,7 +36,7 @@ struct Header {
         return false;
     uint32_t tag = at[0];
     uint32_t length = at[1];
-    header.constructed = (tag & constructedBit) != 0;
+    header.firstByte = tag;
     if ((tag & moreTagBytes) != moreTagBytes) {
         at += 2;
     } else if (left < 3) {
@@ -87,7 +89,7 @@ int32_t findTag(const Search &search, const uint8_t *at, const uint8_t *end, uin
             *search.valueLength = header.length;
             return UTI_OK;
         }
-        if (header.constructed && depth > 0) {
+        if (depth > 0 && header.isConstructed()) {
             const int32_t inner = findTag(search, at, at + header.length, depth - 1);
             if (inner != UTI_BERTLV_NOT_FOUND)
                 return inner;
