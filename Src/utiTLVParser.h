@@ -30,6 +30,7 @@ inline uint8_t firstByte(const void *data) {
 using ByteScalar = Scalar<3, 2, firstByte>;
 using WordScalar = Scalar<4, 3, BufferToWord>;
 
+// Copies the first and the last `size` bytes of `count`, which are at least as many.
 template <std::size_t size>
 void copyEnds(uint8_t *to, const uint8_t *from, uint32_t count) {
     uint8_t first[size], last[size];
@@ -41,8 +42,7 @@ void copyEnds(uint8_t *to, const uint8_t *from, uint32_t count) {
 
 inline constexpr uint32_t shortSize = 32;
 
-// Copies up to `shortSize` bytes: by two moves that may overlap, where a call would take as long as
-// all the rest of a node.
+// Copies up to `shortSize` bytes by moves in place: with a call a text would take a fourth longer.
 inline void copyShort(uint8_t *to, const uint8_t *from, uint32_t count) {
     if (count >= shortSize / 2)
         copyEnds<shortSize / 2>(to, from, count);
